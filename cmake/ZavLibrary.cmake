@@ -1,0 +1,92 @@
+# SPDX-License-Identifier: Apache-2.0
+#
+# zav_add_library(<name>
+#     EXPORT_NAME <name behind zav::>
+#     SOURCES <file>...            # relative to the calling folder
+#     PUBLIC_HEADERS <file>...     # installed, flat, under <zav/...>
+#     LAYERS <zav library>...      # the layers directly below
+#     PRIVATE_LIBRARIES <target>...)
+#
+# Compiles the sources once and links them twice: into the shared library <name>, and into the static twin
+# <name>_static that tests of hidden parts link. A layer sees its own folders (SOURCE_DIRS) and those of the layers
+# below it, nothing above. Hosts in this tree see the public headers as an installed prefix lays them out.
+
+set(ZAV_STAGED_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
+set(ZAV_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
+    $<$<BOOL:${ZAV_WARNINGS_AS_ERRORS}>:-Werror>)
+
+# Old-style DT_RPATH: glibc ignores DT_RUNPATH when Qt looks a library up on our behalf.
+set(ZAV_RPATH_LINK_OPTIONS $<$<PLATFORM_ID:Linux>:-Wl,--disable-new-dtags>)
+
+function(zav_stage_headers)
+    foreach(header IN LISTS ARGN)
+        get_filename_component(name "${header}" NAME)
+        configure_file("${header}" "${ZAV_STAGED_INCLUDE_DIR}/zav/${name}" COPYONLY)
+    endforeach()
+endfunction()
+
+function(zav_add_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "EXPORT_NAME" "SOURCES;SOURCE_DIRS;PUBLIC_HEADERS;LAYERS;PRIVATE_LIBRARIES")
+    string(TOUPPER "${name}" upper)
+    zav_stage_headers(${arg_PUBLIC_HEADERS})
+
+    add_library(${name}_objects OBJECT ${arg_SOURCES} ${arg_PUBLIC_HEADERS})
+    list(TRANSFORM arg_SOURCE_DIRS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+    list(TRANSFORM arg_LAYERS APPEND _objects OUTPUT_VARIABLE lower_objects)
+    set(include_dirs ${arg_SOURCE_DIRS})
+    foreach(lower IN LISTS lower_objects)
+        get_target_property(lower_dirs ${lower} ZAV_INCLUDE_DIRS)
+        list(APPEND include_dirs ${lower_dirs})
+    endforeach()
+    list(REMOVE_DUPLICATES include_dirs)
+    set_target_properties(${name}_objects PROPERTIES ZAV_INCLUDE_DIRS "${include_dirs}")
+    target_include_directories(${name}_objects PRIVATE ${include_dirs})
+    target_compile_definitions(${name}_objects PRIVATE ${upper}_BUILD QT_NO_KEYWORDS)
+    target_compile_options(${name}_objects PRIVATE ${ZAV_WARNING_FLAGS})
+    target_link_libraries(${name}_objects PRIVATE Qt6::Core ${arg_PRIVATE_LIBRARIES})
+
+    add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
+    add_library(zav::${arg_EXPORT_NAME} ALIAS ${name})
+    target_link_libraries(${name} PUBLIC Qt6::Core ${arg_LAYERS})
+    target_include_directories(${name} INTERFACE
+        $<BUILD_INTERFACE:${ZAV_STAGED_INCLUDE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    target_compile_features(${name} INTERFACE cxx_std_17)
+    target_link_options(${name} PRIVATE ${ZAV_RPATH_LINK_OPTIONS})
+    set_target_properties(${name} PROPERTIES
+        EXPORT_NAME ${arg_EXPORT_NAME}
+        LINKER_LANGUAGE CXX
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        INSTALL_RPATH "$ORIGIN")
+
+    add_library(${name}_static STATIC $<TARGET_OBJECTS:${name}_objects>)
+    list(TRANSFORM arg_LAYERS APPEND _static OUTPUT_VARIABLE lower_static)
+    target_link_libraries(${name}_static PUBLIC Qt6::Core ${lower_static} ${CMAKE_DL_LIBS})
+    target_include_directories(${name}_static INTERFACE ${include_dirs})
+    set_target_properties(${name}_static PROPERTIES LINKER_LANGUAGE CXX)
+
+    install(TARGETS ${name} EXPORT zav_mlTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development)
+    install(FILES ${arg_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zav COMPONENT Development)
+endfunction()
+
+# zav_add_test(<name> SOURCES <file>... LIBRARIES <target>...): one GoogleTest program, each of its tests a ctest.
+function(zav_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gtest_main)
+    target_compile_definitions(${name} PRIVATE QT_NO_KEYWORDS ZAV_TEST_DATA_DIR="${CMAKE_CURRENT_SOURCE_DIR}/data")
+    target_compile_options(${name} PRIVATE ${ZAV_WARNING_FLAGS})
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+endfunction()
+
+# zav_add_benchmark(<name> SOURCES <file>... LIBRARIES <target>...)
+function(zav_add_benchmark name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} benchmark::benchmark)
+    target_compile_definitions(${name} PRIVATE QT_NO_KEYWORDS)
+    target_compile_options(${name} PRIVATE ${ZAV_WARNING_FLAGS})
+endfunction()

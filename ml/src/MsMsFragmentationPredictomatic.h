@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Error.h"
+#include "Export.h"
+#include "FragmentPeak.h"
+#include "Result.h"
+#include "TheoreticalIsotopePoint2dListGenerator.h"
+
+#include <QtCore/QList>
+#include <QtCore/QPointF>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <memory>
+#include <vector>
+
+namespace zav {
+
+/// Predicts the MS/MS fragment spectrum of a peptide, with one trained network per precursor charge from 1 to 5.
+///
+/// Peptides are upper-case one-letter sequences, N-terminus first. Characters are used as they stand: one that is not
+/// among the 20 standard residues is shown to the network as an unknown residue and weighs nothing. The only
+/// modification is the fixed mass on every cysteine.
+///
+/// m/z is in Da per elementary charge. Intensities are relative, in the network's own scale (for the shipped networks
+/// the base peak is 1).
+///
+/// One thread at a time per object; separate objects are independent and may be used in parallel.
+class ZAV_ML_EXPORT MsMsFragmentationPredictomatic
+{
+public:
+    /// Loads nothing; cysteine is carbamidomethylated (+57.02146 Da).
+    MsMsFragmentationPredictomatic();
+    ~MsMsFragmentationPredictomatic();
+
+    MsMsFragmentationPredictomatic(const MsMsFragmentationPredictomatic &) = delete;
+    MsMsFragmentationPredictomatic &operator=(const MsMsFragmentationPredictomatic &) = delete;
+
+    /// Loads the networks for precursor charges 1 to 5, in that order. Paths are used as they stand.
+    ///
+    /// Stops at the first that fails and returns its error; those before it stay loaded and usable. A repeated call
+    /// replaces the networks it reaches.
+    Error init(const QString &modelPath1, QString modelPath2, QString modelPath3, QString modelPath4,
+               QString modelPath5);
+
+    /// True when at least one network is loaded.
+    bool isInit() const;
+
+    /// The largest precursor charge with a loaded network; 0 when there is none.
+    int maxPredictionChargeState() const;
+
+    /// The longest peptide, in residues, that is predicted for a precursor charge (27, 43, 50, 52, 50 for 1 to 5);
+    /// 0 for any other charge. Independent of `init`.
+    int getMaximumPeptideLengthForCharge(int charge);
+
+    /// Sets the mass in Da added to every cysteine of later predictions. Any value is taken as it stands.
+    void setCysteineFixedMass(double mass);
+
+    /// Predicts one spectrum: the fragments and their isotope peaks as (m/z, intensity), sorted by ascending m/z,
+    /// without peaks over 2000 m/z or under an intensity of 0.025.
+    ///
+    /// `out` is replaced on success only. A peptide longer than the charge allows, or a charge outside 1 to 5, is not
+    /// an error: nothing is predicted and `out` stays as it was. A charge whose network is not loaded is
+    /// `Error(Failure)`. One network run.
+    Error predictMsMsFragmentation(const QString &peptide, int charge, QList<QPointF> *out);
+
+    /// Predicts the fragments of many peptides of one precursor charge, annotated and without isotope peaks, as
+    /// spectral libraries store them. The network runs once per block of peptides, so that each costs a fraction of a
+    /// single call.
+    ///
+    /// `out` is replaced on success only, by one list per peptide in their order, each sorted by ascending m/z and
+    /// limited as `predictMsMsFragmentation` limits its peaks. A peptide longer than the charge allows gets an empty
+    /// list and a warning on the returned (no-error) `Error`. A charge without a loaded network is `Error(Failure)`.
+    Error predictFragments(const QStringList &peptides, int charge, QList<QList<FragmentPeak>> *out);
+
+private:
+    friend class MsMsFragmentationPredictomaticInspector; // the unit tests' view of the steps below
+
+    class Private;
+    struct Fragment;
+
+    QList<Fragment> buildMzPoints(const QString &peptide, int charge);
+    void addFragmentIonToMzPoints(double startMass, int count, const QString &peptide, int charge, QChar ionType,
+                                  const QString &neutralLoss, QList<Fragment> *out);
+    Result<QList<QPointF>> buildPoints(const QList<Fragment> &fragments, const std::vector<float> &predictions);
+    Result<QList<QPointF>> addIsotopesToFragments(const QPointF &point, int charge);
+
+    std::unique_ptr<Private> d;
+    TheoreticalIsotopePoint2dListGenerator isotopeGenerator;
+    double cysteineFixedMass = 57.02146;
+};
+
+} // namespace zav

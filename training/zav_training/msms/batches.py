@@ -1,0 +1,82 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Spectra as padded batches."""
+
+from collections.abc import Iterator
+from dataclasses import dataclass
+
+import numpy as np
+
+from zav_training.msms import ladder, vocabulary
+from zav_training.msms.sources import GENERIC, SOURCES
+from zav_training.msms.spectra import Spectrum
+
+#: Batches are cut from this many spectra at a time, sorted by length: little padding, much chance.
+BATCHES_IN_POOL = 24
+
+
+@dataclass
+class Batch:
+    """B spectra in rows; n is the length of the longest peptide.
+
+    residues  int32 [B, n];  length, charge, source  int32 [B];  noise, weight  float32 [B]
+    observed  float32 [B, n, 11], intensities in sites;  mask  float32 [B, n, 11], 1 observable
+    """
+
+    residues: np.ndarray
+    length: np.ndarray
+    charge: np.ndarray
+    source: np.ndarray
+    noise: np.ndarray
+    weight: np.ndarray
+    observed: np.ndarray
+    mask: np.ndarray
+
+
+def make_batch(spectra: list[Spectrum], weights: np.ndarray | None = None) -> Batch:
+    """Pads the spectra to the longest of them; weights [B] multiply the sources' own."""
+    count, rows = len(spectra), max(len(s.peptide) for s in spectra)
+    residues = np.zeros((count, rows), dtype=np.int32)
+    observed = np.zeros((count, rows, len(ladder.SERIES)), dtype=np.float32)
+    mask = np.zeros_like(observed)
+    for i, s in enumerate(spectra):
+        residues[i, : len(s.peptide)] = vocabulary.encode(s.peptide)
+        observed[i, : len(s.peptide) - 1] = s.intensity
+        mask[i, : len(s.peptide) - 1] = s.observed
+    own = np.array([SOURCES[s.source].weight for s in spectra], dtype=np.float32)
+    return Batch(
+        residues,
+        np.array([len(s.peptide) for s in spectra], dtype=np.int32),
+        np.array([s.charge for s in spectra], dtype=np.int32),
+        np.array([s.source for s in spectra], dtype=np.int32),
+        np.array([s.noise for s in spectra], dtype=np.float32),
+        own if weights is None else own * weights.astype(np.float32),
+        observed,
+        mask,
+    )
+
+
+def charge_weights(spectra: list[Spectrum], boosts: dict[int, float]) -> np.ndarray:
+    """Factor of each spectrum's loss by its precursor charge, float32; 1 where none is given."""
+    return np.array([boosts.get(s.charge, 1.0) for s in spectra], dtype=np.float32)
+
+
+def epoch(
+    spectra: list[Spectrum],
+    weights: np.ndarray,
+    size: int,
+    generic_rate: float,
+    random: np.random.Generator,
+) -> Iterator[Batch]:
+    """One pass in a random order, full batches only; some sources are replaced by GENERIC."""
+    order = random.permutation(len(spectra))
+    pool = size * BATCHES_IN_POOL
+    groups = []
+    for start in range(0, len(order), pool):
+        part = sorted(order[start : start + pool], key=lambda i: len(spectra[i].peptide))
+        groups += [part[i : i + size] for i in range(0, len(part) - size + 1, size)]
+    for index in random.permutation(len(groups)):
+        chosen = groups[index]
+        batch = make_batch([spectra[i] for i in chosen], weights[chosen])
+        generic = random.random(size) < generic_rate
+        batch.source = np.where(generic, GENERIC, batch.source).astype(np.int32)
+        yield batch
