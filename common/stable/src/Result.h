@@ -21,7 +21,10 @@ public:
     Result(T &&value) : m_outcome(std::in_place_index<1>, std::move(value)) {}
 
     /// A failure, with the error's warnings. The error is stored as it stands: tag it before.
-    Result(const Error &error) : m_outcome(std::in_place_index<0>, error) { Warnings::resetWarningsInternal(error.warnings()); }
+    Result(const Error &error) : m_outcome(std::in_place_index<0>, error)
+    {
+        Warnings::resetWarningsInternal(error.warnings());
+    }
     Result(Error &&error) : m_outcome(std::in_place_index<0>, std::move(error))
     {
         Warnings::resetWarningsInternal(std::get<0>(m_outcome).warnings());
