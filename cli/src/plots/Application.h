@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QtCore/QCoreApplication>
+
+#include <memory>
+
+namespace zav {
+
+/// The application object of a run. Only a run that draws pictures pays for fonts and a window system plug-in: it gets
+/// a QGuiApplication on the offscreen platform, unless the user chose one in QT_QPA_PLATFORM; every other run, and
+/// every run of a build that cannot draw, a QCoreApplication.
+std::unique_ptr<QCoreApplication> createApplication(int &argc, char **argv, bool drawsPictures);
+
+} // namespace zav
