@@ -55,9 +55,19 @@ def make_batch(spectra: list[Spectrum], weights: np.ndarray | None = None) -> Ba
     )
 
 
-def charge_weights(spectra: list[Spectrum], boosts: dict[int, float]) -> np.ndarray:
-    """Factor of each spectrum's loss by its precursor charge, float32; 1 where none is given."""
-    return np.array([boosts.get(s.charge, 1.0) for s in spectra], dtype=np.float32)
+def loss_factors(
+    spectra: list[Spectrum], by_charge: dict[int, float], orbitrap: float
+) -> np.ndarray:
+    """Factor of each spectrum's loss, float32: its charge's (1 where none is given), times
+    `orbitrap` where its source is an absolute Orbitrap spectrum.
+    """
+    return np.array(
+        [
+            by_charge.get(s.charge, 1.0) * (orbitrap if SOURCES[s.source].orbitrap else 1.0)
+            for s in spectra
+        ],
+        dtype=np.float32,
+    )
 
 
 def epoch(

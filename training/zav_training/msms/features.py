@@ -7,6 +7,8 @@ import numpy as np
 NEAR = 8
 RAMP = 30.0
 MASK = 0
+#: Column that is 1 in the row of the last residue.
+LAST = 1 + NEAR
 WIDTH = 2 * NEAR + 5
 
 

@@ -15,7 +15,8 @@ from zav_training.msms.sources import SOURCES, TYPICAL
 
 #: Counts of residues left and right of a bond are divided by this, to be of the order of 1.
 COUNT_SCALE = 8.0
-LOGIT_RANGE = (-9.0, 6.0)
+#: Logits are limited to it, so that no export can overflow.
+MAX_LOGIT = 6.0
 RESIDUES = vocabulary.WIDTH - 1
 INPUT_WIDTH = RESIDUES + features.WIDTH
 HEAD_EXTRA = 2 * RESIDUES + features.WIDTH
@@ -42,7 +43,7 @@ class Shape:
 
 
 class Network(tf.Module):
-    """Weights and forward pass. Logits are log intensities on any scale, clipped to -9 and 6."""
+    """Weights and forward pass. Logits are log intensities on any scale, at most 6."""
 
     def __init__(self, shape: Shape, seed: int) -> None:
         super().__init__()
@@ -183,4 +184,4 @@ class Network(tf.Module):
         by_charge = tf.reshape(flat, [tf.shape(hidden)[0], -1, len(vocabulary.CHARGES), series])
         own = tf.one_hot(charge - 1, len(vocabulary.CHARGES))[:, None, :, None]
         logits = self._matmul("logits", hidden) + tf.reduce_sum(by_charge * own, 2)
-        return tf.clip_by_value(logits, *LOGIT_RANGE)
+        return tf.minimum(logits, MAX_LOGIT)

@@ -59,8 +59,8 @@ def report_line(network: Network, spectra: list[Spectrum]) -> str:
         predictions = [apply_cut(p) for p in predict(network, spectra, true_source)]
         scores = [score(s, p) for s, p in zip(spectra, predictions, strict=True)]
         table = summarise(spectra, scores)
-        names = ["orbitrap", "library"] if true_source else ["orbitrap", "library"]
-        names += [f"charge {z}" for z in range(1, 6)] if true_source else []
+        names = ["orbitrap", "library"]
+        names += [f"charge {z}" for z in range(1, 6)]
         names += ["orbitrap charge 2", "orbitrap charge 3"]
         figures = [f"{name.replace('charge ', 'z')} {table[name][1].angle:.4f}/{table[name][1].pearson:.3f}" for name in names]
         o = table["orbitrap"][1]

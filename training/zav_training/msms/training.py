@@ -11,7 +11,7 @@ from pathlib import Path
 import numpy as np
 import tensorflow as tf
 
-from zav_training.msms.batches import Batch, charge_weights, epoch
+from zav_training.msms.batches import Batch, epoch, loss_factors
 from zav_training.msms.loss import spectrum_loss
 from zav_training.msms.network import Network, Shape
 from zav_training.msms.spectra import Spectrum
@@ -34,6 +34,7 @@ class Schedule:
     generic       share of the spectra whose source is hidden
     noise_scale   factor of the noise level of absent slots: less is a stronger penalty on them
     boosts        factor of the loss by precursor charge
+    orbitrap      factor of the loss of the sources that the shipped networks imitate
     """
 
     epochs: float = 16.0
@@ -46,6 +47,7 @@ class Schedule:
     generic: float = 0.2
     noise_scale: float = 1.0
     boosts: dict[int, float] = field(default_factory=dict)
+    orbitrap: float = 1.0
 
 
 class Trainer:
@@ -153,7 +155,7 @@ def train(
     folder.mkdir(parents=True, exist_ok=True)
     tf.random.set_seed(seed)
     random = np.random.default_rng(seed)
-    factors = charge_weights(spectra, schedule.boosts)
+    factors = loss_factors(spectra, schedule.boosts, schedule.orbitrap)
     steps = int(len(spectra) / schedule.batch * schedule.epochs)
     trainer = Trainer(Network(shape, seed), schedule, steps)
     about = {"shape": asdict(shape), "schedule": asdict(schedule), "seed": seed, "steps": steps}
