@@ -11,8 +11,8 @@ import tensorflow as tf
 #: What a host runs once after loading; nothing is left to initialise, but the name must be there.
 INIT = "init"
 MAX_BYTES = 4_000_000
-#: Graph version of TensorFlow 2.12, the oldest runtime that the files are written for.
-PRODUCER = 1395
+#: Graph version that the files state: a low one, as nothing in them needs a recent runtime.
+PRODUCER = 1000
 #: Operations that would mean that the weights are not frozen into the file.
 FORBIDDEN = ("Variable", "VarHandleOp", "ReadVariableOp", "RestoreV2", "SaveV2", "ReadFile")
 
@@ -23,9 +23,8 @@ def write_graph(graph: tf.Graph, path: Path) -> str:
     Attributes that hold their default are left out, so that an older runtime, which may not know
     them, reads the file.
     """
-    meta = tf.compat.v1.train.export_meta_graph(
-        graph=graph, clear_devices=True, strip_default_attrs=True
-    )
+    with graph.as_default():
+        meta = tf.compat.v1.train.export_meta_graph(clear_devices=True, strip_default_attrs=True)
     definition = meta.graph_def
     definition.versions.producer = PRODUCER
     check_frozen(definition)

@@ -19,6 +19,8 @@ LABELLED = (
     "openms",
 )
 BACKGROUND = ("massdash", "masic")
+#: Sources whose identifiers begin with the name of a run, which stands for the document.
+RUNS = ("smartpeak_mrm", "openms")
 #: A shorter trace shows no peak.
 LEAST_POINTS = 8
 
@@ -62,7 +64,7 @@ def _trace(record: dict, source: str) -> Trace:
     return Trace(
         id=record["id"],
         source=source,
-        document=record.get("document") or source,
+        document=_document(record, source),
         molecule=_molecule(record["id"]),
         annotation=record["annotation"],
         rt=np.array(record["rt"], np.float64),
@@ -70,6 +72,12 @@ def _trace(record: dict, source: str) -> Trace:
         peaks=[tuple(peak[:2]) for peak in record["peaks"]],
         candidates=[_candidate(c) for c in record.get("candidates") or []],
     )
+
+
+def _document(record: dict, source: str) -> str:
+    """The document, or the run where the file holds runs and no documents."""
+    document = record.get("document") or source
+    return record["id"].split("|")[0] if document in RUNS else document
 
 
 def _candidate(record: dict | list) -> tuple[float, float]:

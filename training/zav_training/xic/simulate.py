@@ -1,0 +1,230 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Simulated chromatograms whose peaks, limits and valleys are known.
+
+Two conventions differ between people and programs, and are drawn anew for each trace so that a
+network can be told which one to follow: how wide a peak is drawn (limits over width at half
+height) and how deep a valley must be to part two peaks.
+"""
+
+from dataclasses import dataclass, field
+
+import numpy as np
+
+from zav_training.xic.shapes import Peak, draw_peak
+
+#: Limits over width at half height: programs draw about 3, people about 4.7.
+DRAWN_WIDTH = (2.2, 5.5)
+#: Share of the lower apex by which the signal must fall between two peaks that are parted.
+VALLEY_DEPTH = (0.05, 0.6)
+#: Width at 1 % of the apex over the width at half height, for a Gaussian.
+GAUSSIAN_FOOT = 2.5776
+#: Evidence of a peak: height over noise times the root of its half width. Below the first it counts
+#: as noise, from the second on it has to be found, between them neither answer is held against.
+EVIDENCE = (3.0, 7.0)
+
+
+@dataclass
+class Region:
+    """One interval that is to be found; points as real numbers."""
+
+    start: float
+    end: float
+    apexes: list[float]
+    evidence: float
+    height: float
+
+
+@dataclass
+class Simulated:
+    """A simulated trace: intensities, and what is to be found in it."""
+
+    intensity: np.ndarray
+    regions: list[Region]
+    #: Valleys that part two peaks: place in points, and depth.
+    valleys: list[tuple[float, float]]
+    #: Shoulders and shallow valleys: place, apex distance; for the splitter only.
+    shoulders: list[tuple[float, float]]
+    drawn_width: float
+    valley_depth: float
+    peaks: list[Peak] = field(default_factory=list)
+
+
+def simulate(
+    rng: np.random.Generator,
+    length: int,
+    background: np.ndarray | None = None,
+    crowded: float = 0.35,
+) -> Simulated:
+    """A trace of the given number of points; background: a peak-free stretch of a real trace."""
+    drawn = float(rng.uniform(*DRAWN_WIDTH))
+    depth = float(np.exp(rng.uniform(*np.log(VALLEY_DEPTH))))
+    peaks = _draw_peaks(rng, length, crowded)
+    t = np.arange(length, dtype=np.float64)
+    curves = [p.height * p.curve(t) for p in peaks]
+    clean = np.sum(curves, axis=0) if curves else np.zeros(length)
+    signal, noise = _measure(rng, clean, background, max((p.height for p in peaks), default=1.0))
+    order = np.argsort([p.apex for p in peaks])
+    peaks = [peaks[i] for i in order]
+    valleys, shoulders = _borders(peaks, clean, curves=[curves[i] for i in order], depth=depth)
+    regions = _regions(peaks, valleys, drawn, noise, length)
+    return Simulated(signal, regions, valleys, shoulders, drawn, depth, peaks)
+
+
+def _draw_peaks(rng: np.random.Generator, length: int, crowded: float) -> list[Peak]:
+    """Clusters of one to four peaks; half of all traces have a single cluster."""
+    if rng.random() < 0.04:
+        return []
+    peaks: list[Peak] = []
+    widest = min(0.22 * length, 45.0)
+    for _ in range(1 + int(rng.random() < 0.5) * int(rng.integers(0, 4))):
+        sigma = float(np.exp(rng.uniform(np.log(0.9), np.log(max(widest, 1.5)))))
+        count = 1 if rng.random() > crowded else int(rng.integers(2, 5))
+        scale = 1.0 if not peaks else float(np.exp(rng.uniform(np.log(0.01), 0.0)))
+        at = float(rng.uniform(-0.01, 1.01) * length)
+        peaks += _draw_cluster(rng, at, sigma, count, scale)
+    return peaks
+
+
+def _draw_cluster(
+    rng: np.random.Generator, at: float, sigma: float, count: int, scale: float
+) -> list[Peak]:
+    peaks = []
+    for i in range(count):
+        if i:
+            at += sigma * float(rng.uniform(2.0, 7.5))
+            sigma *= float(rng.uniform(0.8, 1.25))
+        height = scale * float(np.exp(rng.uniform(np.log(0.12), 0.0)) if count > 1 else 1.0)
+        peaks.append(draw_peak(rng, at, sigma, height))
+    return peaks
+
+
+def _borders(
+    peaks: list[Peak], clean: np.ndarray, curves: list[np.ndarray], depth: float
+) -> tuple[list[tuple[float, float]], list[tuple[float, float]]]:
+    """Valleys deep enough, and shoulders, between neighbours whose apexes lie in the trace."""
+    valleys, shoulders = [], []
+    last = len(clean) - 1
+    for i, (a, b) in enumerate(zip(peaks, peaks[1:], strict=False)):
+        left, right = int(round(a.apex)), int(round(b.apex))
+        if left < 0 or right > last or right - left < 3:
+            continue
+        between = clean[left : right + 1]
+        low = int(np.argmin(between))
+        top = min(between[: low + 1].max(), between[low:].max())
+        fall = 1.0 - between[low] / max(top, 1e-12)
+        if fall >= depth:
+            valleys.append((float(left + low), fall))
+        cross = left + int(np.argmin(np.abs(curves[i][left : right + 1] - curves[i + 1][left : right + 1])))
+        place = float(left + low) if fall > 0.02 else float(cross)
+        shoulders.append((place, float(right - left)))
+    return valleys, shoulders
+
+
+def _regions(
+    peaks: list[Peak],
+    valleys: list[tuple[float, float]],
+    drawn: float,
+    noise: np.ndarray,
+    length: int,
+) -> list[Region]:
+    """Peaks that no valley parts share a region; touching regions meet at the valley."""
+    regions: list[Region] = []
+    for peak in peaks:
+        left, right = peak.limits(drawn, GAUSSIAN_FOOT)
+        local = noise[int(np.clip(round(peak.apex), 0, length - 1))]
+        evidence = peak.height / max(local, 1e-12) * np.sqrt(max(peak.half_width, 1.0))
+        region = Region(left, right, [peak.apex], evidence, peak.height)
+        if regions and region.start <= regions[-1].end + 2.0:
+            _join(regions, region, valleys)
+        else:
+            regions.append(region)
+    return [r for r in regions if r.end > 1.0 and r.start < length - 2.0]
+
+
+def _join(regions: list[Region], region: Region, valleys: list[tuple[float, float]]) -> None:
+    last = regions[-1]
+    between = [v for v, _ in valleys if last.apexes[-1] < v < region.apexes[0]]
+    if between:
+        last.end, region.start = between[0], between[0]
+        regions.append(region)
+        return
+    last.start, last.end = min(last.start, region.start), max(last.end, region.end)
+    last.apexes += region.apexes
+    last.evidence = max(last.evidence, region.evidence)
+    last.height = max(last.height, region.height)
+
+
+def _measure(
+    rng: np.random.Generator, clean: np.ndarray, background: np.ndarray | None, top: float
+) -> tuple[np.ndarray, np.ndarray]:
+    """Signal as an instrument would report it, and the noise beside the peaks, per point."""
+    signal_to_noise = float(np.exp(rng.uniform(np.log(3.0), np.log(3000.0))))
+    n = len(clean)
+    level = top / signal_to_noise
+    if background is not None:
+        base = background * (level / max(background.std(), 1e-12))
+        base = base + level * float(rng.uniform(0.0, 2.0))
+        noise = np.full(n, level)
+    else:
+        base = _drift(rng, n) * level * float(np.exp(rng.uniform(np.log(0.1), np.log(20.0))))
+        noise = np.full(n, level)
+        base = base + level * _white(rng, n)
+    signal = clean + base
+    signal = signal * np.exp(_jitter(rng) * rng.standard_normal(n))
+    signal, noise = _count(rng, np.maximum(signal, 0.0), noise, top)
+    return _spoil(rng, signal, top, level), noise
+
+
+def _drift(rng: np.random.Generator, n: int) -> np.ndarray:
+    t = np.linspace(0.0, 1.0, n)
+    kind = rng.integers(0, 4)
+    if kind == 0:
+        return np.full(n, float(rng.uniform(0.0, 1.0)))
+    if kind == 1:
+        return np.interp(t, [0.0, 1.0], rng.uniform(0.0, 1.0, 2))
+    if kind == 2:
+        return 0.5 + 0.5 * np.sin(2 * np.pi * (t * rng.uniform(0.2, 1.5) + rng.random()))
+    return np.exp(-t * rng.uniform(0.5, 6.0)) if rng.random() < 0.5 else t ** rng.uniform(1, 4)
+
+
+def _white(rng: np.random.Generator, n: int) -> np.ndarray:
+    """White noise, or noise whose neighbours hang together a little."""
+    white = rng.standard_normal(n)
+    if rng.random() < 0.3:
+        rho = rng.uniform(0.1, 0.5)
+        white[1:] = rho * white[:-1] + np.sqrt(1 - rho**2) * white[1:]
+    return white
+
+
+def _jitter(rng: np.random.Generator) -> float:
+    """Spread of the error that grows with the signal."""
+    if rng.random() < 0.5:
+        return float(rng.uniform(0.0, 0.08))
+    return float(rng.uniform(0.08, 0.6))
+
+
+def _count(
+    rng: np.random.Generator, signal: np.ndarray, noise: np.ndarray, top: float
+) -> tuple[np.ndarray, np.ndarray]:
+    """Counting statistics for a part of the traces; apex of 3 to 100,000 counts."""
+    if rng.random() < 0.35:
+        return signal, noise
+    counts = float(np.exp(rng.uniform(np.log(3.0), np.log(1e5))))
+    scale = counts / max(top, 1e-12)
+    counted = rng.poisson(np.minimum(signal * scale, 1e9)) / scale
+    return counted, np.sqrt(noise**2 + (1.0 / scale) ** 2)
+
+
+def _spoil(rng: np.random.Generator, signal: np.ndarray, top: float, level: float) -> np.ndarray:
+    """Spikes, dropouts, a threshold below which nothing is reported, a clipped detector."""
+    n = len(signal)
+    if rng.random() < 0.25:
+        places = rng.integers(0, n, rng.integers(1, 4))
+        signal[places] += top * np.exp(rng.uniform(np.log(0.02), np.log(0.8), len(places)))
+    if rng.random() < 0.15:
+        signal[rng.random(n) < rng.uniform(0.02, 0.35)] = 0.0
+    if rng.random() < 0.3:
+        signal[signal < level * rng.uniform(0.5, 4.0)] = 0.0
+    if rng.random() < 0.04:
+        signal = np.minimum(signal, top * rng.uniform(0.3, 0.9))
+    return signal
