@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Messages.h"
+
+#include "Progress.h"
+
+#include <cstdio>
+
+namespace zav {
+
+namespace {
+
+/// The message on one line; some failures are told by their code and trail alone.
+QString oneLine(const Error &error)
+{
+    const QString message = error.message().simplified();
+    return message.isEmpty() ? QStringLiteral("failed without a message (--verbose shows where)") : message;
+}
+
+} // namespace
+
+void Messages::note(const QString &text)
+{
+    writeLine(QStringLiteral("zav: ") + text);
+}
+
+void Messages::failure(const Error &error, const QString &subject)
+{
+    note((subject.isEmpty() ? QString() : subject + QStringLiteral(": ")) + oneLine(error));
+    if (m_verbose)
+        writeLine(error.toString());
+}
+
+void Messages::writeLine(const QString &line)
+{
+    if (m_progress)
+        m_progress->clear();
+    std::fputs(qUtf8Printable(line + QLatin1Char('\n')), stderr);
+}
+
+} // namespace zav

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ModelFolder.h"
+
+#include "Precursor.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+namespace zav {
+
+QString installedModelFolder()
+{
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/" ZAV_MODELS_FROM_PROGRAM));
+}
+
+Result<ModelFolder> ModelFolder::find(const QString &asked)
+{
+    const ModelFolder folder(asked.isEmpty() ? installedModelFolder() : asked);
+    const QString shown = displayText(folder.path(), 300);
+    const QString hint = asked.isEmpty() ? QStringLiteral("; --models names another folder") : QString();
+    if (!QFileInfo(folder.path()).isDir())
+        return Error(Failure, QStringLiteral("no folder of networks at %1%2").arg(shown, hint));
+    if (!folder.hasFragmentationNetworks())
+        return Error(Failure,
+                     QStringLiteral("no networks (msms_charge1.pb to msms_charge5.pb) in %1%2").arg(shown, hint));
+    return folder;
+}
+
+QString ModelFolder::fragmentationNetwork(int charge) const
+{
+    return QDir(m_path).filePath(QStringLiteral("msms_charge%1.pb").arg(charge));
+}
+
+Error ModelFolder::checkFragmentationNetwork(int charge) const
+{
+    QFile file(fragmentationNetwork(charge));
+    if (!file.exists())
+        return Error(Failure,
+                     QStringLiteral("no network for charge %1 in %2").arg(charge).arg(displayText(m_path, 300)));
+    if (!file.open(QIODevice::ReadOnly))
+        return Error(Failure,
+                     QStringLiteral("cannot read %1: %2").arg(displayText(file.fileName(), 300), file.errorString()));
+    return {};
+}
+
+bool ModelFolder::hasFragmentationNetworks() const
+{
+    for (int charge = 1; charge <= 5; ++charge) {
+        if (QFileInfo::exists(fragmentationNetwork(charge)))
+            return true;
+    }
+    return false;
+}
+
+} // namespace zav

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NetworkContract.h"
+
+#include "Precursor.h"
+
+#include <nlohmann/json.hpp>
+
+#include <QtCore/QFile>
+#include <QtCore/QStringList>
+
+namespace zav {
+
+namespace {
+
+using Json = nlohmann::json;
+
+QString textField(const Json &object, const char *name)
+{
+    const auto field = object.find(name);
+    return field != object.end() && field->is_string() ? QString::fromStdString(field->get<std::string>()) : QString();
+}
+
+QList<int> shapeField(const Json &object, const char *name)
+{
+    QList<int> shape;
+    const auto field = object.find(name);
+    if (field == object.end() || !field->is_array())
+        return shape;
+    for (const Json &size : *field)
+        shape.append(size.is_number_integer() ? size.get<int>() : 0);
+    return shape;
+}
+
+struct Figure
+{
+    const char *field;
+    const char *text; // with a place for the value
+    int decimals;
+};
+
+// In the order in which a person asks for them.
+constexpr Figure FIGURES[] = {{"heldOutMedianSpectralAngle", "angle %1", 3},
+                              {"heldOutMedianPearson", "Pearson %1", 3},
+                              {"heldOutSpectra", "%1 spectra", 0}};
+
+QString figuresOf(const Json &object)
+{
+    QStringList texts;
+    for (const Figure &figure : FIGURES) {
+        const auto field = object.find(figure.field);
+        if (field != object.end() && field->is_number())
+            texts.append(QString::fromUtf8(figure.text).arg(field->get<double>(), 0, 'f', figure.decimals));
+    }
+    return texts.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+Result<NetworkContract> readNetworkContract(const QString &path)
+{
+    const QString shown = displayText(path, 300);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Error(Failure, QStringLiteral("cannot read %1: %2").arg(shown, file.errorString()));
+    const Json object = Json::parse(file.readAll().toStdString(), nullptr, false);
+    NetworkContract contract;
+    if (object.is_object())
+        contract.kind = textField(object, "kind");
+    if (contract.kind.isEmpty())
+        return Error(Failure, QStringLiteral("%1 is not the contract of a network").arg(shown));
+    const auto charge = object.find("charge");
+    contract.charge = charge != object.end() && charge->is_number_integer() ? charge->get<int>() : 0;
+    contract.inputShape = shapeField(object, "inputShape");
+    contract.outputShape = shapeField(object, "outputShape");
+    contract.figures = figuresOf(object);
+    contract.sha256 = textField(object, "sha256").toLower();
+    return contract;
+}
+
+} // namespace zav

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QString>
+
+namespace zav {
+
+/// A progress bar on standard error, for work that takes longer than a second on a terminal; otherwise it writes
+/// nothing. It is drawn at most ten times a second and cleared when the object goes.
+class Progress
+{
+public:
+    /// `total` pieces of work, called `unit` in the bar ("peptides"). `isShown` false: never writes.
+    Progress(qint64 total, const QString &unit, bool isShown);
+    ~Progress();
+
+    Progress(const Progress &) = delete;
+    Progress &operator=(const Progress &) = delete;
+
+    /// `done` pieces are finished.
+    void update(qint64 done);
+
+    /// Takes the bar off the terminal, so that a line can be written; the next update draws it again.
+    void clear();
+
+    /// The bar's text: `[######........] 1200 of 3000 peptides, 4 s left`. `elapsedMs` since the start.
+    static QString barText(qint64 done, qint64 total, const QString &unit, qint64 elapsedMs);
+
+private:
+    qint64 m_total = 0;
+    QString m_unit;
+    bool m_isShown = false;
+    bool m_isDrawn = false;
+    qint64 m_nextDrawMs = 1000;
+    QElapsedTimer m_clock;
+};
+
+} // namespace zav

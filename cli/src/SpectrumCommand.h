@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "CommandLine.h"
+#include "Messages.h"
+#include "ObservedSpectrum.h"
+#include "PeptideList.h"
+#include "SpectrumComparison.h"
+#include "SpectrumOutput.h"
+#include "SpectrumPredictor.h"
+
+#include <QtCore/QList>
+
+#include <memory>
+#include <optional>
+
+namespace zav {
+
+/// `zav spectrum`: predicts the spectra that were asked for, writes them, and for one peptide compares and draws.
+class SpectrumCommand
+{
+public:
+    explicit SpectrumCommand(const SpectrumOptions &options);
+    ~SpectrumCommand();
+
+    /// Runs the command to its end. Needs the application object. The result is an `ExitCode`.
+    int run();
+
+private:
+    Error runSteps();
+    Error readPeptides();
+    void checkPeptides();
+    Error loadNetworks();
+    Error predictAll();
+    Error predictBlock(qsizetype first, qsizetype end);
+    Error accept(const PeptideListRow &row, const Result<PredictedSpectrum> &outcome);
+    Error finishOutput();
+    Error readObserved();
+    Error compareAndDraw();
+    void printComparison(const SpectrumComparison &comparison);
+    void countFailures();
+    void reportFailure(const PeptideListRow &row, const Error &error);
+    bool isList() const { return !m_options.peptideList.isEmpty(); }
+
+    SpectrumOptions m_options;
+    OutputFormat m_format;
+    WriterOptions m_writerOptions;
+    SpectrumOutput m_output;
+    Messages m_messages;
+    QList<PeptideListRow> m_rows;
+    QList<Error> m_problems; ///< one per row: why it cannot be predicted, or no error
+    qsizetype m_failed = 0;
+    std::unique_ptr<SpectrumPredictor> m_predictor;
+    std::optional<ObservedSpectrum> m_observed;
+    std::optional<PredictedSpectrum> m_spectrum; ///< of a run for one peptide
+};
+
+} // namespace zav

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SpectrumPredictor.h"
+
+#include "IonNames.h"
+#include "PeakNaming.h"
+#include "PeptideMasses.h"
+
+#include <QtCore/QFileInfo>
+
+#include <algorithm>
+#include <optional>
+
+namespace zav {
+
+namespace {
+
+constexpr char SOURCE_FILE[] = "cli/src/SpectrumPredictor";
+constexpr int MAXIMUM_CHARGE = 5;
+
+/// A path for each of the five charges. The predictor stops at the first path that fails, so a charge that is not
+/// wanted gets a path of one that is: it is loaded there and never asked.
+QStringList pathsFor(const ModelFolder &folder, const QList<int> &charges)
+{
+    QStringList paths;
+    for (int charge = 1; charge <= MAXIMUM_CHARGE; ++charge)
+        paths.append(folder.fragmentationNetwork(charges.contains(charge) ? charge : charges.first()));
+    return paths;
+}
+
+/// Names the file, which the library's own message need not do.
+Error loadingError(const Error &error, const QString &path)
+{
+    const QString name = QFileInfo(path).fileName();
+    const QString message =
+        error.message().isEmpty() ? QStringLiteral("it is no network of this kind") : error.message();
+    Error named(error.code(), QStringLiteral("cannot load %1: %2").arg(name, message));
+    for (const CaughtAt &place : error.trail())
+        named.ecatch(qUtf8Printable(place.functionSignature), qUtf8Printable(place.sourceFile), place.line);
+    return named;
+}
+
+} // namespace
+
+SpectrumPredictor::SpectrumPredictor(const PredictionContent &content) : m_content(content) {}
+SpectrumPredictor::~SpectrumPredictor() = default;
+
+Error SpectrumPredictor::load(const ModelFolder &folder, const QSet<int> &charges)
+{
+    QList<int> usable;
+    for (int charge : charges) {
+        Error error = folder.checkFragmentationNetwork(charge);
+        if (error.hasError())
+            m_unavailable.insert(charge, error);
+        else
+            usable.append(charge);
+    }
+    std::sort(usable.begin(), usable.end());
+    while (!usable.isEmpty()) {
+        m_predictor = std::make_unique<MsMsFragmentationPredictomatic>();
+        m_predictor->setCysteineFixedMass(m_content.cysteineMass);
+        const QStringList paths = pathsFor(folder, usable);
+        const Error error = m_predictor->init(paths[0], paths[1], paths[2], paths[3], paths[4]);
+        if (!error.hasError())
+            return {};
+        const int reached = m_predictor->maxPredictionChargeState() + 1;
+        const int failed = usable.contains(reached) ? reached : usable.first();
+        m_unavailable.insert(failed, loadingError(error, folder.fragmentationNetwork(failed)));
+        usable.removeOne(failed);
+    }
+    return m_unavailable.first();
+}
+
+QList<Result<PredictedSpectrum>> SpectrumPredictor::predict(const QList<Precursor> &precursors)
+{
+    QMap<int, QList<Precursor>> byCharge;
+    for (const Precursor &precursor : precursors)
+        byCharge[precursor.charge].append(precursor);
+    QMap<int, QList<Result<PredictedSpectrum>>> predicted;
+    for (auto it = byCharge.cbegin(); it != byCharge.cend(); ++it)
+        predicted.insert(it.key(), predictCharge(it.value()));
+
+    QList<Result<PredictedSpectrum>> outcomes;
+    for (const Precursor &precursor : precursors)
+        outcomes.append(predicted[precursor.charge].takeFirst());
+    return outcomes;
+}
+
+/// The precursors share one charge.
+QList<Result<PredictedSpectrum>> SpectrumPredictor::predictCharge(const QList<Precursor> &precursors)
+{
+    const int charge = precursors.first().charge;
+    QList<QList<FragmentPeak>> fragments(precursors.size());
+    Error error = m_unavailable.value(charge);
+    if (!error.hasError() && (m_content.ionNames || !m_content.isotopes)) {
+        QStringList peptides;
+        for (const Precursor &precursor : precursors)
+            peptides.append(precursor.peptide);
+        error = m_predictor->predictFragments(peptides, charge, &fragments);
+    }
+    QList<Result<PredictedSpectrum>> outcomes;
+    for (int i = 0; i < precursors.size(); ++i)
+        outcomes.append(error.hasError() ? Result<PredictedSpectrum>(error) : assemble(precursors[i], fragments[i]));
+    return outcomes;
+}
+
+Result<PredictedSpectrum> SpectrumPredictor::assemble(const Precursor &precursor, const QList<FragmentPeak> &fragments)
+{
+    PredictedSpectrum spectrum;
+    spectrum.precursor = precursor;
+    spectrum.precursorMz = peptideMasses::precursorMz(precursor.peptide, precursor.charge, m_content.cysteineMass);
+    spectrum.cysteineMass = m_content.cysteineMass;
+    if (Error error = addPeaks(precursor, fragments, &spectrum.peaks); error.hasError())
+        return std::move(error.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
+    return spectrum;
+}
+
+Error SpectrumPredictor::addPeaks(const Precursor &precursor, const QList<FragmentPeak> &fragments,
+                                  QList<AnnotatedPeak> *peaks)
+{
+    if (!m_content.isotopes) {
+        std::transform(fragments.begin(), fragments.end(), std::back_inserter(*peaks), annotatedPeak);
+        return {};
+    }
+    QList<QPointF> points;
+    if (Error error = m_predictor->predictMsMsFragmentation(precursor.peptide, precursor.charge, &points);
+        error.hasError())
+        return error;
+    const Result<QList<AnnotatedPeak>> named = namePeaks(points, fragments);
+    if (named.hasError())
+        return named.error();
+    *peaks = named.value();
+    return {};
+}
+
+} // namespace zav
