@@ -34,11 +34,11 @@ public:
     /// Operations keep the names of the file.
     ///
     /// `config` is a serialised ConfigProto for the session, and may be empty; bytes that TensorFlow cannot parse
-    /// leave it at its defaults. A network loaded before is freed first: a failed `init` leaves none that runs, and
-    /// tensors have to be bound again.
+    /// leave it at its defaults. A network loaded before is freed first, and its tensors have to be bound again. After
+    /// a failure only another `init` or destruction makes sense.
     Error init(const std::string &path, const std::vector<unsigned char> &config);
 
-    /// Runs the network once. Every input must hold data, no output may be invalid.
+    /// Runs the network once. Every input must hold data and be no output as well; no output may be invalid.
     ///
     /// On success the outputs hold the results, with their shapes, and the inputs are empty again. When the runtime
     /// refuses the run, the inputs keep their data and the outputs are empty; when a check of the tensors fails,
@@ -69,14 +69,15 @@ private:
     friend class ModelInspector; // the unit tests' view of the fields
 
     void clear();
-    Error createSession(const std::vector<unsigned char> &config);
-    Error importGraph(TF_Buffer *graphDef);
-    Error runInitOperation();
+    void createSession(const std::vector<unsigned char> &config);
     TF_Buffer *readGraphFile(const std::string &path) const;
-    Error checkStatus() const;
-    Error checkEncoded(FileNameTensor *name, const std::string &path) const;
-    Error runSaver(const FileNameTensor &name, const char *operationName, const std::string &missingMessage);
+    void importGraph(TF_Buffer *graphDef);
     Error runSession(const std::vector<Tensor *> &inputs, const std::vector<Tensor *> &outputs);
+    Error runSaver(const FileNameTensor &name, const char *operationName, const std::string &missingMessage);
+    Error checkStatus() const;
+    Error checkSession() const;
+    Error checkAllocated(const FileNameTensor &name) const;
+    Error checkEncoded(bool encoded, const std::string &path) const;
 
     TfApi api;
     TF_Graph *graph = nullptr;

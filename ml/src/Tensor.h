@@ -80,13 +80,12 @@ private:
 
     static constexpr char SOURCE_FILE[] = "ml/src/Tensor";
 
-    Error checkFillable(TF_DataType elementType, std::size_t count);
-    Error fill(const void *values, std::size_t count, std::size_t byteCount);
-    Error checkReadable(TF_DataType elementType);
-    std::size_t elementCount() const;
-    std::int32_t knownElementCount() const;
-    std::size_t unknownDimensionCount() const;
+    std::ptrdiff_t unknownDimensionCount() const;
+    bool fitsShape(std::size_t count) const;
     void setDataShape(std::size_t count);
+    void fill(const void *values, std::size_t byteCount);
+    void take(TF_Tensor *result);
+    std::size_t elementCount() const;
 
     TF_Tensor *tensor = nullptr; ///< owned while `state` is 1
     TF_Output output;
@@ -102,15 +101,36 @@ template <typename T>
 Error Tensor::setData(std::vector<T> values)
 {
     release();
-    ZAV_RETURN_IF_ERROR(checkFillable(TensorElement<T>::TYPE, values.size()), __LINE__);
-    ZAV_RETURN_IF_ERROR(fill(values.data(), values.size(), values.size() * sizeof(T)), __LINE__);
+    ZAV_RETURN_IF_ERROR(errorCheck(state != -1, QStringLiteral("Tensor is not valid")), __LINE__);
+    ZAV_RETURN_IF_ERROR(errorCheck(type == TensorElement<T>::TYPE,
+                                   QStringLiteral("Provided type is different from Tensor expected type")),
+                        __LINE__);
+    ZAV_RETURN_IF_ERROR(errorCheck(!shape.empty(), QStringLiteral("Shape of the input Tensor is not known, please "
+                                                                  "provide a shape")),
+                        __LINE__);
+    // Always holds, on purpose: several unknown dimensions get the same size.
+    ZAV_RETURN_IF_ERROR(errorCheck(unknownDimensionCount() >= -1, QStringLiteral("At most one dimension can be "
+                                                                                 "unknown, please provide a shape")),
+                        __LINE__);
+    ZAV_RETURN_IF_ERROR(
+        errorCheck(fitsShape(values.size()), QStringLiteral("Expected and provided number of elements do not match")),
+        __LINE__);
+    setDataShape(values.size());
+    fill(values.data(), values.size() * sizeof(T));
+    ZAV_RETURN_IF_ERROR(errorCheck(tensor != nullptr, QStringLiteral("An error occurred allocating the Tensor memory")),
+                        __LINE__);
+    state = 1;
     return Error();
 }
 
 template <typename T>
 Error Tensor::getData(std::vector<T> *values)
 {
-    ZAV_RETURN_IF_ERROR(checkReadable(TensorElement<T>::TYPE), __LINE__);
+    ZAV_RETURN_IF_ERROR(errorCheck(state != -1, QStringLiteral("Tensor is not valid")), __LINE__);
+    ZAV_RETURN_IF_ERROR(errorCheck(type == TensorElement<T>::TYPE,
+                                   QStringLiteral("Expected return type is different from Tensor type")),
+                        __LINE__);
+    ZAV_RETURN_IF_ERROR(errorCheck(state != 0, QStringLiteral("Tensor is empty")), __LINE__);
     const T *first = static_cast<const T *>(api.TF_TensorData(tensor));
     ZAV_RETURN_IF_ERROR(errorCheck(first != nullptr, QStringLiteral("Tensor data is empty")), __LINE__);
     values->assign(first, first + elementCount());
