@@ -108,6 +108,19 @@ QStringList runtimeFolders()
     return folders;
 }
 
+QString findRuntime()
+{
+    const QString name = configuredName();
+    if (QDir::isAbsolutePath(name))
+        return name;
+    for (const QString &folder : runtimeFolders()) {
+        const QString candidate = folder + QLatin1Char('/') + name;
+        if (QFileInfo::exists(candidate))
+            return candidate;
+    }
+    return name;
+}
+
 /// Why a function is missing from a file: the loader's reason, or that the file lacks it.
 QString reasonFor(const QString &fileName)
 {
@@ -155,14 +168,8 @@ Error TfApi::checkComplete() const
 
 QString TfApi::runtimeFileName()
 {
-    const QString name = configuredName();
-    if (QDir::isAbsolutePath(name))
-        return name;
-    for (const QString &folder : runtimeFolders()) {
-        const QString candidate = folder + QLatin1Char('/') + name;
-        if (QFileInfo::exists(candidate))
-            return candidate;
-    }
+    // Each prediction looks the table up twice: asking the file system every time would cost more than the network.
+    static const QString name = findRuntime();
     return name;
 }
 

@@ -78,7 +78,7 @@ struct TfApi
 
     /// The file that functions are looked up in: the absolute path that the build was configured with; or the first
     /// that exists of the folder `zav` beside the library that holds this code and the folder that the build was
-    /// configured with; or the bare file name, which the system searches.
+    /// configured with; or the bare file name, which the system searches. Chosen once, at the first call.
     static QString runtimeFileName();
 };
 
