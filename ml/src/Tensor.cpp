@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <new>
 
 namespace zav {
@@ -37,6 +38,18 @@ std::int32_t knownElementCount(const std::vector<std::int64_t> &shape)
     for (const std::int64_t dimension : shape)
         product *= static_cast<std::uint32_t>(dimension);
     return static_cast<std::int32_t>(static_cast<std::int32_t>(product) < 0 ? 0U - product : product);
+}
+
+/// Whether the number of elements is an int64. TensorFlow ends the process over a shape where it is not.
+bool isCountable(const std::vector<std::int64_t> &dimensions)
+{
+    std::int64_t count = 1;
+    for (const std::int64_t dimension : dimensions) {
+        if (dimension < 0 || (dimension > 0 && count > std::numeric_limits<std::int64_t>::max() / dimension))
+            return false;
+        count *= dimension;
+    }
+    return true;
 }
 
 } // namespace
@@ -122,8 +135,8 @@ void Tensor::setDataShape(std::size_t count)
 
 void Tensor::fill(const void *values, std::size_t byteCount)
 {
-    // TF_NewTensor owns the buffer from here on: where it refuses, it has called the deallocator.
-    data = newBuffer(values, byteCount);
+    data = isCountable(*dataShape) ? newBuffer(values, byteCount) : nullptr;
+    // TensorFlow owns the buffer from here on: where it refuses the data, it has called the deallocator.
     tensor = data == nullptr ? nullptr
                              : api.TF_NewTensor(type, dataShape->data(), static_cast<int>(dataShape->size()), data,
                                                 byteCount, freeBuffer, nullptr);
