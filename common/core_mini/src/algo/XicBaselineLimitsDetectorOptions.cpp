@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "XicBaselineLimitsDetectorOptions.h"
+
+#include "ParameterRule.h"
+
+namespace zav {
+
+Error XicBaselineLimitsDetectorOptions::checkForParameterErrors() const
+{
+    // A chromatogram that does not fit is thinned to 200 points less than maxPointCount.
+    return firstBrokenRule({
+        ParameterRule::notEmpty("modelFilePath", modelFilePath),
+        ParameterRule::greaterThan("maxPointCount", maxPointCount, 200),
+        ParameterRule::within("probabilityTolerance", probabilityTolerance, 0.0, 1.0),
+        ParameterRule::greaterThan("dbscanEpsilon", dbscanEpsilon, 0.0),
+        ParameterRule::atLeast("dbscanMinPoints", dbscanMinPoints, 1),
+        ParameterRule::atLeast("minPointCount", minPointCount, 0),
+        ParameterRule::atLeast("smoothingPassCount", smoothingPassCount, 0),
+        ParameterRule::atLeast("gaussianFilterSize", gaussianFilterSize, 1),
+        ParameterRule::fromToBelow("limitThreshold", limitThreshold, 0.0, 1.0),
+    });
+}
+
+} // namespace zav
