@@ -4,7 +4,7 @@
 #include <QtCore/QChar>
 #include <QtCore/QString>
 
-/// Monoisotopic masses in Da, computed from the atomic masses of AME2016 (Wang et al., Chin. Phys. C 41, 030003, 2017).
+/// Monoisotopic masses in Da, computed from the atomic masses of AME2020 (Wang et al., Chin. Phys. C 45, 030003, 2021).
 namespace zav::peptideMasses {
 
 /// Of a standard amino-acid residue, upper-case one-letter code; 0 for any other character.

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PeptideMasses.h"
+
+#include <array>
+
+namespace zav::peptideMasses {
+
+namespace {
+
+constexpr double CARBON = 12.0;
+constexpr double HYDROGEN = 1.007825031898;
+constexpr double NITROGEN = 14.003074004251;
+constexpr double OXYGEN = 15.994914619257;
+constexpr double SULFUR = 31.972071173500;
+constexpr double WATER = 2 * HYDROGEN + OXYGEN;
+
+// CODATA 1998, as the predictor's fragment ladder has it.
+constexpr double PROTON = 1.00727646677;
+
+constexpr double mass(int carbon, int hydrogen, int nitrogen, int oxygen, int sulfur = 0)
+{
+    return carbon * CARBON + hydrogen * HYDROGEN + nitrogen * NITROGEN + oxygen * OXYGEN + sulfur * SULFUR;
+}
+
+// By letter, from 'A'; 0 where a letter is no standard residue.
+constexpr std::array<double, 26> RESIDUES = {
+    mass(3, 5, 1, 1),    // A alanine
+    0,                   // B
+    mass(3, 5, 1, 1, 1), // C cysteine
+    mass(4, 5, 1, 3),    // D aspartic acid
+    mass(5, 7, 1, 3),    // E glutamic acid
+    mass(9, 9, 1, 1),    // F phenylalanine
+    mass(2, 3, 1, 1),    // G glycine
+    mass(6, 7, 3, 1),    // H histidine
+    mass(6, 11, 1, 1),   // I isoleucine
+    0,                   // J
+    mass(6, 12, 2, 1),   // K lysine
+    mass(6, 11, 1, 1),   // L leucine
+    mass(5, 9, 1, 1, 1), // M methionine
+    mass(4, 6, 2, 2),    // N asparagine
+    0,                   // O
+    mass(5, 7, 1, 1),    // P proline
+    mass(5, 8, 2, 2),    // Q glutamine
+    mass(6, 12, 4, 1),   // R arginine
+    mass(3, 5, 1, 2),    // S serine
+    mass(4, 7, 1, 2),    // T threonine
+    0,                   // U
+    mass(5, 9, 1, 1),    // V valine
+    mass(11, 10, 2, 1),  // W tryptophan
+    0,                   // X
+    mass(9, 9, 1, 2),    // Y tyrosine
+    0,                   // Z
+};
+
+double sumOfResidues(QStringView residues, double cysteineMass)
+{
+    double sum = 0;
+    for (const QChar residue : residues)
+        sum += residueMass(residue) + (residue == QLatin1Char('C') ? cysteineMass : 0);
+    return sum;
+}
+
+double protonated(double neutral, int charge)
+{
+    return (neutral + charge * PROTON) / charge;
+}
+
+} // namespace
+
+double residueMass(QChar residue)
+{
+    return residue >= QLatin1Char('A') && residue <= QLatin1Char('Z')
+               ? RESIDUES[static_cast<std::size_t>(residue.unicode() - u'A')]
+               : 0;
+}
+
+double neutralMass(const QString &peptide, double cysteineMass)
+{
+    return sumOfResidues(peptide, cysteineMass) + WATER;
+}
+
+double precursorMz(const QString &peptide, int charge, double cysteineMass)
+{
+    return protonated(neutralMass(peptide, cysteineMass), charge);
+}
+
+double fragmentMz(const QString &peptide, QChar ionType, int ionNumber, int charge, double cysteineMass)
+{
+    const QStringView all(peptide);
+    const double neutral = ionType == QLatin1Char('y') ? sumOfResidues(all.right(ionNumber), cysteineMass) + WATER
+                                                       : sumOfResidues(all.left(ionNumber), cysteineMass);
+    return protonated(neutral, charge);
+}
+
+} // namespace zav::peptideMasses

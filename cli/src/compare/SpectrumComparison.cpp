@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SpectrumComparison.h"
+
+#include "PeptideMasses.h"
+
+#include <QtCore/QHash>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <numbers>
+#include <numeric>
+#include <vector>
+
+namespace zav {
+
+namespace {
+
+constexpr int MAX_FRAGMENT_CHARGE = 3; // the predictor's series end there
+
+// The most intense peak within the tolerance, -1 when there is none. `peaks` ascend in m/z.
+int mostIntensePeak(const QList<QPointF> &peaks, double mz, const MassTolerance &tolerance)
+{
+    const double width = tolerance.at(mz);
+    auto peak = std::lower_bound(peaks.begin(), peaks.end(), mz - width,
+                                 [](const QPointF &point, double limit) { return point.x() < limit; });
+    int best = -1;
+    for (; peak != peaks.end() && peak->x() <= mz + width; ++peak) {
+        if (best < 0 || peak->y() > peaks[best].y())
+            best = static_cast<int>(peak - peaks.begin());
+    }
+    return best;
+}
+
+struct IonIntensities
+{
+    double predicted = 0;
+    double observed = 0;
+};
+
+QString ionKey(QChar ionType, int ionNumber, int charge)
+{
+    return ionType + QString::number(ionNumber) + QLatin1Char('/') + QString::number(charge);
+}
+
+QHash<QString, double> backboneIntensities(const QList<AnnotatedPeak> &predicted)
+{
+    QHash<QString, double> intensities;
+    for (const AnnotatedPeak &peak : predicted) {
+        if (!peak.isotope && peak.neutralLoss.isEmpty())
+            intensities.insert(ionKey(peak.ionType, peak.ionNumber, peak.charge), peak.intensity);
+    }
+    return intensities;
+}
+
+// Pairs the two intensities of every b and y ion. Ions that the tolerance cannot tell apart, because they claim one
+// observed peak, count as one ion with their summed prediction: else that peak would count twice.
+class IonTable
+{
+public:
+    void add(double predicted, int observedPeak, double observedIntensity)
+    {
+        if (observedPeak < 0) {
+            m_unseen.push_back({predicted, 0});
+            return;
+        }
+        IonIntensities &ion = m_seen[observedPeak];
+        ion.predicted += predicted;
+        ion.observed = observedIntensity;
+    }
+
+    double cosine() const
+    {
+        double product = 0;
+        double predictedSquare = 0;
+        double observedSquare = 0;
+        for (const IonIntensities &ion : all()) {
+            product += ion.predicted * ion.observed;
+            predictedSquare += ion.predicted * ion.predicted;
+            observedSquare += ion.observed * ion.observed;
+        }
+        const double norm = std::sqrt(predictedSquare) * std::sqrt(observedSquare);
+        return norm > 0 ? std::min(1.0, product / norm) : 0.0;
+    }
+
+private:
+    std::vector<IonIntensities> all() const
+    {
+        std::vector<IonIntensities> ions = m_unseen;
+        for (const auto &[peak, ion] : m_seen)
+            ions.push_back(ion);
+        return ions;
+    }
+
+    std::vector<IonIntensities> m_unseen;
+    std::map<int, IonIntensities> m_seen; // by observed peak
+};
+
+double cosineOfBackboneIons(const ComparedPeptide &peptide, const QList<AnnotatedPeak> &predicted,
+                            const QList<QPointF> &observed, const MassTolerance &tolerance)
+{
+    const QHash<QString, double> intensities = backboneIntensities(predicted);
+    IonTable ions;
+    for (const QChar ionType : {QLatin1Char('b'), QLatin1Char('y')}) {
+        for (int charge = 1; charge <= std::min(peptide.charge, MAX_FRAGMENT_CHARGE); ++charge) {
+            for (int number = 1; number < peptide.sequence.size(); ++number) {
+                const double mz =
+                    peptideMasses::fragmentMz(peptide.sequence, ionType, number, charge, peptide.cysteineMass);
+                const int peak = mostIntensePeak(observed, mz, tolerance);
+                ions.add(intensities.value(ionKey(ionType, number, charge)), peak, peak < 0 ? 0 : observed[peak].y());
+            }
+        }
+    }
+    return ions.cosine();
+}
+
+QList<PeakMatch> matchPeaks(const QList<AnnotatedPeak> &predicted, const QList<QPointF> &observed,
+                            const MassTolerance &tolerance)
+{
+    std::vector<int> order(static_cast<std::size_t>(predicted.size()));
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](int a, int b) { return predicted[a].intensity > predicted[b].intensity; });
+    std::vector<bool> isTaken(static_cast<std::size_t>(observed.size()), false);
+    QList<PeakMatch> matches;
+    for (const int i : order) {
+        const int peak = mostIntensePeak(observed, predicted[i].mz, tolerance);
+        if (peak < 0 || isTaken[static_cast<std::size_t>(peak)])
+            continue;
+        isTaken[static_cast<std::size_t>(peak)] = true;
+        matches.append({i, peak});
+    }
+    std::sort(matches.begin(), matches.end(),
+              [](const PeakMatch &a, const PeakMatch &b) { return a.predicted < b.predicted; });
+    return matches;
+}
+
+double sumOfIntensities(const QList<QPointF> &peaks)
+{
+    return std::accumulate(peaks.begin(), peaks.end(), 0.0,
+                           [](double sum, const QPointF &peak) { return sum + peak.y(); });
+}
+
+} // namespace
+
+SpectrumComparison compareSpectra(const ComparedPeptide &peptide, const QList<AnnotatedPeak> &predicted,
+                                  const ObservedSpectrum &observed, const MassTolerance &tolerance)
+{
+    SpectrumComparison comparison;
+    comparison.cosine = cosineOfBackboneIons(peptide, predicted, observed.peaks, tolerance);
+    comparison.spectralAngle = 1 - 2 * std::acos(comparison.cosine) / std::numbers::pi;
+    comparison.matches = matchPeaks(predicted, observed.peaks, tolerance);
+    comparison.explainedPeaks = static_cast<int>(comparison.matches.size());
+    comparison.observedPeaks = static_cast<int>(observed.peaks.size());
+    double explained = 0;
+    for (const PeakMatch &match : comparison.matches)
+        explained += observed.peaks[match.observed].y();
+    const double total = sumOfIntensities(observed.peaks);
+    comparison.explainedIntensity = total > 0 ? explained / total : 0;
+    return comparison;
+}
+
+} // namespace zav

@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SpectrumFigure.h"
+
+#include "PeptideDiagram.h"
+#include "PlotStyle.h"
+#include "SpectrumPanel.h"
+
+#include <QtGui/QFontMetricsF>
+#include <QtGui/QPainter>
+
+#include <algorithm>
+#include <limits>
+
+namespace zav {
+
+namespace {
+
+// In page units.
+constexpr double WIDTH = 900;
+constexpr double SINGLE_HEIGHT = 460;
+constexpr double MIRROR_HEIGHT = 620;
+constexpr double LEFT = 68;
+constexpr double RIGHT = 24;
+constexpr double HEADING_BASELINE = 26;
+constexpr double HEADING_SIZE = 13;
+constexpr double PEPTIDE_TOP = 38;
+constexpr double PEPTIDE_HEIGHT = 58;
+constexpr double PLOT_TOP = 102;
+constexpr double BOTTOM_ROOM = 52;     // for tick labels, axis title and legend
+constexpr double FOOTER_DISTANCE = 38; // of the last line of text from the plot
+constexpr double TICK_LENGTH = 5;
+constexpr double TICK_TEXT_SIZE = 11;
+constexpr double TITLE_TEXT_SIZE = 12;
+constexpr double TICK_SPACING = 80;
+constexpr double LEGEND_GAP = 5;
+constexpr double LEGEND_LINE = 12;
+
+// Where the m/z axis ends when there is no peak to say so.
+constexpr double EMPTY_FROM = 100;
+constexpr double EMPTY_TO = 1000;
+constexpr double MIN_SPAN = 100;
+constexpr double MARGIN_SHARE = 0.03; // of the m/z range, left free at its ends
+
+PlotScale mzScale(const QList<PlotPeak> &a, const QList<PlotPeak> &b)
+{
+    double from = std::numeric_limits<double>::max();
+    double to = 0;
+    for (const PlotPeak &peak : a + b) {
+        from = std::min(from, peak.mz);
+        to = std::max(to, peak.mz);
+    }
+    if (to <= 0) {
+        from = EMPTY_FROM;
+        to = EMPTY_TO;
+    }
+    const double margin = std::max(MARGIN_SHARE * (to - from), (MIN_SPAN - (to - from)) / 2);
+    return {std::max(0.0, from - margin), to + margin, LEFT, WIDTH - RIGHT};
+}
+
+QString percent(double share)
+{
+    return QString::number(100 * share, 'f', 0) + QStringLiteral(" %");
+}
+
+QString precursorText(const SpectrumPlotData &data)
+{
+    QString text = QStringLiteral("%1+").arg(data.charge);
+    if (data.precursorMz > 0)
+        text += QStringLiteral(", m/z ") + QString::number(data.precursorMz, 'f', 4);
+    return text;
+}
+
+QString comparisonText(const SpectrumComparison &comparison)
+{
+    return QStringLiteral("spectral angle %1, %2 of %3 peaks explained (%4 of the intensity)")
+        .arg(QString::number(comparison.spectralAngle, 'f', 3), QString::number(comparison.explainedPeaks),
+             QString::number(comparison.observedPeaks), percent(comparison.explainedIntensity));
+}
+
+QSet<int> ionNumbers(const SpectrumPlotData &data, QChar ionType)
+{
+    QSet<int> numbers;
+    const auto add = [&](const AnnotatedPeak &peak) {
+        if (peak.ionType == ionType && !peak.isotope && peak.neutralLoss.isEmpty())
+            numbers.insert(peak.ionNumber);
+    };
+    if (data.comparison) {
+        for (const PeakMatch &match : data.comparison->matches)
+            add(data.predicted[match.predicted]);
+    } else {
+        std::for_each(data.predicted.begin(), data.predicted.end(), add);
+    }
+    return numbers;
+}
+
+struct LegendEntry
+{
+    QList<QColor> colors;
+    QString text;
+};
+
+template <typename Predicate>
+bool anyPredicted(const SpectrumPlotData &data, const Predicate &predicate)
+{
+    return std::any_of(data.predicted.begin(), data.predicted.end(), predicate);
+}
+
+// The colours that the picture uses, and no others.
+QList<LegendEntry> legendOf(const SpectrumPlotData &data)
+{
+    QList<LegendEntry> entries;
+    for (const QChar series : {u'b', u'y', u'a'}) {
+        if (anyPredicted(data, [&](const AnnotatedPeak &peak) { return peak.ionType == series; }))
+            entries.append({{plotStyle::ionColor(series)}, series});
+    }
+    if (anyPredicted(data, [](const AnnotatedPeak &peak) { return !peak.neutralLoss.isEmpty(); }))
+        entries.append({{plotStyle::lossColor(u'y'), plotStyle::lossColor(u'b')}, QStringLiteral("loss")});
+    if (anyPredicted(data, [](const AnnotatedPeak &peak) { return peak.isotope; }))
+        entries.append({{plotStyle::isotopeColor()}, QStringLiteral("isotope")});
+    if (data.observed)
+        entries.append({{plotStyle::unmatchedColor()}, QStringLiteral("unmatched")});
+    return entries;
+}
+
+} // namespace
+
+SpectrumFigure::SpectrumFigure(const SpectrumPlotData &data)
+    : m_data(data), m_predicted(predictedPlotPeaks(data)),
+      m_observed(data.observed ? observedPlotPeaks(data) : QList<PlotPeak>()), m_mz(mzScale(m_predicted, m_observed))
+{}
+
+QSizeF SpectrumFigure::size() const
+{
+    return {WIDTH, m_data.observed ? MIRROR_HEIGHT : SINGLE_HEIGHT};
+}
+
+double SpectrumFigure::plotBottom() const
+{
+    return size().height() - BOTTOM_ROOM;
+}
+
+void SpectrumFigure::paint(QPainter *painter) const
+{
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setRenderHint(QPainter::TextAntialiasing);
+    painter->fillRect(QRectF(QPointF(0, 0), size()), Qt::white);
+    paintHeading(painter);
+    paintPeptide(painter);
+    paintPanels(painter);
+    paintMzAxis(painter);
+    paintSource(painter);
+    paintLegend(painter);
+}
+
+void SpectrumFigure::paintHeading(QPainter *painter) const
+{
+    painter->setFont(plotStyle::font(HEADING_SIZE));
+    painter->setPen(plotStyle::textColor());
+    if (m_data.comparison) {
+        const QFontMetricsF metrics(painter->font());
+        const QString figures = comparisonText(*m_data.comparison);
+        painter->drawText(QPointF(WIDTH - RIGHT - metrics.horizontalAdvance(figures), HEADING_BASELINE), figures);
+    }
+    painter->drawText(QPointF(LEFT, HEADING_BASELINE), precursorText(m_data));
+}
+
+void SpectrumFigure::paintPeptide(QPainter *painter) const
+{
+    const PeptideDiagram diagram{m_data.peptide, ionNumbers(m_data, u'b'), ionNumbers(m_data, u'y')};
+    diagram.paint(painter, QRectF(LEFT, PEPTIDE_TOP, WIDTH - LEFT - RIGHT, PEPTIDE_HEIGHT));
+}
+
+void SpectrumFigure::paintPanels(QPainter *painter) const
+{
+    if (!m_data.observed) {
+        SpectrumPanel{m_predicted, QStringLiteral("Predicted intensity (%)"), m_mz, plotBottom(), PLOT_TOP}.paint(
+            painter);
+        return;
+    }
+    const double middle = (PLOT_TOP + plotBottom()) / 2;
+    SpectrumPanel{m_observed, QStringLiteral("Observed (%)"), m_mz, middle, PLOT_TOP}.paint(painter);
+    SpectrumPanel{m_predicted, QStringLiteral("Predicted (%)"), m_mz, middle, plotBottom()}.paint(painter);
+    painter->setPen(QPen(plotStyle::axisColor(), 1));
+    painter->drawLine(QPointF(m_mz.start, middle), QPointF(m_mz.end, middle));
+}
+
+void SpectrumFigure::paintMzAxis(QPainter *painter) const
+{
+    const double y = plotBottom();
+    painter->setPen(QPen(plotStyle::axisColor(), 1));
+    painter->drawLine(QPointF(m_mz.start, y), QPointF(m_mz.end, y));
+    painter->setFont(plotStyle::font(TICK_TEXT_SIZE));
+    const QFontMetricsF metrics(painter->font());
+    const int tickCount = static_cast<int>((m_mz.end - m_mz.start) / TICK_SPACING) + 1;
+    for (const double tick : niceTicks(m_mz.from, m_mz.to, tickCount)) {
+        const double x = m_mz.at(tick);
+        painter->setPen(QPen(plotStyle::axisColor(), 1));
+        painter->drawLine(QPointF(x, y), QPointF(x, y + TICK_LENGTH));
+        const QString text = QString::number(tick);
+        painter->setPen(plotStyle::textColor());
+        painter->drawText(QPointF(x - metrics.horizontalAdvance(text) / 2, y + TICK_LENGTH + 13), text);
+    }
+    QFont italic = plotStyle::font(TITLE_TEXT_SIZE);
+    italic.setItalic(true); // a symbol, not words
+    painter->setFont(italic);
+    const QString title = QStringLiteral("m/z");
+    const double width = QFontMetricsF(painter->font()).horizontalAdvance(title);
+    painter->drawText(QPointF((m_mz.start + m_mz.end - width) / 2, y + FOOTER_DISTANCE), title);
+}
+
+void SpectrumFigure::paintSource(QPainter *painter) const
+{
+    if (!m_data.observed)
+        return;
+    painter->setFont(plotStyle::font(TICK_TEXT_SIZE));
+    painter->setPen(plotStyle::textColor());
+    const QString text = QFontMetricsF(painter->font())
+                             .elidedText(QStringLiteral("Observed: ") + m_data.observed->title, Qt::ElideRight,
+                                         (m_mz.end - m_mz.start) / 2 - TITLE_TEXT_SIZE * 3);
+    painter->drawText(QPointF(LEFT, plotBottom() + FOOTER_DISTANCE), text);
+}
+
+void SpectrumFigure::paintLegend(QPainter *painter) const
+{
+    painter->setFont(plotStyle::font(TICK_TEXT_SIZE));
+    const QFontMetricsF metrics(painter->font());
+    const QList<LegendEntry> entries = legendOf(m_data);
+    const double y = plotBottom() + FOOTER_DISTANCE;
+    double x = m_mz.end;
+    for (auto entry = entries.crbegin(); entry != entries.crend(); ++entry) {
+        x -= metrics.horizontalAdvance(entry->text);
+        painter->setPen(plotStyle::textColor());
+        painter->drawText(QPointF(x, y), entry->text);
+        x -= LEGEND_GAP;
+        for (const QColor &color : entry->colors) {
+            painter->setPen(QPen(color, 3, Qt::SolidLine, Qt::FlatCap));
+            painter->drawLine(QPointF(x - LEGEND_LINE, y - metrics.capHeight() / 2),
+                              QPointF(x, y - metrics.capHeight() / 2));
+            x -= LEGEND_LINE;
+        }
+        x -= 3 * LEGEND_GAP;
+    }
+}
+
+} // namespace zav

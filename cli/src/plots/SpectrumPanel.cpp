@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SpectrumPanel.h"
+
+#include "LabelPlacement.h"
+#include "PlotStyle.h"
+
+#include <QtGui/QFontMetricsF>
+#include <QtGui/QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zav {
+
+namespace {
+
+constexpr double LABEL_ROOM = 40; // above the tallest peak
+constexpr double LABEL_SIZE = 10.5;
+constexpr double TICK_LENGTH = 5;
+constexpr double TICK_TEXT_SIZE = 11;
+constexpr double TITLE_TEXT_SIZE = 12;
+constexpr double TITLE_DISTANCE = 44; // of the axis title's middle from the axis
+constexpr double TICK_SPACING = 34;
+
+void drawRotated(QPainter *painter, const QPointF &centre, const QString &text)
+{
+    const QFontMetricsF metrics(painter->font());
+    painter->save();
+    painter->translate(centre);
+    painter->rotate(-90);
+    painter->drawText(QPointF(-metrics.horizontalAdvance(text) / 2, metrics.capHeight() / 2), text);
+    painter->restore();
+}
+
+} // namespace
+
+double SpectrumPanel::fullHeight() const
+{
+    return std::abs(baseline - farEdge) - LABEL_ROOM;
+}
+
+void SpectrumPanel::paint(QPainter *painter) const
+{
+    paintAxis(painter);
+    if (peaks.isEmpty())
+        paintEmpty(painter);
+    paintPeaks(painter);
+    paintLabels(painter);
+}
+
+void SpectrumPanel::paintAxis(QPainter *painter) const
+{
+    const double x = mz.start;
+    painter->setPen(QPen(plotStyle::axisColor(), 1));
+    painter->drawLine(QPointF(x, baseline), QPointF(x, baseline + direction() * fullHeight()));
+    painter->setFont(plotStyle::font(TICK_TEXT_SIZE));
+    const QFontMetricsF metrics(painter->font());
+    const int tickCount = std::max(2, static_cast<int>(fullHeight() / TICK_SPACING) + 1);
+    for (const double percent : niceTicks(0, 100, tickCount)) {
+        const double y = baseline + direction() * percent / 100 * fullHeight();
+        const QString text = QString::number(percent);
+        painter->setPen(QPen(plotStyle::axisColor(), 1));
+        painter->drawLine(QPointF(x - TICK_LENGTH, y), QPointF(x, y));
+        painter->setPen(plotStyle::textColor());
+        painter->drawText(QPointF(x - TICK_LENGTH - 3 - metrics.horizontalAdvance(text), y + metrics.capHeight() / 2),
+                          text);
+    }
+    painter->setFont(plotStyle::font(TITLE_TEXT_SIZE));
+    drawRotated(painter, QPointF(x - TITLE_DISTANCE, baseline + direction() * fullHeight() / 2), axisTitle);
+}
+
+void SpectrumPanel::paintEmpty(QPainter *painter) const
+{
+    painter->setFont(plotStyle::font(TITLE_TEXT_SIZE));
+    painter->setPen(plotStyle::isotopeColor());
+    const QString text = QStringLiteral("no peaks");
+    const double width = QFontMetricsF(painter->font()).horizontalAdvance(text);
+    painter->drawText(QPointF((mz.start + mz.end - width) / 2, baseline + direction() * fullHeight() / 2), text);
+}
+
+void SpectrumPanel::paintPeaks(QPainter *painter) const
+{
+    // Grey and thin first, then the small before the tall, so that what matters lies on top.
+    QList<PlotPeak> order = peaks;
+    std::stable_sort(order.begin(), order.end(), [](const PlotPeak &a, const PlotPeak &b) {
+        return a.width != b.width ? a.width < b.width : a.height < b.height;
+    });
+    for (const PlotPeak &peak : order) {
+        const double x = mz.at(peak.mz);
+        painter->setPen(QPen(peak.color, peak.width, Qt::SolidLine, Qt::FlatCap));
+        painter->drawLine(QPointF(x, baseline), QPointF(x, baseline + direction() * peak.height * fullHeight()));
+    }
+}
+
+void SpectrumPanel::paintLabels(QPainter *painter) const
+{
+    painter->setFont(plotStyle::font(LABEL_SIZE));
+    const QFontMetricsF metrics(painter->font());
+    QList<Stick> sticks;
+    QList<LabelRequest> requests;
+    QList<PlotPeak> labelled;
+    for (const PlotPeak &peak : peaks) {
+        sticks.append({mz.at(peak.mz), peak.height * fullHeight()});
+        if (peak.label.isEmpty())
+            continue;
+        requests.append({sticks.constLast(),
+                         {metrics.horizontalAdvance(peak.label) + 3, metrics.capHeight() + 4},
+                         peak.isLoss ? 1 : 0});
+        labelled.append(peak);
+    }
+    for (const LabelPlace &place : placeLabels(requests, sticks, mz.start, mz.end, std::abs(baseline - farEdge))) {
+        const LabelRequest &request = requests[place.request];
+        const PlotPeak &peak = labelled[place.request];
+        if (place.needsLeader) {
+            painter->setPen(QPen(plotStyle::unmatchedColor(), 0.6));
+            painter->drawLine(QPointF(request.stick.x, baseline + direction() * (request.stick.height + 1)),
+                              QPointF(place.x, baseline + direction() * (place.height - 1)));
+        }
+        const double middle = baseline + direction() * (place.height + request.size.height() / 2);
+        painter->setPen(peak.color.darker(115));
+        painter->drawText(QPointF(place.x - request.size.width() / 2 + 1.5, middle + metrics.capHeight() / 2),
+                          peak.label);
+    }
+}
+
+} // namespace zav

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MzMlFile.h"
+
+#include "PeakLine.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QRegularExpression>
+
+#include <pwiz/data/msdata/MSDataFile.hpp>
+
+#include <exception>
+
+namespace zav {
+
+namespace {
+
+using pwiz::msdata::BinaryDataArrayPtr;
+using pwiz::msdata::MSDataFile;
+using pwiz::msdata::Spectrum;
+using pwiz::msdata::SpectrumPtr;
+
+// The one place where ProteoWizard's exceptions become errors: runs `step` and returns what it returns.
+template <typename Step>
+auto caught(const QString &path, const Step &step) -> decltype(step())
+{
+    try {
+        return step();
+    } catch (const std::exception &exception) {
+        return Error(Failure, QStringLiteral("%1: is not mzML that can be read: %2")
+                                  .arg(path, QString::fromUtf8(exception.what()).simplified()));
+    } catch (...) {
+        return Error(Failure, path + QStringLiteral(": is not mzML that can be read"));
+    }
+}
+
+int scanNumberOf(const QString &nativeId)
+{
+    static const QRegularExpression scan(QStringLiteral("(?:^|\\s)scan=(\\d+)(?:\\s|$)"));
+    const QRegularExpressionMatch match = scan.match(nativeId);
+    return match.hasMatch() ? match.captured(1).toInt() : -1;
+}
+
+QString titleOf(const QString &path, const SpectrumIdentity &identity)
+{
+    const QString spectrum =
+        identity.scanNumber < 0 ? identity.name : QStringLiteral("scan %1").arg(identity.scanNumber);
+    return QFileInfo(path).fileName() + QStringLiteral(", ") + spectrum;
+}
+
+void readPrecursor(const Spectrum &source, ObservedSpectrum *out)
+{
+    if (source.precursors.empty())
+        return;
+    const pwiz::msdata::Precursor &precursor = source.precursors.front();
+    out->precursorMz = precursor.isolationWindow.cvParamValueOrDefault(pwiz::cv::MS_isolation_window_target_m_z, 0.0);
+    if (precursor.selectedIons.empty())
+        return;
+    const pwiz::msdata::SelectedIon &ion = precursor.selectedIons.front();
+    out->precursorMz = ion.cvParamValueOrDefault(pwiz::cv::MS_selected_ion_m_z, out->precursorMz);
+    out->precursorCharge = ion.cvParamValueOrDefault(pwiz::cv::MS_charge_state, 0);
+}
+
+// An error text, empty when all went well.
+QString readPeaks(const Spectrum &source, QList<QPointF> *out)
+{
+    const BinaryDataArrayPtr mzs = source.getMZArray();
+    const BinaryDataArrayPtr intensities = source.getIntensityArray();
+    const std::size_t count = mzs ? mzs->data.size() : 0;
+    if (count != (intensities ? intensities->data.size() : 0))
+        return QStringLiteral("its m/z and intensity arrays differ in length");
+    out->reserve(static_cast<qsizetype>(count));
+    for (std::size_t i = 0; i < count; ++i) {
+        // Baseline correction leaves intensities under 0; they are no peaks, but no damage either.
+        const QPointF peak(mzs->data[i], intensities->data[i] < 0 ? 0 : intensities->data[i]);
+        if (!isPeak(peak))
+            return QStringLiteral("peak %1 has no finite m/z above 0 and intensity").arg(i + 1);
+        out->append(peak);
+    }
+    tidyPeaks(out);
+    return {};
+}
+
+class MzMlFile : public SpectrumFile
+{
+public:
+    explicit MzMlFile(const QString &path)
+        : m_path(path), m_file(QFile::encodeName(path).toStdString()), m_spectra(m_file.run.spectrumListPtr)
+    {}
+
+    int spectrumCount() const override { return m_spectra ? static_cast<int>(m_spectra->size()) : 0; }
+
+    SpectrumIdentity identity(int index) const override
+    {
+        const QString id = QString::fromStdString(m_spectra->spectrumIdentity(static_cast<std::size_t>(index)).id);
+        return {id, scanNumberOf(id)};
+    }
+
+    Result<int> msLevel(int index) override
+    {
+        return caught(m_path, [&]() -> Result<int> {
+            return read(index, false)->cvParamValueOrDefault(pwiz::cv::MS_ms_level, 0);
+        });
+    }
+
+    Result<ObservedSpectrum> spectrum(int index) override
+    {
+        return caught(m_path, [&]() -> Result<ObservedSpectrum> {
+            const SpectrumPtr source = read(index, true);
+            ObservedSpectrum spectrum;
+            spectrum.title = titleOf(m_path, identity(index));
+            readPrecursor(*source, &spectrum);
+            const QString problem = readPeaks(*source, &spectrum.peaks);
+            if (!problem.isEmpty())
+                return Error(Failure,
+                             QStringLiteral("%1: spectrum '%2': ").arg(m_path, identity(index).name) + problem);
+            return spectrum;
+        });
+    }
+
+private:
+    SpectrumPtr read(int index, bool withPeaks) const
+    {
+        return m_spectra->spectrum(static_cast<std::size_t>(index), withPeaks);
+    }
+
+    QString m_path;
+    MSDataFile m_file;
+    pwiz::msdata::SpectrumListPtr m_spectra;
+};
+
+// ProteoWizard's own messages for these name its sources rather than the file.
+Error checkFile(const QString &path)
+{
+    QFile file(path);
+    if (QFileInfo(path).isDir())
+        return Error(Failure, path + QStringLiteral(": is a folder"));
+    if (!file.open(QIODevice::ReadOnly))
+        return Error(Failure, path + QStringLiteral(": cannot be read: ") + file.errorString());
+    return file.size() > 0 ? Error() : Error(Failure, path + QStringLiteral(": is empty"));
+}
+
+} // namespace
+
+Result<std::unique_ptr<SpectrumFile>> openMzMlFile(const QString &path)
+{
+    if (Error error = checkFile(path); error.hasError())
+        return error;
+    return caught(path, [&]() -> Result<std::unique_ptr<SpectrumFile>> {
+        return std::unique_ptr<SpectrumFile>(std::make_unique<MzMlFile>(path));
+    });
+}
+
+} // namespace zav

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "ObservedSpectrum.h"
+
+#include <zav/Result.h>
+
+#include <QtCore/QString>
+
+#include <memory>
+
+namespace zav {
+
+/// What a file calls one of its spectra.
+struct SpectrumIdentity
+{
+    QString name;        ///< native id (mzML) or title (MGF); may be empty
+    int scanNumber = -1; ///< -1 where the file has none
+};
+
+/// The spectra of one open file, in the file's order, read one at a time: memory does not grow with the peaks of the
+/// file. One thread at a time per object.
+///
+/// `index` counts from 0 and is below `spectrumCount()`. A failure leaves the object usable for other spectra.
+class SpectrumFile
+{
+public:
+    SpectrumFile() = default;
+    SpectrumFile(const SpectrumFile &) = delete;
+    SpectrumFile &operator=(const SpectrumFile &) = delete;
+    virtual ~SpectrumFile() = default;
+
+    virtual int spectrumCount() const = 0;
+
+    /// Known since the file was opened: cheap.
+    virtual SpectrumIdentity identity(int index) const = 0;
+
+    /// 1 for a survey spectrum, 2 for MS/MS and so on; 0 where the file does not say. Reads the spectrum's header.
+    virtual Result<int> msLevel(int index) = 0;
+
+    virtual Result<ObservedSpectrum> spectrum(int index) = 0;
+};
+
+/// Opens a file by its ending, as `readObservedSpectrum` describes.
+Result<std::unique_ptr<SpectrumFile>> openSpectrumFile(const QString &path);
+
+} // namespace zav
