@@ -14,8 +14,11 @@ Eigen::VectorXd EigenUtilities::buildGaussianFilter1D(int size, double sigma, bo
     if (!(sigma > 0.0))
         return Eigen::VectorXd::Unit(taps, reach);
 
-    const Eigen::ArrayXd distances = Eigen::ArrayXd::LinSpaced(taps, -reach, reach);
-    const Eigen::VectorXd filter = (-0.5 * (distances / sigma).square()).exp();
+    // std::exp, as Eigen's vectorised one is off by a digit from its scalar one and the two ends would differ.
+    const Eigen::VectorXd filter = Eigen::VectorXd::NullaryExpr(taps, [&](Eigen::Index tap) {
+        const double deviations = static_cast<double>(tap - reach) / sigma;
+        return std::exp(-0.5 * deviations * deviations);
+    });
     return normalised ? Eigen::VectorXd(filter / filter.sum()) : filter;
 }
 

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the chromatogram predictors do around their networks: thinning, smoothing, clustering. Each input is built from
+// its known answer, and a wrong answer is reported instead of a time.
+#include "ClusteringDBSCAN.h"
+#include "EigenUtilities.h"
+#include "removeLowIntensePoints.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+// A shuffled trace of the heights 0 to n - 1, thinned to n / 2: the upper half stays.
+void thinning(benchmark::State &state)
+{
+    const auto count = static_cast<int>(state.range(0));
+    QList<QPointF> trace;
+    for (int i = 0; i < count; ++i)
+        trace.append({0.0, static_cast<double>(i)});
+    std::shuffle(trace.begin(), trace.end(), std::mt19937(1));
+    for (auto _ : state) {
+        QList<QPointF> thinned = trace;
+        benchmark::DoNotOptimize(zav::removeLowIntensePoints(thinned, count / 2, false));
+        const auto stays = [&](const QPointF &point) { return point.y() >= count - count / 2; };
+        if (thinned.size() != count / 2 || !std::all_of(thinned.cbegin(), thinned.cend(), stays))
+            return state.SkipWithError("the wrong points were kept");
+    }
+    state.SetItemsProcessed(state.iterations() * count);
+}
+
+// A flat signal, which the five-tap Gaussian leaves as it is.
+void smoothing(benchmark::State &state)
+{
+    const Eigen::VectorXd flat = Eigen::VectorXd::Constant(state.range(0), 3.5);
+    const Eigen::VectorXd kernel = zav::EigenUtilities::buildGaussianFilter1D(5, 4.0, true);
+    Eigen::VectorXd smoothed;
+    for (auto _ : state) {
+        smoothed = zav::EigenUtilities::convolveVectorWithKernel(flat, kernel);
+        benchmark::DoNotOptimize(smoothed.data());
+    }
+    if (!smoothed.isApprox(flat, 1e-14))
+        state.SkipWithError("a flat signal was bent");
+    state.SetItemsProcessed(state.iterations() * flat.size());
+}
+
+// Indices in runs of nine with a gap between them, which are the clusters.
+void clustering(benchmark::State &state)
+{
+    Eigen::MatrixXd rows(state.range(0), 2);
+    rows.col(0).setOnes();
+    for (Eigen::Index row = 0; row < rows.rows(); ++row)
+        rows(row, 1) = static_cast<double>(row + row / 9);
+    Eigen::VectorXi labels;
+    for (auto _ : state) {
+        labels = zav::ClusteringDBSCAN(1.5, 2).performDBSCAN(rows);
+        benchmark::DoNotOptimize(labels.data());
+    }
+    for (Eigen::Index row = 0; row < rows.rows(); ++row)
+        if (labels[row] != row / 9)
+            return state.SkipWithError("wrong clusters");
+    state.SetItemsProcessed(state.iterations() * rows.rows());
+}
+
+} // namespace
+
+BENCHMARK(thinning)->Arg(5000)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(smoothing)->Arg(1024)->Arg(4096)->Unit(benchmark::kMicrosecond);
+BENCHMARK(clustering)->Arg(90)->Arg(900)->Arg(90'000)->Arg(900'000)->Unit(benchmark::kMicrosecond);
+
+BENCHMARK_MAIN();
