@@ -5,13 +5,11 @@
 #include "Model.h"
 #include "PeptideVocabulary.h"
 #include "ReturnIfError.h"
-#include "SpectrumLimits.h"
-#include "kelphysica.h"
 
 #include <algorithm>
-#include <cmath>
 #include <functional>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 namespace zav {
@@ -20,31 +18,28 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "ml/src/MsMsFragmentationPredictomatic";
 
-// Enough to hide what a run costs by itself, few enough for the activations to stay near the processor.
-constexpr std::size_t BLOCK_SIZE = 256;
+// Enough to hide what a run costs by itself, few enough for the activations to stay near the processor. 128 and 256
+// were the fastest of 32 to 512.
+constexpr std::size_t BLOCK_SIZE = 128;
 
 constexpr std::int64_t UNKNOWN = -1; // dimension of a declared shape
 
 QString tooLongRemark(const QString &peptide, int maximumLength, int charge)
 {
     return QStringLiteral("%1 has %2 residues, more than the %3 of precursor charge %4: not predicted")
-        .arg(peptide)
-        .arg(peptide.size())
-        .arg(maximumLength)
-        .arg(charge);
+        .arg(peptide, QString::number(peptide.size()), QString::number(maximumLength), QString::number(charge));
 }
 
 QString weightlessRemark(const QString &peptide)
 {
-    return QStringLiteral("%1 has a fragment without a positive mass: not predicted").arg(peptide);
+    return QStringLiteral("%1 has a fragment without a positive, finite mass: not predicted").arg(peptide);
 }
 
 } // namespace
 
 FragmentBatch::FragmentBatch(Model &model, int precursorCharge, double fixedMass)
-    : network(model), charge(precursorCharge), ladder(fragmentLadder::ionSeries(precursorCharge)),
-      maximumLength(peptideVocabulary::maximumPeptideLength(precursorCharge)),
-      slotsPerPeptide(fragmentLadder::slotCount(ladder)), cysteineFixedMass(fixedMass)
+    : network(model), charge(precursorCharge), maximumLength(peptideVocabulary::maximumPeptideLength(precursorCharge)),
+      annotator(precursorCharge, fixedMass)
 {}
 
 Error FragmentBatch::predict(const QStringList &peptides)
@@ -108,10 +103,11 @@ Error FragmentBatch::predictBlock(const QStringList &peptides, const qsizetype *
     ZAV_RETURN_IF_ERROR(network.run(input, output), __LINE__);
     std::vector<float> predictions;
     ZAV_RETURN_IF_ERROR(output.getData<float>(&predictions), __LINE__);
-    const int expected = static_cast<int>(count) * slotsPerPeptide;
+    const int slotCount = annotator.slotCount();
+    const int expected = static_cast<int>(count) * slotCount;
     ZAV_RETURN_IF_ERROR(ErrorUtils::equal<int>(expected, static_cast<int>(predictions.size()), Failure), __LINE__);
     for (std::size_t i = 0; i < count; ++i)
-        assemble(peptides.at(first[i]), first[i], &predictions[i * slotsPerPeptide]);
+        keepSpectrum(peptides.at(first[i]), first[i], &predictions[i * slotCount]);
     return Error();
 }
 
@@ -125,65 +121,12 @@ std::vector<float> FragmentBatch::encodeBlock(const QStringList &peptides, const
     return rows;
 }
 
-void FragmentBatch::assemble(const QString &peptide, qsizetype index, const float *predictions)
+void FragmentBatch::keepSpectrum(const QString &peptide, qsizetype index, const float *intensities)
 {
-    if (!collectCandidates(peptide, predictions)) {
+    if (std::optional<QList<FragmentPeak>> spectrum = annotator.annotate(peptide, intensities))
+        spectra[index] = *std::move(spectrum);
+    else
         remarks[index] = weightlessRemark(peptide);
-        return;
-    }
-    std::stable_sort(candidates.begin(), candidates.end(),
-                     [](const Candidate &a, const Candidate &b) { return a.mz < b.mz; });
-    spectra[index] = annotateCandidates();
-}
-
-/// False when a fragment has no positive and finite mass, for which there are no isotope peaks either.
-bool FragmentBatch::collectCandidates(const QString &peptide, const float *predictions)
-{
-    forward.clear();
-    for (const QChar residue : peptide)
-        forward.push_back({fragmentLadder::residueMass(residue),
-                           residue == fragmentLadder::MODIFIED_RESIDUE ? cysteineFixedMass : 0.0});
-    backward.assign(forward.rbegin(), forward.rend());
-    candidates.clear();
-    for (qsizetype i = 0; i < ladder.size(); ++i) {
-        if (!collectSeries(static_cast<int>(i), predictions))
-            return false;
-        predictions += ladder.at(i).slotCount;
-    }
-    return true;
-}
-
-bool FragmentBatch::collectSeries(int seriesIndex, const float *predictions)
-{
-    const fragmentLadder::IonSeries &series = ladder.at(seriesIndex);
-    const std::vector<Residue> &residues = fragmentLadder::startsAtCTerminus(series.ionType) ? backward : forward;
-    const int count = std::min(series.slotCount, static_cast<int>(residues.size()));
-    double mass = series.startMass;
-    for (int i = 0; i < count; ++i) {
-        mass += residues[i].mass;
-        mass += residues[i].fixedMass; // apart, as in the one-peptide call: both round alike
-        const double mz = mass / series.charge;
-        if (mz < 0.0)
-            continue;
-        const double neutralMass = kelphysica::calculateUnchargedMassFromMzCharge(mz, series.charge, 0, true);
-        if (!(neutralMass > 0.0) || !std::isfinite(neutralMass))
-            return false;
-        if (!spectrumLimits::isOutside(mz, predictions[i]))
-            candidates.push_back({mz, predictions[i], seriesIndex, i + 1});
-    }
-    return true;
-}
-
-QList<FragmentPeak> FragmentBatch::annotateCandidates() const
-{
-    QList<FragmentPeak> peaks;
-    peaks.reserve(static_cast<qsizetype>(candidates.size()));
-    for (const Candidate &candidate : candidates) {
-        const fragmentLadder::IonSeries &series = ladder.at(candidate.series);
-        peaks.append({candidate.mz, candidate.intensity, series.ionType, candidate.ionNumber, series.charge,
-                      series.neutralLoss});
-    }
-    return peaks;
 }
 
 } // namespace zav

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Error.h"
-#include "FragmentLadder.h"
+#include "FragmentAnnotator.h"
 #include "FragmentPeak.h"
 #include "Tensor.h"
 
@@ -32,47 +32,25 @@ public:
     /// `Error`, in the order of the peptides. Once per object.
     Error predict(const QStringList &peptides);
 
-    /// The spectra, one for each peptide in their order, each sorted by ascending m/z.
+    /// The spectra, one for each peptide in their order.
     QList<QList<FragmentPeak>> takeSpectra();
 
 private:
-    /// A peak on its way into the spectrum: small, because most of the work is sorting.
-    struct Candidate
-    {
-        double mz;
-        float intensity;
-        int series;
-        int ionNumber;
-    };
-
-    struct Residue
-    {
-        double mass;      ///< Da
-        double fixedMass; ///< Da, 0 without modification
-    };
-
     Error bindTensors();
     std::size_t mostPeptidesPerRun() const;
     std::vector<qsizetype> selectByLength(const QStringList &peptides);
     Error predictBlock(const QStringList &peptides, const qsizetype *first, std::size_t count);
     std::vector<float> encodeBlock(const QStringList &peptides, const qsizetype *first, std::size_t count) const;
-    void assemble(const QString &peptide, qsizetype index, const float *predictions);
-    bool collectCandidates(const QString &peptide, const float *predictions);
-    bool collectSeries(int seriesIndex, const float *predictions);
-    QList<FragmentPeak> annotateCandidates() const;
+    void keepSpectrum(const QString &peptide, qsizetype index, const float *intensities);
 
     Model &network;
     int charge; ///< of the precursors
-    QList<fragmentLadder::IonSeries> ladder;
     int maximumLength;
-    int slotsPerPeptide;
-    double cysteineFixedMass;
+    FragmentAnnotator annotator;
     Tensor input;
     Tensor output;
     std::map<qsizetype, QString> remarks; ///< by index of the peptide
     QList<QList<FragmentPeak>> spectra;
-    std::vector<Residue> forward, backward; ///< of the peptide at hand, from either terminus
-    std::vector<Candidate> candidates;      ///< of the peptide at hand
 };
 
 } // namespace zav

@@ -58,20 +58,31 @@ public:
     void setCysteineFixedMass(double mass);
 
     /// Predicts one spectrum: the fragments and their isotope peaks as (m/z, intensity), sorted by ascending m/z,
-    /// without peaks over 2000 m/z or under an intensity of 0.025.
+    /// without peaks over 2000 m/z or under an intensity of 0.025. One network run.
     ///
-    /// `out` is replaced on success only. A peptide longer than the charge allows, or a charge outside 1 to 5, is not
-    /// an error: nothing is predicted and `out` stays as it was. A charge whose network is not loaded is
-    /// `Error(Failure)`. One network run.
+    /// `out` is replaced on success only. A peptide longer than the charge allows, which every peptide with a residue
+    /// is at a charge outside 1 to 5, is not an error: nothing is predicted and `out` stays as it was.
+    ///
+    /// `Error(Failure)`: the network of the charge is not loaded, or it does not fit its contract (operations
+    /// "import/conv1d_1_input" and "import/dense_3/BiasAdd", float, one intensity per slot of the fragment ladder).
+    /// `Error(InvalidInput)`: a fragment weighs nothing, as where the peptide begins or ends with an unknown residue;
+    /// a cysteine mass that is not finite; a null `out`.
     Error predictMsMsFragmentation(const QString &peptide, int charge, QList<QPointF> *out);
 
     /// Predicts the fragments of many peptides of one precursor charge, annotated and without isotope peaks, as
-    /// spectral libraries store them. The network runs once per block of peptides, so that each costs a fraction of a
-    /// single call.
+    /// spectral libraries store them: the monoisotopic peaks that `predictMsMsFragmentation` gives, m/z alike,
+    /// intensities to float rounding.
     ///
     /// `out` is replaced on success only, by one list per peptide in their order, each sorted by ascending m/z and
-    /// limited as `predictMsMsFragmentation` limits its peaks. A peptide longer than the charge allows gets an empty
-    /// list and a warning on the returned (no-error) `Error`. A charge without a loaded network is `Error(Failure)`.
+    /// limited as `predictMsMsFragmentation` limits its peaks. A peptide longer than the charge allows, or one with a
+    /// fragment of no positive and finite mass, gets an empty list and a warning on the returned (no-error) `Error`.
+    ///
+    /// `Error(Failure)`: the charge has no loaded network, or the network does not fit its contract.
+    /// `Error(InvalidInput)`: a null `out`.
+    ///
+    /// The network runs once per block of 128 peptides of similar length, so that each costs a fraction of a single
+    /// call; a network that is built for a fixed number of peptides, of which that number must be one, runs once for
+    /// each. Beyond `out` (about 60 bytes per peak) the call needs memory for one block.
     Error predictFragments(const QStringList &peptides, int charge, QList<QList<FragmentPeak>> *out);
 
 private:
