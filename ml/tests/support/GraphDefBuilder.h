@@ -44,7 +44,7 @@ public:
 
     /// Any operation.
     GraphDefBuilder &node(const std::string &name, const std::string &operation, const std::vector<std::string> &inputs,
-                          const Attributes &attributes);
+                          const Attributes &attributes = {});
 
     /// An input of the network; no shape: of unknown rank.
     GraphDefBuilder &placeholder(const std::string &name, const std::optional<Shape> &shape, Type type = FLOAT);
