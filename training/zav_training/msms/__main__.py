@@ -10,6 +10,7 @@ from pathlib import Path
 import tensorflow as tf
 
 from zav_training.msms import recipe
+from zav_training.msms.comparison import compare, held_out_rows
 from zav_training.msms.evaluation import evaluate, to_markdown
 from zav_training.msms.predict_trained import report_line
 from zav_training.msms.shipped import Shipped, to_text
@@ -40,11 +41,17 @@ def _parser() -> argparse.ArgumentParser:
     length.add_argument("--epochs", type=float, default=recipe.SCHEDULE.epochs)
     length.add_argument("--seed", type=int, default=recipe.SEED)
     length.add_argument("--threads", type=int, default=0, help="0: as many as TensorFlow likes")
+    file = argparse.ArgumentParser(add_help=False)
+    file.add_argument("file", type=Path, help="a gzipped data file")
+    predicted = argparse.ArgumentParser(add_help=False)
+    predicted.add_argument("predicted", type=Path, help="TSV of peptide, charge, fragments")
     for name, function, parents, text in (
         ("build", _build, [data, run, models, length], "train and ship all five networks"),
         ("train", _train, [data, run, length], "train only"),
         ("ship", _ship, [data, run, models], "write graphs and contracts of a run"),
         ("evaluate", _evaluate, [data, models], "figures on held-out spectra, as a table"),
+        ("held-out", _held_out, [file], "held-out rows of a data file, as a TSV"),
+        ("compare", _compare, [file, predicted], "figures of written predictions on those rows"),
         ("predict", _predict, [models], "fragments of the peptides and charges of a TSV on stdin"),
     ):
         command = commands.add_parser(name, parents=parents, help=text, description=text)
@@ -80,6 +87,21 @@ def _build(options: argparse.Namespace) -> int:
 def _evaluate(options: argparse.Namespace) -> int:
     held_out = [s for s in read_all(options.data) if s.held_out]
     print(to_markdown(evaluate(options.models, held_out)))
+    return 0
+
+
+def _held_out(options: argparse.Namespace) -> int:
+    for index, row in enumerate(held_out_rows(options.file)):
+        if index == 0:
+            print(*row.keys(), sep="\t")
+        print(*row.values(), sep="\t")
+    return 0
+
+
+def _compare(options: argparse.Namespace) -> int:
+    count, angle, correlation = compare(held_out_rows(options.file), options.predicted)
+    print("spectra", "angle", "correlation", sep="\t")
+    print(count, f"{angle:.3f}", f"{correlation:.3f}", sep="\t")
     return 0
 
 

@@ -24,7 +24,7 @@ def to_markdown(figures: Figures) -> str:
         "| --- | ---: | ---: | ---: | ---: | ---: |",
     ]
     for name, (count, s) in figures.items():
-        lines.append(
-            f"| {name} | {count} | {s.angle:.3f} | {s.pearson:.3f} | {s.missed:.2f} | {s.false:.2f} |"
-        )
+        cells = [name, str(count), f"{s.angle:.3f}", f"{s.pearson:.3f}"]
+        cells += [f"{s.missed:.2f}", f"{s.false:.2f}"]
+        lines.append(f"| {' | '.join(cells)} |")
     return "\n".join(lines)

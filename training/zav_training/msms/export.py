@@ -108,22 +108,25 @@ def _head(weights: Folded, sites: tf.Tensor) -> tf.Tensor:
 
 
 def with_limits(weights: Folded, charge: int) -> Folded:
-    """Adds channels to the head that silence what is over 2000 m/z or belongs to no bond.
+    """Adds channels to the head that silence what is over 2000 m/z, or has no bond or no slot.
 
-    Each carries by how much a series' ion exceeds the limit; the head's ReLU makes it 0 for the
-    others, the residual layer leaves it alone, and the last layer subtracts it from the logit.
+    Each carries by how much a series' ion exceeds the limit, the last one what is beyond the a
+    ions' slots; the head's ReLU makes it 0 for all others, the residual layer leaves it alone, and
+    the last layer subtracts it from the logit.
     """
     columns = [ladder.SERIES[i] for i in ladder.columns_of_charge(charge)]
     inputs, width = weights.head.shape[1:]
     excess = np.zeros((2, inputs, EXCESS_CHANNELS), dtype=np.float32)
     bias = np.zeros(EXCESS_CHANNELS, dtype=np.float32)
+    silence = np.zeros((EXCESS_CHANNELS, len(columns)), dtype=np.float32)
     for column, series in enumerate(columns):
         excess[0, :, column], bias[column] = _excess(series, inputs)
+        silence[column, column] = PER_EXCESS
+    excess[0, :, -1], bias[-1] = _beyond_a_slots(inputs)
+    silence[-1] = [PER_EXCESS * (series.letter == "a") for series in columns]
     residual, logits = weights.residual, weights.logits
     grown = np.zeros((width + EXCESS_CHANNELS, width + EXCESS_CHANNELS), dtype=np.float32)
     grown[:width, :width] = residual.w
-    silence = np.zeros((EXCESS_CHANNELS, len(columns)), dtype=np.float32)
-    np.fill_diagonal(silence, PER_EXCESS)
     return replace(
         weights,
         head=np.concatenate([weights.head, excess], 2),
@@ -142,6 +145,13 @@ def _excess(series: ladder.Series, inputs: int) -> tuple[np.ndarray, float]:
     weights[place + features.MASK] = -NO_SITE
     weights[place + features.LAST] = NO_SITE
     return weights, NO_SITE + series.start_mass - ladder.MZ_LIMIT * series.charge
+
+
+def _beyond_a_slots(inputs: int) -> tuple[np.ndarray, float]:
+    """Weights [inputs] and bias of what is positive for a ions that have no slot."""
+    weights = np.zeros(inputs, dtype=np.float32)
+    weights[inputs - features.WIDTH + features.FROM_N] = features.RAMP
+    return weights, 0.5 - ladder.A_SLOTS
 
 
 def _scale(logits: tf.Tensor) -> tf.Tensor:

@@ -9,6 +9,8 @@ RAMP = 30.0
 MASK = 0
 #: Column that is 1 in the row of the last residue.
 LAST = 1 + NEAR
+#: Column of the distance from the N-terminus in units of RAMP residues.
+FROM_N = 1 + 2 * NEAR
 WIDTH = 2 * NEAR + 5
 
 

@@ -2,9 +2,9 @@
 """The ion series, and where each of their ions stands.
 
 Two layouts are used. In *sites* an array has the shape [n - 1, 11]: row j is the bond between the
-residues j and j + 1 (0-based), so that the fragments b(j + 1) and y(n - 1 - j) of one cleavage share
-a row. In *slots* it is the flat ladder of the network's output: series after series, L slots each
-(15 for the a series), slot i of a series being ion number i + 1.
+residues j and j + 1 (0-based), so that b(j + 1) and y(n - 1 - j), the fragments of one cleavage,
+share a row. In *slots* it is the flat ladder of the network's output: series after series, L slots
+each (15 for the a series), slot i of a series being ion number i + 1.
 """
 
 from dataclasses import dataclass

@@ -8,9 +8,10 @@ import tensorflow as tf
 
 from zav_training.msms import ladder
 from zav_training.msms.batches import make_batch
-from zav_training.msms.metrics import apply_cut, score, summarise
+from zav_training.msms.metrics import Score, apply_cut, score, summarise
 from zav_training.msms.network import Network
 from zav_training.msms.spectra import Spectrum
+from zav_training.msms.vocabulary import CHARGES
 
 BATCH = 128
 
@@ -53,16 +54,21 @@ def predict(network: Network, spectra: list[Spectrum], true_source: bool) -> lis
 
 
 def report_line(network: Network, spectra: list[Spectrum]) -> str:
-    """Angles and correlations on held-out spectra, for the log of a training run."""
+    """Angle/correlation on held-out spectra with the typical and the true source, for the log."""
     parts = []
     for label, true_source in (("typical", False), ("true", True)):
         predictions = [apply_cut(p) for p in predict(network, spectra, true_source)]
         scores = [score(s, p) for s, p in zip(spectra, predictions, strict=True)]
-        table = summarise(spectra, scores)
-        names = ["orbitrap", "library"]
-        names += [f"charge {z}" for z in range(1, 6)]
-        names += ["orbitrap charge 2", "orbitrap charge 3"]
-        figures = [f"{name.replace('charge ', 'z')} {table[name][1].angle:.4f}/{table[name][1].pearson:.3f}" for name in names]
-        o = table["orbitrap"][1]
-        parts.append(f"{label}: {' '.join(figures)} missed {o.missed:.3f} false {o.false:.3f}")
+        parts.append(f"{label}: {_figures(summarise(spectra, scores))}")
     return " | ".join(parts)
+
+
+def _figures(table: dict[str, tuple[int, Score]]) -> str:
+    names = ["orbitrap", "library", *(f"charge {charge}" for charge in CHARGES)]
+    names += ["orbitrap charge 2", "orbitrap charge 3"]
+    found = [(name, table[name][1]) for name in names if name in table]
+    parts = [f"{name.replace('charge ', 'z')} {s.angle:.4f}/{s.pearson:.3f}" for name, s in found]
+    if "orbitrap" in table:
+        one = table["orbitrap"][1]
+        parts.append(f"missed {one.missed:.3f} false {one.false:.3f}")
+    return " ".join(parts)
