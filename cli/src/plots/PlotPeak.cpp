@@ -3,6 +3,8 @@
 
 #include "PlotStyle.h"
 
+#include <QtCore/QHash>
+
 #include <algorithm>
 
 namespace zav {
@@ -34,24 +36,82 @@ QString labelOf(const AnnotatedPeak &peak)
 
 PlotPeak plotPeak(const AnnotatedPeak &peak, double mz, double height)
 {
-    const QColor color = peak.isotope                 ? plotStyle::isotopeColor()
-                         : peak.neutralLoss.isEmpty() ? plotStyle::ionColor(peak.ionType)
-                                                      : plotStyle::lossColor(peak.ionType);
-    const QString label = height >= MIN_LABELLED_HEIGHT ? labelOf(peak) : QString();
-    return {mz, height, color, peak.isotope ? THIN_WIDTH : ION_WIDTH, label, !peak.neutralLoss.isEmpty()};
+    const bool isLoss = !peak.neutralLoss.isEmpty();
+    PlotPeak plotted;
+    plotted.mz = mz;
+    plotted.height = height;
+    plotted.labelHeight = height;
+    plotted.color =
+        peak.isotope || isLoss ? plotStyle::lighterIonColor(peak.ionType) : plotStyle::ionColor(peak.ionType);
+    plotted.width = peak.isotope ? THIN_WIDTH : ION_WIDTH;
+    plotted.isLoss = isLoss;
+    if (height >= MIN_LABELLED_HEIGHT)
+        plotted.label = labelOf(peak);
+    return plotted;
+}
+
+QString ionOf(const AnnotatedPeak &peak)
+{
+    return peak.ionType + QString::number(peak.ionNumber) + peak.neutralLoss + QLatin1Char('/') +
+           QString::number(peak.charge);
+}
+
+// Remembers how tall the isotope envelope of each ion is.
+class EnvelopeHeights
+{
+public:
+    void add(const AnnotatedPeak &peak, double height)
+    {
+        double &tallest = m_heights[ionOf(peak)];
+        tallest = std::max(tallest, height);
+    }
+
+    double of(const AnnotatedPeak &peak) const { return m_heights.value(ionOf(peak)); }
+
+private:
+    QHash<QString, double> m_heights;
+};
+
+double tallestOf(const QList<AnnotatedPeak> &peaks)
+{
+    double tallest = 0;
+    for (const AnnotatedPeak &peak : peaks)
+        tallest = std::max(tallest, peak.intensity);
+    return tallest;
+}
+
+double tallestOf(const QList<QPointF> &peaks)
+{
+    double tallest = 0;
+    for (const QPointF &peak : peaks)
+        tallest = std::max(tallest, peak.y());
+    return tallest;
+}
+
+PlotPeak unmatchedPlotPeak(double mz, double height)
+{
+    PlotPeak plotted;
+    plotted.mz = mz;
+    plotted.height = height;
+    plotted.color = plotStyle::unmatchedColor();
+    plotted.width = THIN_WIDTH;
+    return plotted;
 }
 
 } // namespace
 
 QList<PlotPeak> predictedPlotPeaks(const SpectrumPlotData &data)
 {
-    double tallest = 0;
+    const double tallest = tallestOf(data.predicted);
+    EnvelopeHeights envelopes;
     for (const AnnotatedPeak &peak : data.predicted)
-        tallest = std::max(tallest, peak.intensity);
+        envelopes.add(peak, peak.intensity / tallest);
     QList<PlotPeak> peaks;
     for (const AnnotatedPeak &peak : data.predicted) {
-        if (peak.intensity > 0)
-            peaks.append(plotPeak(peak, peak.mz, peak.intensity / tallest));
+        if (!(peak.intensity > 0))
+            continue;
+        peaks.append(plotPeak(peak, peak.mz, peak.intensity / tallest));
+        peaks.last().labelHeight = envelopes.of(peak);
     }
     return peaks;
 }
@@ -59,17 +119,20 @@ QList<PlotPeak> predictedPlotPeaks(const SpectrumPlotData &data)
 QList<PlotPeak> observedPlotPeaks(const SpectrumPlotData &data)
 {
     const QList<QPointF> &observed = data.observed->peaks;
-    double tallest = 0;
-    for (const QPointF &peak : observed)
-        tallest = std::max(tallest, peak.y());
+    const double tallest = tallestOf(observed);
     QList<PlotPeak> peaks;
     for (const QPointF &peak : observed)
-        peaks.append({peak.x(), peak.y() / tallest, plotStyle::unmatchedColor(), THIN_WIDTH, QString(), false});
-    if (data.comparison) {
-        for (const PeakMatch &match : data.comparison->matches) {
-            const PlotPeak &seen = peaks[match.observed];
-            peaks[match.observed] = plotPeak(data.predicted[match.predicted], seen.mz, seen.height);
-        }
+        peaks.append(unmatchedPlotPeak(peak.x(), peak.y() / tallest));
+    if (!data.comparison)
+        return peaks;
+    EnvelopeHeights envelopes;
+    for (const PeakMatch &match : data.comparison->matches)
+        envelopes.add(data.predicted[match.predicted], peaks[match.observed].height);
+    for (const PeakMatch &match : data.comparison->matches) {
+        const AnnotatedPeak &ion = data.predicted[match.predicted];
+        PlotPeak &peak = peaks[match.observed];
+        peak = plotPeak(ion, peak.mz, peak.height);
+        peak.labelHeight = envelopes.of(ion);
     }
     return peaks;
 }

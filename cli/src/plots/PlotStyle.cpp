@@ -17,25 +17,28 @@ QColor ionColor(QChar ionType)
     }
 }
 
-QColor lossColor(QChar ionType)
+QColor lighterIonColor(QChar ionType)
 {
     const QColor full = ionColor(ionType);
     const auto lighter = [](int channel) { return channel + (255 - channel) * 45 / 100; };
     return QColor(lighter(full.red()), lighter(full.green()), lighter(full.blue()));
 }
 
-QColor isotopeColor()
-{
-    return QColor(0x8A, 0x8A, 0x8A);
-}
 QColor unmatchedColor()
 {
     return QColor(0xBE, 0xBE, 0xBE);
 }
+
 QColor axisColor()
 {
     return QColor(0x33, 0x33, 0x33);
 }
+
+QColor faintTextColor()
+{
+    return QColor(0x77, 0x77, 0x77);
+}
+
 QColor textColor()
 {
     return QColor(0x22, 0x22, 0x22);

@@ -11,13 +11,13 @@ namespace zav::plotStyle {
 /// design", 2008), which colour-blind readers tell apart; dark grey for any other.
 QColor ionColor(QChar ionType);
 
-/// The same colour, lighter: ions that lost water or ammonia.
-QColor lossColor(QChar ionType);
+/// The same colour, lighter: ions that lost water or ammonia, and heavier isotopes.
+QColor lighterIonColor(QChar ionType);
 
-QColor isotopeColor();
 QColor unmatchedColor();
 QColor axisColor();
 QColor textColor();
+QColor faintTextColor();
 
 /// The picture's font, the reader's own sans-serif one, at a height in page units.
 QFont font(double pixels);

@@ -113,10 +113,9 @@ QList<LegendEntry> legendOf(const SpectrumPlotData &data)
         if (anyPredicted(data, [&](const AnnotatedPeak &peak) { return peak.ionType == series; }))
             entries.append({{plotStyle::ionColor(series)}, series});
     }
-    if (anyPredicted(data, [](const AnnotatedPeak &peak) { return !peak.neutralLoss.isEmpty(); }))
-        entries.append({{plotStyle::lossColor(u'y'), plotStyle::lossColor(u'b')}, QStringLiteral("loss")});
-    if (anyPredicted(data, [](const AnnotatedPeak &peak) { return peak.isotope; }))
-        entries.append({{plotStyle::isotopeColor()}, QStringLiteral("isotope")});
+    if (anyPredicted(data, [](const AnnotatedPeak &peak) { return peak.isotope || !peak.neutralLoss.isEmpty(); }))
+        entries.append({{plotStyle::lighterIonColor(u'y'), plotStyle::lighterIonColor(u'b')},
+                        QStringLiteral("loss, isotope (thin)")});
     if (data.observed)
         entries.append({{plotStyle::unmatchedColor()}, QStringLiteral("unmatched")});
     return entries;

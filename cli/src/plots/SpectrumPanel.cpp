@@ -15,7 +15,7 @@ namespace zav {
 namespace {
 
 constexpr double LABEL_ROOM = 40; // above the tallest peak
-constexpr double LABEL_SIZE = 10.5;
+constexpr double LABEL_SIZE = 10;
 constexpr double TICK_LENGTH = 5;
 constexpr double TICK_TEXT_SIZE = 11;
 constexpr double TITLE_TEXT_SIZE = 12;
@@ -72,7 +72,7 @@ void SpectrumPanel::paintAxis(QPainter *painter) const
 void SpectrumPanel::paintEmpty(QPainter *painter) const
 {
     painter->setFont(plotStyle::font(TITLE_TEXT_SIZE));
-    painter->setPen(plotStyle::isotopeColor());
+    painter->setPen(plotStyle::faintTextColor());
     const QString text = QStringLiteral("no peaks");
     const double width = QFontMetricsF(painter->font()).horizontalAdvance(text);
     painter->drawText(QPointF((mz.start + mz.end - width) / 2, baseline + direction() * fullHeight() / 2), text);
