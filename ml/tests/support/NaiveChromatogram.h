@@ -131,13 +131,16 @@ inline std::vector<IndexInterval> clusterLimits(const std::vector<int> &numbers,
     return intervals;
 }
 
-inline IndexInterval walk(const std::vector<float> &vector, int apex, float threshold)
+inline IndexInterval walk(const std::vector<float> &vector, int apex, double threshold)
 {
     const int size = static_cast<int>(vector.size());
     const float height = vector[apex];
     if (std::abs(static_cast<double>(height)) <= 1e-12)
         return {0, 0};
-    const auto stopsAt = [&](int i) { return vector[i] / height <= threshold || vector[i] / height > 1.0F; };
+    const auto stopsAt = [&](int i) {
+        const double relative = vector[i] / height;
+        return relative <= threshold || relative > 1.0;
+    };
     int left = apex;
     do {
         --left;

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Error.h"
+#include "Export.h"
+#include "Interval.h"
+#include "Result.h"
+#include "XicBaselineLimitsDetectorOptions.h"
+
+#include <QtCore/QList>
+#include <QtCore/QPointF>
+
+#include <memory>
+
+namespace zav {
+
+/// Finds where the peaks of an extracted-ion chromatogram (XIC) start and end, with a trained segmentation network or
+/// by a walk outward from the local maxima.
+///
+/// Points are (retention time, intensity) in acquisition order; limits come back in the same unit of time. The times
+/// must not descend within a peak (`InvalidInput` "Start is greater than end").
+///
+/// A call costs what `maxPointCount` asks, whatever the length of the XIC. A longer XIC is thinned before the network
+/// sees it, and the limits are then read at the network's positions in the caller's list: choose `maxPointCount` to
+/// hold the XIC where the limits matter.
+///
+/// One thread at a time per object; separate objects are independent and may be used in parallel.
+class ZAV_ML_EXPORT XicBaselineLimitsDetector
+{
+public:
+    /// Loads nothing: every detection fails with `Failure` until an `init` has succeeded.
+    XicBaselineLimitsDetector();
+    ~XicBaselineLimitsDetector();
+
+    XicBaselineLimitsDetector(const XicBaselineLimitsDetector &) = delete;
+    XicBaselineLimitsDetector &operator=(const XicBaselineLimitsDetector &) = delete;
+
+    /// Stores the options, checks them and loads the network that they name.
+    ///
+    /// The options replace the stored ones even when they are refused. After a failure a detector that worked before
+    /// goes on with the new options, and without a network if it was the loading that failed.
+    Error init(const XicBaselineLimitsDetectorOptions &options);
+
+    /// The limits of the peaks that the walk finds, the highest apex first. No network is run. Intervals may overlap.
+    Result<QList<Interval<double>>> integrateXIC(const QList<QPointF> &points);
+
+    /// The limits of the peaks that the network finds, in acquisition order.
+    ///
+    /// With a `retentionTimeHint` above -1.0 that lies in none of them, the search is repeated on the XIC amplified
+    /// tenfold and clipped at its highest point, three times at most; `retryDepth` counts the repetitions already
+    /// done, and callers pass 0. One network run, and one more per repetition.
+    Result<QList<Interval<double>>> integrateXIC(const QList<QPointF> &points, double retentionTimeHint,
+                                                 int retryDepth);
+
+private:
+    friend class XicBaselineLimitsDetectorInspector; // the unit tests' view of Private
+
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace zav

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QtCore/QList>
+#include <QtCore/QPointF>
+
+#include <Eigen/Core>
+
+namespace zav {
+
+/// How a chromatogram becomes a network input of fixed length.
+struct XicInputVectorSettings
+{
+    int length = 0;             ///< elements of the vector; at least as many as there are points
+    double padding = 0.0;       ///< value of the elements behind the last point, before smoothing
+    int smoothingPassCount = 0; ///< convolutions with the kernel; none if 0 or negative
+};
+
+/// The intensities (y) of the points, rounded to float, padded, smoothed together with the padding, and divided by the
+/// largest element. Where that is 0 (magnitude up to 1e-12) the divisor is the smallest normal double: zeros stay
+/// zeros, and what is tiny becomes huge.
+Eigen::VectorXf buildXicInputVector(const QList<QPointF> &points, const Eigen::VectorXd &kernel,
+                                    const XicInputVectorSettings &settings);
+
+} // namespace zav

@@ -1,0 +1,7 @@
+# SPDX-License-Identifier: Apache-2.0
+zav_add_test(ml_chromatogram_tests
+    SOURCES
+        XicBaselineLimitsDetectorTest.cpp
+        XicPeakSplitterTest.cpp
+        XicPeakWalkTest.cpp
+    LIBRARIES zav_ml_static zav_ml_test_support Eigen3::Eigen)
