@@ -247,10 +247,10 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
     app.require_subcommand(1);
     app.footer("'zav COMMAND --help' explains a command, with examples.");
     SpectrumArguments spectrum;
-    CLI::App *spectrumCommand = app.add_subcommand("spectrum", "predict the spectrum of a peptide, or of many");
+    CLI::App *spectrumCommand = app.add_subcommand("spectrum", "Predict the spectrum of a peptide, or of many");
     addSpectrumArguments(spectrumCommand, &spectrum);
     InspectArguments inspect;
-    addInspectArguments(app.add_subcommand("inspect", "check a folder of networks and try each"), &inspect);
+    addInspectArguments(app.add_subcommand("inspect", "Check a folder of networks and try each"), &inspect);
 
     const QString command = argc > 1 && argv[1][0] != '-' ? QString::fromUtf8(argv[1]) : QString();
     try {

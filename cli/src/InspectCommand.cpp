@@ -2,6 +2,7 @@
 #include "InspectCommand.h"
 
 #include "ModelFolder.h"
+#include "QuietStandardError.h"
 #include "TextTable.h"
 
 #include <cstdio>
@@ -34,12 +35,18 @@ QStringList tableRow(const NetworkInspection &inspection)
             inspection.trialError.hasError() ? QStringLiteral("fails") : QStringLiteral("runs")};
 }
 
+Result<QList<NetworkInspection>> inspectQuietly(const QString &folder, bool verbose)
+{
+    const QuietStandardError quiet(!verbose);
+    return inspectNetworks(folder);
+}
+
 } // namespace
 
 int InspectCommand::run()
 {
     const QString folder = m_options.modelFolder.isEmpty() ? installedModelFolder() : m_options.modelFolder;
-    const Result<QList<NetworkInspection>> inspections = inspectNetworks(folder);
+    const Result<QList<NetworkInspection>> inspections = inspectQuietly(folder, m_options.verbose);
     if (inspections.hasError()) {
         m_messages.failure(inspections.error());
         return SomeFailed;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NetworkTrial.h"
 
+#include "ExplainedError.h"
+
 #include <zav/MsMsFragmentationPredictomatic.h>
 
 #include <algorithm>
@@ -10,7 +12,11 @@ namespace zav {
 
 namespace {
 
-constexpr char SOURCE_FILE[] = "cli/src/NetworkTrial";
+/// Some of the library's failures are told by their code and trail alone.
+Error failedStep(const Error &error, const QString &step)
+{
+    return explainedError(error, error.message().isEmpty() ? step : step + QStringLiteral(": ") + error.message());
+}
 
 Error checkSpectrum(const QList<QPointF> &spectrum)
 {
@@ -29,11 +35,11 @@ Error tryFragmentation(int charge, const QString &path)
     if (predictor.getMaximumPeptideLengthForCharge(charge) == 0)
         return Error(InvalidInput, QStringLiteral("its charge is not 1 to 5"));
     // The same graph for every charge: the one that counts is then tried whatever the others are like.
-    if (Error error = predictor.init(path, path, path, path, path); error.hasError())
-        return std::move(error.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
+    if (const Error error = predictor.init(path, path, path, path, path); error.hasError())
+        return failedStep(error, QStringLiteral("cannot be loaded"));
     QList<QPointF> spectrum;
-    if (Error error = predictor.predictMsMsFragmentation(peptide, charge, &spectrum); error.hasError())
-        return std::move(error.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
+    if (const Error error = predictor.predictMsMsFragmentation(peptide, charge, &spectrum); error.hasError())
+        return failedStep(error, QStringLiteral("cannot predict"));
     return checkSpectrum(spectrum);
 }
 

@@ -31,12 +31,18 @@ OutputFormat formatOf(const SpectrumOptions &options)
 PredictionContent contentOf(const SpectrumOptions &options, OutputFormat format, const WriterOptions &writerOptions)
 {
     const bool isCompared = !options.picturePath.isEmpty() || !options.observedPath.isEmpty();
-    return {options.cysteineMass, options.isotopes, isCompared || writesIonNames(format, writerOptions)};
+    return {options.cysteineMass, options.isotopes, isCompared || writesIonNames(format, writerOptions),
+            options.verbose};
 }
 
 bool writesToStandardOutput(const QString &outputPath)
 {
     return outputPath.isEmpty() || outputPath == QLatin1String("-");
+}
+
+QString listName(const QString &path)
+{
+    return path == QLatin1String("-") ? QStringLiteral("standard input") : displayText(path, 300);
 }
 
 } // namespace
@@ -82,7 +88,7 @@ Error SpectrumCommand::readPeptides()
         m_rows = {PeptideListRow{{m_options.peptide, m_options.charge}, 0, {}}};
     }
     if (m_rows.isEmpty())
-        return Error(InvalidInput, QStringLiteral("no peptides in %1").arg(displayText(m_options.peptideList, 300)));
+        return Error(InvalidInput, QStringLiteral("no peptides in %1").arg(listName(m_options.peptideList)));
     checkPeptides();
     return {};
 }
@@ -217,7 +223,7 @@ void SpectrumCommand::reportFailure(const PeptideListRow &row, const Error &erro
 {
     ++m_failed;
     const QString name = displayName(row.precursor);
-    const QString line = QStringLiteral("%1:%2: ").arg(displayText(m_options.peptideList, 300)).arg(row.line);
+    const QString line = QStringLiteral("%1:%2: ").arg(listName(m_options.peptideList)).arg(row.line);
     m_messages.failure(error, isList() ? line + name : name);
 }
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumPredictor.h"
 
+#include "ExplainedError.h"
 #include "IonNames.h"
 #include "PeakNaming.h"
 #include "PeptideMasses.h"
+#include "QuietStandardError.h"
 
 #include <QtCore/QFileInfo>
 
@@ -30,13 +32,8 @@ QStringList pathsFor(const ModelFolder &folder, const QList<int> &charges)
 /// Names the file, which the library's own message need not do.
 Error loadingError(const Error &error, const QString &path)
 {
-    const QString name = QFileInfo(path).fileName();
-    const QString message =
-        error.message().isEmpty() ? QStringLiteral("it is no network of this kind") : error.message();
-    Error named(error.code(), QStringLiteral("cannot load %1: %2").arg(name, message));
-    for (const CaughtAt &place : error.trail())
-        named.ecatch(qUtf8Printable(place.functionSignature), qUtf8Printable(place.sourceFile), place.line);
-    return named;
+    const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
+    return explainedError(error, QStringLiteral("cannot load %1: %2").arg(QFileInfo(path).fileName(), reason));
 }
 
 } // namespace
@@ -56,10 +53,7 @@ Error SpectrumPredictor::load(const ModelFolder &folder, const QSet<int> &charge
     }
     std::sort(usable.begin(), usable.end());
     while (!usable.isEmpty()) {
-        m_predictor = std::make_unique<MsMsFragmentationPredictomatic>();
-        m_predictor->setCysteineFixedMass(m_content.cysteineMass);
-        const QStringList paths = pathsFor(folder, usable);
-        const Error error = m_predictor->init(paths[0], paths[1], paths[2], paths[3], paths[4]);
+        const Error error = init(folder, usable);
         if (!error.hasError())
             return {};
         const int reached = m_predictor->maxPredictionChargeState() + 1;
@@ -68,6 +62,15 @@ Error SpectrumPredictor::load(const ModelFolder &folder, const QSet<int> &charge
         usable.removeOne(failed);
     }
     return m_unavailable.first();
+}
+
+Error SpectrumPredictor::init(const ModelFolder &folder, const QList<int> &charges)
+{
+    const QuietStandardError quiet(!m_content.verbose);
+    m_predictor = std::make_unique<MsMsFragmentationPredictomatic>();
+    m_predictor->setCysteineFixedMass(m_content.cysteineMass);
+    const QStringList paths = pathsFor(folder, charges);
+    return m_predictor->init(paths[0], paths[1], paths[2], paths[3], paths[4]);
 }
 
 QList<Result<PredictedSpectrum>> SpectrumPredictor::predict(const QList<Precursor> &precursors)

@@ -22,6 +22,7 @@ struct PredictionContent
     double cysteineMass = 57.02146; ///< Da added to every cysteine
     bool isotopes = true;           ///< the heavier isotopes of each fragment
     bool ionNames = false;          ///< which ion each peak is
+    bool verbose = false;           ///< what the runtime writes while it loads stays visible
 };
 
 /// Predicts spectra with the networks of one folder, loading only those that the work needs.
@@ -42,6 +43,7 @@ public:
     QList<Result<PredictedSpectrum>> predict(const QList<Precursor> &precursors);
 
 private:
+    Error init(const ModelFolder &folder, const QList<int> &charges);
     QList<Result<PredictedSpectrum>> predictCharge(const QList<Precursor> &precursors);
     Result<PredictedSpectrum> assemble(const Precursor &precursor, const QList<FragmentPeak> &fragments);
     Error addPeaks(const Precursor &precursor, const QList<FragmentPeak> &fragments, QList<AnnotatedPeak> *peaks);
