@@ -14,9 +14,6 @@ namespace {
 constexpr double ION_WIDTH = 1.4;
 constexpr double THIN_WIDTH = 0.8;
 
-// Labels of smaller peaks would stand on the base line among the noise.
-constexpr double MIN_LABELLED_HEIGHT = 0.01;
-
 QString superscript(int charge)
 {
     static const QString digits = QStringLiteral("\u2070\u00B9\u00B2\u00B3\u2074\u2075\u2076\u2077\u2078\u2079");
@@ -45,8 +42,7 @@ PlotPeak plotPeak(const AnnotatedPeak &peak, double mz, double height)
         peak.isotope || isLoss ? plotStyle::lighterIonColor(peak.ionType) : plotStyle::ionColor(peak.ionType);
     plotted.width = peak.isotope ? THIN_WIDTH : ION_WIDTH;
     plotted.isLoss = isLoss;
-    if (height >= MIN_LABELLED_HEIGHT)
-        plotted.label = labelOf(peak);
+    plotted.label = labelOf(peak);
     return plotted;
 }
 
