@@ -50,9 +50,7 @@ def draw_peak(rng: np.random.Generator, apex: float, sigma: float, height: float
     return Peak(apex, height, sum(half), _width(offset, shape, top, 0.01), offset, shape)
 
 
-def _width(
-    offset: np.ndarray, shape: np.ndarray, top: int, level: float
-) -> tuple[float, float]:
+def _width(offset: np.ndarray, shape: np.ndarray, top: int, level: float) -> tuple[float, float]:
     """Distance from the apex to the outermost place at a level, left and right."""
     above = np.flatnonzero(shape >= level)
     return float(-offset[above[0]]), float(offset[above[-1]])

@@ -6,7 +6,8 @@ network can be told which one to follow: how wide a peak is drawn (limits over w
 height) and how deep a valley must be to part two peaks.
 """
 
-from dataclasses import dataclass, field
+from dataclasses import dataclass
+from itertools import pairwise
 
 import numpy as np
 
@@ -23,6 +24,12 @@ GAUSSIAN_FOOT = 2.5776
 EVIDENCE = (3.0, 7.0)
 
 
+#: A border whose signal falls by less than this is a shoulder.
+SHOULDER = 0.02
+#: Share of traces in which single counts are seen one by one, between zeros.
+SPARSE_SHARE = 0.14
+
+
 @dataclass
 class Region:
     """One interval that is to be found; points as real numbers."""
@@ -35,18 +42,37 @@ class Region:
 
 
 @dataclass
+class Border:
+    """Where one peak passes into the next.
+
+    The place is the lowest point between the apexes, or where the two curves cross when the signal
+    does not fall between them (a shoulder). `fall` is relative to the lower top, `resolution` the
+    distance of the apexes over the mean width at half height, `height` that of the lower peak.
+    """
+
+    place: float
+    distance: float
+    fall: float
+    resolution: float
+    height: float
+
+
+@dataclass
 class Simulated:
     """A simulated trace: intensities, and what is to be found in it."""
 
     intensity: np.ndarray
     regions: list[Region]
-    #: Valleys that part two peaks: place in points, and depth.
-    valleys: list[tuple[float, float]]
-    #: Shoulders and shallow valleys: place, apex distance; for the splitter only.
-    shoulders: list[tuple[float, float]]
+    borders: list[Border]
     drawn_width: float
     valley_depth: float
-    peaks: list[Peak] = field(default_factory=list)
+    peaks: list[Peak]
+    #: Noise beside the peaks, in units of the intensities.
+    noise: float
+
+    def valleys(self) -> list[float]:
+        """Places of the valleys that part two peaks."""
+        return [b.place for b in self.borders if b.fall >= self.valley_depth]
 
 
 def simulate(
@@ -62,12 +88,18 @@ def simulate(
     t = np.arange(length, dtype=np.float64)
     curves = [p.height * p.curve(t) for p in peaks]
     clean = np.sum(curves, axis=0) if curves else np.zeros(length)
-    signal, noise = _measure(rng, clean, background, max((p.height for p in peaks), default=1.0))
+    top = max((p.height for p in peaks), default=1.0)
+    if rng.random() < SPARSE_SHARE:
+        signal, noise, count = _measure_sparse(rng, clean, top)
+    else:
+        signal, noise, count = _measure(rng, clean, background, top)
     order = np.argsort([p.apex for p in peaks])
     peaks = [peaks[i] for i in order]
-    valleys, shoulders = _borders(peaks, clean, curves=[curves[i] for i in order], depth=depth)
-    regions = _regions(peaks, valleys, drawn, noise, length)
-    return Simulated(signal, regions, valleys, shoulders, drawn, depth, peaks)
+    borders = find_borders(peaks, clean, [curves[i] for i in order])
+    evidence = [_evidence(p, noise, count) for p in peaks]
+    result = Simulated(signal, [], borders, drawn, depth, peaks, noise)
+    result.regions = _regions(peaks, evidence, result.valleys(), drawn, length)
+    return result
 
 
 def _draw_peaks(rng: np.random.Generator, length: int, crowded: float) -> list[Peak]:
@@ -75,7 +107,7 @@ def _draw_peaks(rng: np.random.Generator, length: int, crowded: float) -> list[P
     if rng.random() < 0.04:
         return []
     peaks: list[Peak] = []
-    widest = min(0.22 * length, 45.0)
+    widest = min((0.08 if rng.random() < 0.85 else 0.2) * length, 45.0)
     for _ in range(1 + int(rng.random() < 0.5) * int(rng.integers(0, 4))):
         sigma = float(np.exp(rng.uniform(np.log(0.9), np.log(max(widest, 1.5)))))
         count = 1 if rng.random() > crowded else int(rng.integers(2, 5))
@@ -98,42 +130,39 @@ def _draw_cluster(
     return peaks
 
 
-def _borders(
-    peaks: list[Peak], clean: np.ndarray, curves: list[np.ndarray], depth: float
-) -> tuple[list[tuple[float, float]], list[tuple[float, float]]]:
-    """Valleys deep enough, and shoulders, between neighbours whose apexes lie in the trace."""
-    valleys, shoulders = [], []
-    last = len(clean) - 1
-    for i, (a, b) in enumerate(zip(peaks, peaks[1:], strict=False)):
-        left, right = int(round(a.apex)), int(round(b.apex))
-        if left < 0 or right > last or right - left < 3:
+def find_borders(peaks: list[Peak], clean: np.ndarray, curves: list[np.ndarray]) -> list[Border]:
+    """Borders between neighbours whose apexes lie in the trace, at least three points apart."""
+    borders = []
+    for i, (a, b) in enumerate(pairwise(peaks)):
+        left, right = round(a.apex), round(b.apex)
+        if left < 0 or right >= len(clean) or right - left < 3:
             continue
         between = clean[left : right + 1]
         low = int(np.argmin(between))
         top = min(between[: low + 1].max(), between[low:].max())
         fall = 1.0 - between[low] / max(top, 1e-12)
-        if fall >= depth:
-            valleys.append((float(left + low), fall))
-        cross = left + int(np.argmin(np.abs(curves[i][left : right + 1] - curves[i + 1][left : right + 1])))
-        place = float(left + low) if fall > 0.02 else float(cross)
-        shoulders.append((place, float(right - left)))
-    return valleys, shoulders
+        span = slice(left, right + 1)
+        cross = int(np.argmin(np.abs(curves[i][span] - curves[i + 1][span])))
+        place = left + (low if fall > SHOULDER else cross)
+        width = 0.5 * (a.half_width + b.half_width)
+        resolution = (b.apex - a.apex) / max(width, 1e-9)
+        lower = min(a.height, b.height)
+        borders.append(Border(float(place), b.apex - a.apex, fall, resolution, lower))
+    return borders
 
 
 def _regions(
     peaks: list[Peak],
-    valleys: list[tuple[float, float]],
+    evidence: list[float],
+    valleys: list[float],
     drawn: float,
-    noise: np.ndarray,
     length: int,
 ) -> list[Region]:
     """Peaks that no valley parts share a region; touching regions meet at the valley."""
     regions: list[Region] = []
-    for peak in peaks:
+    for peak, sure in zip(peaks, evidence, strict=True):
         left, right = peak.limits(drawn, GAUSSIAN_FOOT)
-        local = noise[int(np.clip(round(peak.apex), 0, length - 1))]
-        evidence = peak.height / max(local, 1e-12) * np.sqrt(max(peak.half_width, 1.0))
-        region = Region(left, right, [peak.apex], evidence, peak.height)
+        region = Region(left, right, [peak.apex], sure, peak.height)
         if regions and region.start <= regions[-1].end + 2.0:
             _join(regions, region, valleys)
         else:
@@ -141,9 +170,15 @@ def _regions(
     return [r for r in regions if r.end > 1.0 and r.start < length - 2.0]
 
 
-def _join(regions: list[Region], region: Region, valleys: list[tuple[float, float]]) -> None:
+def _evidence(peak: Peak, noise: float, count: float) -> float:
+    """How far a peak stands out; of a peak of few counts (per unit of height) a dozen suffice."""
+    width = max(peak.half_width, 1.0)
+    return min(peak.height / max(noise, 1e-12) * np.sqrt(width), 0.6 * peak.height * width * count)
+
+
+def _join(regions: list[Region], region: Region, valleys: list[float]) -> None:
     last = regions[-1]
-    between = [v for v, _ in valleys if last.apexes[-1] < v < region.apexes[0]]
+    between = [v for v in valleys if last.apexes[-1] < v < region.apexes[0]]
     if between:
         last.end, region.start = between[0], between[0]
         regions.append(region)
@@ -156,23 +191,39 @@ def _join(regions: list[Region], region: Region, valleys: list[tuple[float, floa
 
 def _measure(
     rng: np.random.Generator, clean: np.ndarray, background: np.ndarray | None, top: float
-) -> tuple[np.ndarray, np.ndarray]:
-    """Signal as an instrument would report it, and the noise beside the peaks, per point."""
-    signal_to_noise = float(np.exp(rng.uniform(np.log(3.0), np.log(3000.0))))
-    n = len(clean)
-    level = top / signal_to_noise
+) -> tuple[np.ndarray, float, float]:
+    """Signal as an instrument would report it, noise beside the peaks, counts per intensity."""
+    level = top / float(np.exp(rng.uniform(np.log(3.0), np.log(3000.0))))
     if background is not None:
-        base = background * (level / max(background.std(), 1e-12))
-        base = base + level * float(rng.uniform(0.0, 2.0))
-        noise = np.full(n, level)
+        base = background - background.min()
+        base = base * (level / max(background.std(), 1e-12))
     else:
-        base = _drift(rng, n) * level * float(np.exp(rng.uniform(np.log(0.1), np.log(20.0))))
-        noise = np.full(n, level)
-        base = base + level * _white(rng, n)
-    signal = clean + base
-    signal = signal * np.exp(_jitter(rng) * rng.standard_normal(n))
-    signal, noise = _count(rng, np.maximum(signal, 0.0), noise, top)
-    return _spoil(rng, signal, top, level), noise
+        base = (
+            _drift(rng, len(clean)) * level * float(np.exp(rng.uniform(np.log(0.1), np.log(20.0))))
+        )
+        base = base + level * _white(rng, len(clean))
+    signal = np.maximum(clean + base, 0.0)
+    signal = signal * np.exp(_jitter(rng) * rng.standard_normal(len(clean)))
+    signal, count = _count(rng, signal, top)
+    noise = level**2 + max(float(base.mean()), 0.0) / count + (0.3 / count) ** 2
+    return _spoil(rng, signal, top, level), float(np.sqrt(noise)), count
+
+
+def _measure_sparse(
+    rng: np.random.Generator, clean: np.ndarray, top: float
+) -> tuple[np.ndarray, float, float]:
+    """A few counts a point at most, many points lost, little else in the trace.
+
+    Each count has a height of its own, as behind an electron multiplier.
+    """
+    count = float(np.exp(rng.uniform(np.log(0.4), np.log(12.0)))) / max(top, 1e-12)
+    stray = float(np.exp(rng.uniform(np.log(1e-4), np.log(0.05))))
+    counts = rng.poisson(clean * count + stray)
+    kept = 1.0 - rng.uniform(0.0, 0.8)
+    counts = counts * (rng.random(len(clean)) < kept)
+    heights = rng.lognormal(0.0, rng.uniform(0.1, 0.8), len(clean))
+    noise = np.sqrt(stray * kept) / (count * kept)
+    return counts * heights / count, float(noise), count * kept
 
 
 def _drift(rng: np.random.Generator, n: int) -> np.ndarray:
@@ -198,21 +249,19 @@ def _white(rng: np.random.Generator, n: int) -> np.ndarray:
 
 def _jitter(rng: np.random.Generator) -> float:
     """Spread of the error that grows with the signal."""
-    if rng.random() < 0.5:
+    kind = rng.random()
+    if kind < 0.65:
         return float(rng.uniform(0.0, 0.08))
-    return float(rng.uniform(0.08, 0.6))
+    return float(rng.uniform(0.08, 0.25) if kind < 0.9 else rng.uniform(0.25, 0.6))
 
 
-def _count(
-    rng: np.random.Generator, signal: np.ndarray, noise: np.ndarray, top: float
-) -> tuple[np.ndarray, np.ndarray]:
-    """Counting statistics for a part of the traces; apex of 3 to 100,000 counts."""
+def _count(rng: np.random.Generator, signal: np.ndarray, top: float) -> tuple[np.ndarray, float]:
+    """Counting statistics for a part of the traces: an apex of 3 to 100,000 counts."""
     if rng.random() < 0.35:
-        return signal, noise
+        return signal, 1e9 / max(top, 1e-12)
     counts = float(np.exp(rng.uniform(np.log(3.0), np.log(1e5))))
-    scale = counts / max(top, 1e-12)
-    counted = rng.poisson(np.minimum(signal * scale, 1e9)) / scale
-    return counted, np.sqrt(noise**2 + (1.0 / scale) ** 2)
+    count = counts / max(top, 1e-12)
+    return rng.poisson(np.minimum(signal * count, 1e9)) / count, count
 
 
 def _spoil(rng: np.random.Generator, signal: np.ndarray, top: float, level: float) -> np.ndarray:

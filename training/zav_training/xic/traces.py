@@ -29,8 +29,8 @@ LEAST_POINTS = 8
 class Trace:
     """One chromatogram.
 
-    Times ascend, in the unit of the file; intensities are not negative. Peaks and candidates are
-    intervals of time.
+    Times ascend, in seconds; intensities are not negative. Peaks and candidates are intervals of
+    time.
     """
 
     id: str
@@ -61,16 +61,17 @@ def read_traces(folder: Path, source: str) -> Iterator[Trace]:
 
 
 def _trace(record: dict, source: str) -> Trace:
+    unit = 60.0 if record["rt_unit"] == "min" else 1.0
     return Trace(
         id=record["id"],
         source=source,
         document=_document(record, source),
         molecule=_molecule(record["id"]),
         annotation=record["annotation"],
-        rt=np.array(record["rt"], np.float64),
+        rt=np.array(record["rt"], np.float64) * unit,
         intensity=np.maximum(np.array(record["intensity"], np.float64), 0.0),
-        peaks=[tuple(peak[:2]) for peak in record["peaks"]],
-        candidates=[_candidate(c) for c in record.get("candidates") or []],
+        peaks=[(p[0] * unit, p[1] * unit) for p in record["peaks"]],
+        candidates=[_candidate(c, unit) for c in record.get("candidates") or []],
     )
 
 
@@ -80,10 +81,9 @@ def _document(record: dict, source: str) -> str:
     return record["id"].split("|")[0] if document in RUNS else document
 
 
-def _candidate(record: dict | list) -> tuple[float, float]:
-    if isinstance(record, dict):
-        return record["start"], record["end"]
-    return record[0], record[1]
+def _candidate(record: dict | list, unit: float) -> tuple[float, float]:
+    start, end = (record["start"], record["end"]) if isinstance(record, dict) else record[:2]
+    return start * unit, end * unit
 
 
 def _molecule(identifier: str) -> str:

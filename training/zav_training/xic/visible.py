@@ -38,6 +38,7 @@ class Shape:
 
     @property
     def visible(self) -> bool:
+        """Whether the trace itself shows the peak."""
         return (
             self.signal_to_noise > LEAST_SIGNAL_TO_NOISE
             and self.correlation > LEAST_CORRELATION
@@ -58,6 +59,13 @@ def noise_level(values: np.ndarray) -> float:
         return 0.0
     second = values[1:-1] - 0.5 * (values[:-2] + values[2:])
     return float(1.4826 * np.median(np.abs(second)) / np.sqrt(1.5))
+
+
+def noise_level_of_spread(values: np.ndarray) -> float:
+    """Standard deviation about the median, robust against peaks."""
+    if len(values) < 8:
+        return 0.0
+    return float(1.4826 * np.median(np.abs(values - np.median(values))))
 
 
 def width_at(values: np.ndarray, apex: int, level: float) -> float:
@@ -86,13 +94,14 @@ def shape_of(trace: Trace, interval: tuple[float, float]) -> Shape | None:
     height = y[apex] - base
     raw = trace.intensity[start : end + 1]
     outside = np.concatenate([trace.intensity[:start], trace.intensity[end + 1 :]])
-    noise = max(noise_level(outside), noise_level(raw) / 3.0, 1e-9)
+    wander = noise_level_of_spread(np.concatenate([y[:start], y[end + 1 :]]))
+    noise = max(noise_level(outside), noise_level(raw) / 3.0, wander, 1e-9)
     return Shape(
         start,
         end,
         apex,
         width_at(y, apex, base + 0.5 * height),
-        height / noise,
+        (y[apex] - 0.5 * (y[start] + y[end])) / noise,
         _correlation(raw),
         max(y[start] - base, y[end] - base) / max(height, 1e-9),
     )
@@ -103,3 +112,11 @@ def _correlation(values: np.ndarray) -> float:
     centred = values - values.mean()
     total = float(np.dot(centred, centred))
     return float(np.dot(centred[1:], centred[:-1])) / total if total > 0 else 0.0
+
+
+def deepest_valley(y: np.ndarray) -> float:
+    """Largest fall between two tops, relative to the lower of them."""
+    left = np.maximum.accumulate(y)
+    right = np.maximum.accumulate(y[::-1])[::-1]
+    lower = np.minimum(left, right)
+    return float(np.max(1.0 - y / np.maximum(lower, 1e-12)))

@@ -1,0 +1,109 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Command line: train, ship, evaluate, or build, which is all of them in one."""
+
+import argparse
+from collections.abc import Callable, Iterator
+from pathlib import Path
+
+import numpy as np
+import tensorflow as tf
+
+from zav_training.xic import evaluate, evaluate_splits, network, recipe, ship
+from zav_training.xic.batches import Batch, detector_batches, splitter_batches
+from zav_training.xic.examples import Backgrounds, RealTraces
+from zav_training.xic.sets import evaluation_sets
+from zav_training.xic.splits import RealNeighbours
+from zav_training.xic.traces import BACKGROUND, LABELLED, Trace, read_traces, split
+from zav_training.xic.training import Trainer, train
+
+Parts = dict[str, list[Trace]]
+
+
+def main(arguments: list[str] | None = None) -> int:
+    """Runs a command; returns the exit code."""
+    options = _parser().parse_args(arguments)
+    if options.threads:
+        tf.config.threading.set_intra_op_parallelism_threads(options.threads)
+        tf.config.threading.set_inter_op_parallelism_threads(1)
+    parts = split([t for s in LABELLED + BACKGROUND for t in read_traces(options.data, s)])
+    for step in options.steps:
+        step(options, parts)
+    return 0
+
+
+def _parser() -> argparse.ArgumentParser:
+    parser = argparse.ArgumentParser(prog="python -m zav_training.xic", description=__doc__)
+    commands = parser.add_subparsers(required=True)
+    steps: dict[str, tuple[tuple[Callable, ...], str]] = {
+        "build": ((_train_limits, _train_split, _ship, _evaluate), "all of the below"),
+        "train-limits": ((_train_limits,), "train the network of peak limits"),
+        "train-split": ((_train_split,), "train the splitter, which starts from it"),
+        "ship": ((_ship,), "write graphs and contracts of a run"),
+        "evaluate": ((_evaluate,), "figures of shipped networks, as tables"),
+    }
+    for name, (functions, text) in steps.items():
+        command = commands.add_parser(name, help=text, description=text)
+        command.add_argument("data", type=Path, help="folder of the gzipped data files")
+        command.add_argument("run", type=Path, help="folder of a training run: weights")
+        command.add_argument("models", type=Path, help="folder of the graph files")
+        command.add_argument("--seed", type=int, default=recipe.SEED)
+        command.add_argument("--share", type=float, default=1.0, help="of the steps, for a trial")
+        command.add_argument("--threads", type=int, default=0, help="0: as TensorFlow likes")
+        command.add_argument("--openms", action="store_true", help="compare with pyopenms, too")
+        command.set_defaults(steps=functions)
+    return parser
+
+
+def _train_limits(options: argparse.Namespace, parts: Parts) -> None:
+    rng = np.random.default_rng(options.seed)
+    known = parts["training"]
+    batches = detector_batches(rng, RealTraces(known), Backgrounds(known))
+    trainer = Trainer(network.DETECTOR, options.seed)
+    _train(options, trainer, recipe.LIMITS_SCHEDULE, batches, ship.LIMITS)
+
+
+def _train_split(options: argparse.Namespace, parts: Parts) -> None:
+    rng = np.random.default_rng(options.seed)
+    known = parts["training"]
+    batches = splitter_batches(rng, RealNeighbours(known), Backgrounds(known))
+    start = network.splitter_start(dict(np.load(_weights(options, ship.LIMITS))))
+    trainer = Trainer(network.SPLITTER, options.seed, start)
+    _train(options, trainer, recipe.SPLIT_SCHEDULE, batches, ship.SPLIT)
+
+
+def _train(
+    options: argparse.Namespace,
+    trainer: Trainer,
+    schedule: recipe.Schedule,
+    batches: Iterator[Batch],
+    name: str,
+) -> None:
+    options.run.mkdir(parents=True, exist_ok=True)
+    steps = max(1, int(schedule.steps * options.share))
+    train(trainer, batches, steps, schedule.rate, _weights(options, name))
+
+
+def _weights(options: argparse.Namespace, name: str) -> Path:
+    return options.run / f"{name}.npz"
+
+
+def _ship(options: argparse.Namespace, parts: Parts) -> None:
+    options.models.mkdir(parents=True, exist_ok=True)
+    for name, write in ((ship.LIMITS, ship.ship_limits), (ship.SPLIT, ship.ship_split)):
+        write(dict(np.load(_weights(options, name))), options.models, parts)
+
+
+def _evaluate(options: argparse.Namespace, parts: Parts) -> None:
+    limits = options.models / f"{ship.LIMITS}.pb"
+    evaluate.report(evaluation_sets(parts), limits, recipe.LIMITS_OPTIONS, options.openms)
+    splitters = {
+        "network": evaluate_splits.network_splitter(
+            options.models / f"{ship.SPLIT}.pb", recipe.SPLIT_OPTIONS
+        ),
+        "Savitzky-Golay minima": evaluate_splits.minima_splitter,
+    }
+    evaluate_splits.report(ship.split_sets(parts), splitters)
+
+
+if __name__ == "__main__":
+    raise SystemExit(main())

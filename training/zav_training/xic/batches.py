@@ -1,0 +1,128 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Batches of examples, prepared as the library prepares a trace."""
+
+from collections.abc import Callable, Iterator
+from dataclasses import dataclass
+
+import numpy as np
+
+from zav_training.xic.examples import (
+    Backgrounds,
+    Example,
+    RealTraces,
+    mirrored,
+    simulated_example,
+)
+from zav_training.xic.pipeline import PADDING, LimitsOptions, gaussian_filter, prepare_rows
+from zav_training.xic.splits import RealNeighbours, simulated_split
+
+#: Points a trace, traces a batch, and how often.
+SHAPES = ((512, 32, 0.75), (1024, 16, 0.18), (2048, 8, 0.07))
+SIMULATED_SHARE = 0.6
+SPLIT_SIMULATED_SHARE = 0.7
+BACKGROUND_SHARE = 0.45
+#: Examples kept for each length, and the share of new ones from then on.
+POOLED, FRESH = 3000, 0.35
+
+
+@dataclass
+class Batch:
+    """x [B, n], targets and weights [B, n, heads], conventions [B, 2]."""
+
+    x: np.ndarray
+    targets: np.ndarray
+    weights: np.ndarray
+    told: np.ndarray
+
+
+def detector_batches(
+    rng: np.random.Generator, real: RealTraces, backgrounds: Backgrounds
+) -> Iterator[Batch]:
+    """Batches without end; every trace is padded with -1 and smoothed together with its padding."""
+    options = LimitsOptions()
+
+    def draw(points: int) -> Example:
+        if len(real) and rng.random() > SIMULATED_SHARE:
+            return crop(rng, real.draw(rng), points)
+        length = points if rng.random() < 0.4 else int(rng.integers(24, points + 1))
+        base = backgrounds.draw(rng, length) if rng.random() < BACKGROUND_SHARE else None
+        return simulated_example(rng, length, base)
+
+    kernel = gaussian_filter(options.gaussianFilterSize)
+    return _batches(rng, draw, kernel, PADDING)
+
+
+def splitter_batches(
+    rng: np.random.Generator, real: RealNeighbours, backgrounds: Backgrounds
+) -> Iterator[Batch]:
+    """Batches without end; every trace is padded with 0 and not smoothed."""
+
+    def draw(points: int) -> Example:
+        if len(real) and rng.random() > SPLIT_SIMULATED_SHARE:
+            return crop(rng, real.draw(rng), points)
+        length = points if rng.random() < 0.4 else int(rng.integers(12, points + 1))
+        base = backgrounds.draw(rng, length) if rng.random() < BACKGROUND_SHARE else None
+        return simulated_split(rng, length, base)
+
+    return _batches(rng, draw, None, 0.0)
+
+
+def _batches(
+    rng: np.random.Generator,
+    draw: Callable[[int], Example],
+    kernel: np.ndarray | None,
+    padding: float,
+) -> Iterator[Batch]:
+    share = [s[2] for s in SHAPES]
+    pools: dict[int, list[Example]] = {s[0]: [] for s in SHAPES}
+    while True:
+        points, count, _ = SHAPES[rng.choice(len(SHAPES), p=share)]
+        examples = [_reuse(rng, pools[points], draw, points) for _ in range(count)]
+        yield collate(examples, points, kernel, padding)
+
+
+def _reuse(
+    rng: np.random.Generator, pool: list[Example], draw: Callable[[int], Example], points: int
+) -> Example:
+    """A new example, which enters the pool, or one met before, mirrored: drawing is what costs."""
+    if len(pool) < POOLED or rng.random() < FRESH:
+        example = draw(points)
+        if len(pool) < POOLED:
+            pool.append(example)
+        else:
+            pool[rng.integers(POOLED)] = example
+        return example
+    return mirrored(pool[rng.integers(POOLED)])
+
+
+def crop(rng: np.random.Generator, example: Example, points: int) -> Example:
+    """At most the given number of points, around the middle of what counts most."""
+    n = len(example.intensity)
+    if n <= points:
+        return example
+    counted = np.flatnonzero(example.targets[0] > 0)
+    middle = int(np.median(counted)) if len(counted) else n // 2
+    first = int(np.clip(middle - rng.uniform(0.2, 0.8) * points, 0, n - points))
+    window = slice(first, first + points)
+    return Example(
+        example.intensity[window],
+        example.targets[:, window],
+        example.weights[:, window],
+        example.conventions,
+    )
+
+
+def collate(
+    examples: list[Example], points: int, kernel: np.ndarray | None, padding: float
+) -> Batch:
+    """Pads examples to one length and prepares them; what is padded does not count."""
+    count, heads = len(examples), examples[0].targets.shape[0]
+    x = np.full((count, points), padding)
+    targets = np.zeros((count, points, heads), np.float32)
+    weights = np.zeros((count, points, heads), np.float32)
+    for i, example in enumerate(examples):
+        n = len(example.intensity)
+        x[i, :n] = example.intensity
+        targets[i, :n], weights[i, :n] = example.targets.T, example.weights.T
+    told = np.stack([e.conventions for e in examples])
+    return Batch(prepare_rows(x, kernel), targets, weights, told)

@@ -1,0 +1,134 @@
+# SPDX-License-Identifier: Apache-2.0
+"""The graph files: network, what makes one probability of its outputs, frozen weights.
+
+A trace is fed as its blocks of 32 points, so that the one unknown dimension of the input leaves the
+length of the trace free, and a file serves every length that is a multiple of 32.
+"""
+
+from collections.abc import Callable
+from dataclasses import dataclass
+from pathlib import Path
+
+import numpy as np
+import tensorflow as tf
+
+from zav_training.graphs import INIT, Runner
+from zav_training.xic import network
+
+INPUT = "import/img"
+OUTPUT = "import/conv2d_19/Sigmoid"
+#: The shortest stretch that is computed; longer ones are twice, four times ... as long, so that few
+#: shapes occur and the runtime's prepared convolutions are met again.
+SHORTEST = 256
+#: Logit of a point behind the used ones.
+NOTHING = -30.0
+
+
+@dataclass(frozen=True)
+class LimitsRule:
+    """How the two outputs of the limits network become one probability.
+
+    A point counts as peak where its inside logit exceeds `inside` and its valley logit does not
+    exceed `valley`. `steepness` sharpens the probability about 0.5. Where a trace's best point
+    fails by up to `rescue`, the whole trace is lifted so that the best point reaches `lifted`.
+    """
+
+    told: tuple[float, float]
+    inside: float = 0.0
+    valley: float = 0.0
+    steepness: float = 2.0
+    rescue: float = 2.0
+    lifted: float = 0.7
+    opening: int = 3
+
+
+@dataclass(frozen=True)
+class SplitRule:
+    """How the splitter's output becomes a probability with one strict maximum a split."""
+
+    told: tuple[float, float]
+    bias: float = 0.0
+    apart: int = 5
+
+
+def limits_graph(weights: dict[str, np.ndarray], rule: LimitsRule) -> tf.Graph:
+    """Input [-1, 32, 1, 1], the blocks of one trace of n points; output [1, n] probabilities."""
+    graph = tf.Graph()
+    with graph.as_default():
+        x, used, short = _input(network.DETECTOR)
+        logits = network.logits(weights, short, used, _told(rule.told), network.DETECTOR)
+        inside = logits[:, :, 0] - rule.inside
+        joined = tf.minimum(inside, rule.valley - logits[:, :, 1])
+        _output(combine_limits(joined, used, rule), x)
+    return graph
+
+
+def combine_limits(joined: tf.Tensor, used: tf.Tensor, rule: LimitsRule) -> tf.Tensor:
+    """Final logits from joined ones [B, n]: short runs removed, empty traces given their best."""
+    points = tf.range(tf.shape(joined)[1])
+    joined = tf.where(points < used[:, None], joined, NOTHING)
+    opened = joined
+    for _ in range(rule.opening // 2):
+        opened = _extreme(opened, tf.minimum)
+    for _ in range(rule.opening // 2):
+        opened = _extreme(opened, tf.maximum)
+    best = tf.reduce_max(opened, 1, keepdims=True)
+    lift = tf.where(best > -rule.rescue, tf.nn.relu(rule.lifted - best), 0.0)
+    return rule.steepness * (opened + lift)
+
+
+def split_graph(weights: dict[str, np.ndarray], rule: SplitRule) -> tf.Graph:
+    """Input [-1, 32, 1, 1], the blocks of one trace of n points; output [1, n] probabilities."""
+    graph = tf.Graph()
+    with graph.as_default():
+        x, used, short = _input(network.SPLITTER)
+        logits = network.logits(weights, short, used, _told(rule.told), network.SPLITTER)
+        _output(combine_splits(logits[:, :, 0] + rule.bias, used, rule), x)
+    return graph
+
+
+def combine_splits(logits: tf.Tensor, used: tf.Tensor, rule: SplitRule) -> tf.Tensor:
+    """Lowers what is not the largest within a few points, so that each split is found once."""
+    points = tf.range(tf.shape(logits)[1])
+    logits = tf.where(points < used[:, None], logits, NOTHING)
+    largest = logits
+    for _ in range(rule.apart):
+        largest = _extreme(largest, tf.maximum)
+    return tf.where(logits >= largest, logits, tf.minimum(logits, 0.0) - 4.0)
+
+
+def _told(conventions: tuple[float, float]) -> tf.Tensor:
+    return tf.constant([conventions], tf.float32)
+
+
+def _input(size: network.Size) -> tuple[tf.Tensor, tf.Tensor, tf.Tensor]:
+    """The whole input [1, n], used points [1], and the stretch that is computed."""
+    image = tf.compat.v1.placeholder(tf.float32, [None, network.STRIDE, 1, 1], name=INPUT)
+    x = tf.reshape(image, [1, -1])
+    n = tf.size(image)
+    used = network.used_points(x, size.least)
+    blocks = tf.reduce_max(used) // SHORTEST
+    doubled = sum(tf.cast(blocks >= 2**i, tf.int32) * 2**i for i in range(8)) + 1
+    short = tf.slice(x, [0, 0], tf.stack([-1, tf.minimum(SHORTEST * doubled, n)]))
+    return x, used, short
+
+
+def _output(logits: tf.Tensor, x: tf.Tensor) -> None:
+    """Probabilities of all points, those that were not computed being 0."""
+    missing = tf.shape(x)[1] - tf.shape(logits)[1]
+    full = tf.pad(logits, tf.stack([[0, 0], tf.stack([0, missing])]), constant_values=NOTHING)
+    tf.sigmoid(full, name=OUTPUT)
+    tf.no_op(name=INIT)
+
+
+def _extreme(x: tf.Tensor, pick: object) -> tf.Tensor:
+    """Smallest or largest of each point and its two neighbours; the ends are repeated."""
+    left = tf.concat([x[:, :1], x[:, :-1]], 1)
+    right = tf.concat([x[:, 1:], x[:, -1:]], 1)
+    return pick(x, pick(left, right))
+
+
+def trace_runner(path: Path) -> Callable[[np.ndarray], np.ndarray]:
+    """Runs a graph file on one trace [1, n]."""
+    runner = Runner(path, INPUT, OUTPUT)
+    return lambda x: runner(x.reshape(-1, network.STRIDE, 1, 1))

@@ -1,0 +1,27 @@
+# SPDX-License-Identifier: Apache-2.0
+"""What was chosen: schedules, conventions told to the shipped networks, options that fit."""
+
+from dataclasses import dataclass
+
+from zav_training.xic.examples import conventions
+from zav_training.xic.graph import LimitsRule, SplitRule
+from zav_training.xic.pipeline import LimitsOptions, SplitOptions
+from zav_training.xic.simulate import VALLEY_DEPTH
+
+
+@dataclass(frozen=True)
+class Schedule:
+    """Steps of the training and its largest learning rate."""
+
+    steps: int
+    rate: float
+
+
+SEED = 4
+LIMITS_SCHEDULE = Schedule(12_000, 2e-3)
+SPLIT_SCHEDULE = Schedule(8_000, 2e-3)
+#: Peaks drawn 3.2 widths at half height wide; valleys of 30 % part them.
+LIMITS_RULE = LimitsRule(told=tuple(conventions(3.2, 0.3).tolist()), valley=1.0)
+SPLIT_RULE = SplitRule(told=tuple(conventions(3.7, VALLEY_DEPTH[0]).tolist()))
+LIMITS_OPTIONS = LimitsOptions()
+SPLIT_OPTIONS = SplitOptions()
