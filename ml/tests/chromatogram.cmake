@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 zav_add_test(ml_chromatogram_tests
     SOURCES
+        XicBaselineLimitsDetectorComparisonTest.cpp
+        XicBaselineLimitsDetectorHostileTest.cpp
         XicBaselineLimitsDetectorTest.cpp
         XicPeakSplitterTest.cpp
         XicPeakWalkTest.cpp
