@@ -10,8 +10,9 @@ from conftest import SMALL
 from zav_training import contract
 from zav_training.msms import __main__ as program
 from zav_training.msms import comparison, recipe, shipped, vocabulary
-from zav_training.msms.batches import epoch, loss_factors
+from zav_training.msms.batches import epoch, hide_sources, loss_factors
 from zav_training.msms.network import Network
+from zav_training.msms.sources import GENERIC, SOURCES, TYPICAL, TYPICAL_MEAN
 from zav_training.msms.spectra import Spectrum, read_all
 from zav_training.msms.training import Schedule, Trainer, load, train
 
@@ -46,13 +47,29 @@ def test_learning_rate_warms_up_and_ends_at_zero() -> None:
 
 def test_epoch_gives_each_spectrum_at_most_once(spectra: list[Spectrum]) -> None:
     weights = np.ones(len(spectra), np.float32)
-    batches = list(epoch(spectra, weights, 16, 0.0, np.random.default_rng(1)))
+    batches = list(epoch(spectra, weights, 16, np.random.default_rng(1)))
     peptides = np.concatenate([b.length for b in batches])
     assert len(spectra) - 2 * 16 <= len(peptides) <= len(spectra)
     keys = {tuple(row[row > 0]) for b in batches for row in b.residues}
     assert keys <= {tuple(vocabulary.encode(s.peptide)) for s in spectra}
     assert len(keys) == len(peptides)  # the random peptides are all different
     assert all(b.mask.shape == b.observed.shape == (*b.residues.shape, 11) for b in batches)
+
+
+def test_only_orbitrap_sources_become_typical() -> None:
+    source = np.arange(len(SOURCES)).repeat(1000)
+    hidden = hide_sources(source, 0.2, 0.5, np.random.default_rng(1))
+    for index, one in enumerate(SOURCES):
+        own = hidden[source == index]
+        assert abs(np.mean(own == GENERIC) - 0.2) < 0.05  # 4 standard deviations of 1000 draws
+        assert abs(np.mean(own == TYPICAL_MEAN) - 0.5 * one.orbitrap) < 0.06
+
+
+def test_typical_condition_is_the_mean_of_its_sources(network: Network) -> None:
+    charge = np.array([2, 2, 2], np.int32)
+    each = network.condition(charge, np.array(TYPICAL, np.int32)).numpy()
+    typical = network.typical_condition(charge).numpy()
+    assert np.allclose(typical[0], each.mean(0), atol=1e-6)
 
 
 def test_loss_factors_multiply() -> None:

@@ -7,7 +7,7 @@ from dataclasses import dataclass
 import numpy as np
 
 from zav_training.msms import ladder, vocabulary
-from zav_training.msms.sources import GENERIC, SOURCES
+from zav_training.msms.sources import GENERIC, SOURCES, TYPICAL_MEAN
 from zav_training.msms.spectra import Spectrum
 
 #: Batches are cut from this many spectra at a time, sorted by length: little padding, much chance.
@@ -70,14 +70,23 @@ def loss_factors(
     )
 
 
+def hide_sources(
+    source: np.ndarray, generic: float, typical: float, random: np.random.Generator
+) -> np.ndarray:
+    """Replaces some sources [B]: a share of all by GENERIC, of the Orbitrap ones by TYPICAL_MEAN.
+
+    The second is what an exported network is given, so that it is trained for that as well.
+    """
+    orbitrap = np.array([s.orbitrap for s in SOURCES])[source]
+    draw = random.random(source.shape)
+    hidden = np.where(draw < generic, GENERIC, source)
+    return np.where(orbitrap & (draw >= 1.0 - typical), TYPICAL_MEAN, hidden).astype(np.int32)
+
+
 def epoch(
-    spectra: list[Spectrum],
-    weights: np.ndarray,
-    size: int,
-    generic_rate: float,
-    random: np.random.Generator,
+    spectra: list[Spectrum], weights: np.ndarray, size: int, random: np.random.Generator
 ) -> Iterator[Batch]:
-    """One pass in a random order, full batches only; some sources are replaced by GENERIC."""
+    """One pass in a random order, full batches only."""
     order = random.permutation(len(spectra))
     pool = size * BATCHES_IN_POOL
     groups = []
@@ -86,7 +95,4 @@ def epoch(
         groups += [part[i : i + size] for i in range(0, len(part) - size + 1, size)]
     for index in random.permutation(len(groups)):
         chosen = groups[index]
-        batch = make_batch([spectra[i] for i in chosen], weights[chosen])
-        generic = random.random(size) < generic_rate
-        batch.source = np.where(generic, GENERIC, batch.source).astype(np.int32)
-        yield batch
+        yield make_batch([spectra[i] for i in chosen], weights[chosen])

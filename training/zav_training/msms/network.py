@@ -11,7 +11,7 @@ import numpy as np
 import tensorflow as tf
 
 from zav_training.msms import features, ladder, vocabulary
-from zav_training.msms.sources import SOURCES, TYPICAL
+from zav_training.msms.sources import SOURCES, TYPICAL, TYPICAL_MEAN
 
 #: Counts of residues left and right of a bond are divided by this, to be of the order of 1.
 COUNT_SCALE = 8.0
@@ -82,16 +82,19 @@ class Network(tf.Module):
         self._add(f"{name}/b", (outputs,), 0.0)
 
     def condition(self, charge: tf.Tensor, source: tf.Tensor) -> tf.Tensor:
-        """The condition vector of each peptide, [B, 2 * condition]."""
+        """The condition vector of each peptide, [B, 2 * condition].
+
+        A source is an index into SOURCES, GENERIC, or TYPICAL_MEAN, which is no embedding of its
+        own but the mean of the typical sources'.
+        """
         w = self.weights
-        return tf.concat([tf.gather(w["charge"], charge), tf.gather(w["source"], source)], 1)
+        mean = tf.reduce_mean(tf.gather(w["source"], list(TYPICAL)), 0, keepdims=True)
+        sources = tf.concat([w["source"], mean], 0)
+        return tf.concat([tf.gather(w["charge"], charge), tf.gather(sources, source)], 1)
 
     def typical_condition(self, charge: tf.Tensor) -> tf.Tensor:
-        """The condition vector of the mean of the typical sources, [B, 2 * condition]."""
-        w = self.weights
-        source = tf.reduce_mean(tf.gather(w["source"], list(TYPICAL)), 0)
-        rows = tf.ones_like(charge, dtype=source.dtype)[:, None]
-        return tf.concat([tf.gather(w["charge"], charge), rows * source], 1)
+        """The condition vector that exported networks have, [B, 2 * condition]."""
+        return self.condition(charge, tf.fill(tf.shape(charge), TYPICAL_MEAN))
 
     def film(self, name: str, condition: tf.Tensor) -> tuple[tf.Tensor, tf.Tensor]:
         """Scale and shift of each channel, both [B, channels]."""

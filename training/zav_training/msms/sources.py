@@ -102,6 +102,8 @@ SOURCES = (
 FILES = tuple(dict.fromkeys(source.file for source in SOURCES))
 #: Stands for an unknown source; it replaces the true one now and then in training.
 GENERIC = len(SOURCES)
+#: Stands for the mean of the typical sources.
+TYPICAL_MEAN = GENERIC + 1
 #: The sources whose mean the shipped networks imitate.
 TYPICAL = tuple(
     i

@@ -11,7 +11,7 @@ from pathlib import Path
 import numpy as np
 import tensorflow as tf
 
-from zav_training.msms.batches import Batch, epoch, loss_factors
+from zav_training.msms.batches import Batch, epoch, hide_sources, loss_factors
 from zav_training.msms.loss import spectrum_loss
 from zav_training.msms.network import Network, Shape
 from zav_training.msms.spectra import Spectrum
@@ -32,6 +32,7 @@ class Schedule:
     average       rate of the exponential moving average of the weights
     batch         spectra in a batch
     generic       share of the spectra whose source is hidden
+    typical       share of the Orbitrap spectra whose source is given as the mean of the typical
     noise_scale   factor of the noise level of absent slots: less is a stronger penalty on them
     boosts        factor of the loss by precursor charge
     orbitrap      factor of the loss of the sources that the shipped networks imitate
@@ -45,6 +46,7 @@ class Schedule:
     average: float = 0.999
     batch: int = 64
     generic: float = 0.2
+    typical: float = 0.0
     noise_scale: float = 1.0
     boosts: dict[int, float] = field(default_factory=dict)
     orbitrap: float = 1.0
@@ -164,7 +166,10 @@ def train(
     index, start, losses = 0, time.monotonic(), []
     with (folder / "log.tsv").open("a") as log:
         while index < steps:
-            for batch in epoch(spectra, factors, schedule.batch, schedule.generic, random):
+            for batch in epoch(spectra, factors, schedule.batch, random):
+                batch.source = hide_sources(
+                    batch.source, schedule.generic, schedule.typical, random
+                )
                 losses.append(float(trainer.step(batch, index)))
                 index += 1
                 if index >= steps:
