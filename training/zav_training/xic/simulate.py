@@ -183,7 +183,8 @@ def _join(regions: list[Region], region: Region, valleys: list[float]) -> None:
         last.end, region.start = between[0], between[0]
         regions.append(region)
         return
-    last.start, last.end = min(last.start, region.start), max(last.end, region.end)
+    free = regions[-2].end if len(regions) > 1 else -np.inf
+    last.start, last.end = max(min(last.start, region.start), free), max(last.end, region.end)
     last.apexes += region.apexes
     last.evidence = max(last.evidence, region.evidence)
     last.height = max(last.height, region.height)

@@ -119,4 +119,4 @@ def deepest_valley(y: np.ndarray) -> float:
     left = np.maximum.accumulate(y)
     right = np.maximum.accumulate(y[::-1])[::-1]
     lower = np.minimum(left, right)
-    return float(np.max(1.0 - y / np.maximum(lower, 1e-12)))
+    return float(np.max(np.where(lower > 0, 1.0 - y / np.maximum(lower, 1e-12), 0.0)))

@@ -1,0 +1,124 @@
+# SPDX-License-Identifier: Apache-2.0
+from collections.abc import Callable
+
+import numpy as np
+import pytest
+import tensorflow as tf
+
+from zav_training import graphs
+from zav_training.xic import graph, network
+from zav_training.xic.graph import LimitsRule, SplitRule
+from zav_training.xic.pipeline import LimitsOptions, SplitOptions, limits_input, split_input
+
+#: Float arithmetic in another order: the two differ by a few units in the seventh digit.
+FLOAT_TOLERANCE = 1e-5
+TOLD = (0.1, 0.4)
+Run = Callable[[np.ndarray], np.ndarray]
+
+
+@pytest.fixture(scope="module")
+def weights() -> dict[str, np.ndarray]:
+    return network.initial_weights(network.DETECTOR, 3)
+
+
+@pytest.fixture(scope="module")
+def limits(weights: dict[str, np.ndarray], tmp_path_factory: pytest.TempPathFactory) -> Run:
+    path = tmp_path_factory.mktemp("graphs") / "xic_limits.pb"
+    graphs.write_graph(graph.limits_graph(weights, LimitsRule(TOLD)), path)
+    return graph.trace_runner(path)
+
+
+@pytest.fixture(scope="module")
+def splitter(weights: dict[str, np.ndarray], tmp_path_factory: pytest.TempPathFactory) -> Run:
+    path = tmp_path_factory.mktemp("graphs") / "xic_split.pb"
+    start = network.splitter_start(weights)
+    graphs.write_graph(graph.split_graph(start, SplitRule(TOLD)), path)
+    return graph.trace_runner(path)
+
+
+def some_trace(points: int) -> np.ndarray:
+    rng = np.random.default_rng(points)
+    t = np.arange(points)
+    return 1e4 * np.exp(-0.5 * ((t - points / 2) / 6.0) ** 2) + rng.uniform(50.0, 90.0, points)
+
+
+@pytest.mark.parametrize("length", [32, 224, 512, 1056, 4096])
+def test_every_multiple_of_32_gives_as_many_values(limits: Run, splitter: Run, length: int) -> None:
+    x = limits_input(some_trace(30), LimitsOptions(maxPointCount=length))[None]
+    for run in (limits, splitter):
+        y = run(x)
+        assert y.shape == (1, length)
+        assert np.all((y >= 0.0) & (y <= 1.0))
+
+
+@pytest.mark.parametrize("points", [20, 200, 255, 256, 257, 700])
+def test_length_of_the_padding_changes_nothing(limits: Run, splitter: Run, points: int) -> None:
+    y = some_trace(points)
+    for run, prepare, options in (
+        (limits, limits_input, LimitsOptions),
+        (splitter, split_input, SplitOptions),
+    ):
+        short = run(prepare(y, options(maxPointCount=1024))[None])[0, :points]
+        long = run(prepare(y, options(maxPointCount=4096))[None])[0, :points]
+        assert long == pytest.approx(short, abs=FLOAT_TOLERANCE)
+
+
+def test_file_gives_what_training_computes(weights: dict[str, np.ndarray], limits: Run) -> None:
+    x = limits_input(some_trace(300), LimitsOptions())[None]
+    used = network.used_points(tf.constant(x))
+    told = tf.constant([TOLD])
+    logits = network.logits(weights, tf.constant(x), used, told, network.DETECTOR)
+    rule = LimitsRule(TOLD)
+    joined = tf.minimum(logits[:, :, 0] - rule.inside, rule.valley - logits[:, :, 1])
+    expected = tf.sigmoid(graph.combine_limits(joined, used, rule)).numpy()
+    assert limits(x) == pytest.approx(expected, abs=FLOAT_TOLERANCE)
+
+
+@pytest.mark.parametrize("fill", [0.0, -1.0, -np.inf, 1.0])
+def test_traces_without_a_shape_give_numbers(limits: Run, splitter: Run, fill: float) -> None:
+    x = np.full((1, 512), fill, np.float32)
+    for run in (limits, splitter):
+        assert np.all(np.isfinite(run(x)))
+
+
+def combined(logits: list[float], rule: LimitsRule) -> np.ndarray:
+    row = tf.constant([logits], tf.float32)
+    return graph.combine_limits(row, tf.constant([len(logits)]), rule).numpy()[0]
+
+
+def test_runs_of_one_and_two_points_disappear() -> None:
+    rule = LimitsRule(TOLD, rescue=0.0)
+    row = [-4, 3, -4, -4, 3, 3, -4, -4, 3, 3, 3, -4]
+    assert np.flatnonzero(combined(row, rule) > 0).tolist() == [8, 9, 10]
+
+
+def test_best_of_a_trace_that_fails_by_little_is_lifted() -> None:
+    rule = LimitsRule(TOLD, rescue=2.0, lifted=0.5)
+    row = [-9, -1, -1, -1, -9, -1.8, -1.8, -1.8, -9]
+    assert np.flatnonzero(combined(row, rule) > 0).tolist() == [1, 2, 3]
+
+
+def test_trace_that_fails_by_much_stays_empty() -> None:
+    rule = LimitsRule(TOLD, rescue=2.0)
+    assert np.all(combined([-9, -3, -3, -3, -9], rule) < 0)
+
+
+def test_nothing_is_found_behind_the_used_points() -> None:
+    row = tf.constant([[3.0] * 8])
+    found = graph.combine_limits(row, tf.constant([5]), LimitsRule(TOLD)).numpy()[0]
+    assert np.flatnonzero(found > 0).tolist() == [0, 1, 2, 3, 4]
+
+
+def test_split_is_one_strict_maximum() -> None:
+    row = tf.constant([[0.0, 1.0, 2.0, 1.5, 1.8, 0.0, -3.0, -3.0, -3.0, -3.0, 2.5, 0.0]])
+    found = graph.combine_splits(row, tf.constant([12]), SplitRule(TOLD, apart=3)).numpy()[0]
+    assert np.flatnonzero(found > 0).tolist() == [2, 10]
+
+
+def test_splitter_starts_from_the_valleys(weights: dict[str, np.ndarray]) -> None:
+    x = tf.constant(limits_input(some_trace(96), LimitsOptions(maxPointCount=96))[None])
+    used, told = network.used_points(x), tf.constant([TOLD])
+    both = network.logits(weights, x, used, told, network.DETECTOR)
+    start = network.splitter_start(weights)
+    one = network.logits(start, x, used, told, network.SPLITTER)
+    assert one.numpy()[0, :, 0] == pytest.approx(both.numpy()[0, :, 1], abs=FLOAT_TOLERANCE)

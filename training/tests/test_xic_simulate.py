@@ -1,0 +1,98 @@
+# SPDX-License-Identifier: Apache-2.0
+from itertools import pairwise
+
+import numpy as np
+import pytest
+
+from zav_training.xic import shapes, simulate, splits
+from zav_training.xic.evaluate_splits import clusters
+
+#: Grid of the shapes, in their widths.
+STEP = shapes.GRID[1] - shapes.GRID[0]
+
+
+def gaussian(apex: float, sigma: float, height: float = 1.0) -> shapes.Peak:
+    rng = np.random.default_rng(0)
+    peak = shapes.draw_peak(rng, apex, sigma, height)
+    shape = np.exp(-0.5 * shapes.GRID**2)
+    peak.offset, peak.shape = shapes.GRID * sigma, shape
+    peak.half_width, peak.foot = 2.3548 * sigma, (3.0349 * sigma, 3.0349 * sigma)
+    return peak
+
+
+def border(distance: float, heights: tuple[float, float] = (1.0, 1.0)) -> simulate.Border:
+    peaks = [gaussian(50.0, 5.0, heights[0]), gaussian(50.0 + distance, 5.0, heights[1])]
+    t = np.arange(150.0)
+    curves = [p.height * p.curve(t) for p in peaks]
+    return simulate.find_borders(peaks, np.sum(curves, axis=0), curves)[0]
+
+
+@pytest.mark.parametrize("ratio", [0.1, 0.5, 1.0, 3.0])
+def test_modified_gaussian_is_the_convolution_with_a_decay(ratio: float) -> None:
+    decay = np.exp(-np.arange(0.0, 40.0, STEP) / ratio)
+    expected = np.convolve(np.exp(-0.5 * shapes.GRID**2), decay)[: len(shapes.GRID)]
+    found = shapes.exponentially_modified(ratio)
+    # the sum over the grid stands for the integral: exact to a part of the step over the decay
+    assert found / found.max() == pytest.approx(expected / expected.max(), abs=STEP / ratio)
+
+
+def test_gaussian_is_drawn_the_asked_widths_wide() -> None:
+    left, right = gaussian(0.0, 5.0).limits(4.0, simulate.GAUSSIAN_FOOT)
+    assert right - left == pytest.approx(4.0 * 2.3548 * 5.0, rel=1e-3)
+    assert left == pytest.approx(-right)
+
+
+def test_two_gaussians_fall_between_them_as_far_as_they_should() -> None:
+    # midway between equal Gaussians d apart the sum is 2 exp(-d^2 / 8 sigma^2)
+    found = border(20.0)
+    assert found.place == 60.0
+    assert found.fall == pytest.approx(1.0 - 2.0 * np.exp(-2.0) / (1.0 + np.exp(-8.0)), abs=1e-3)
+    assert found.resolution == pytest.approx(20.0 / (2.3548 * 5.0), rel=1e-3)
+
+
+def test_shoulder_lies_where_the_curves_cross() -> None:
+    found = border(12.0, (1.0, 0.25))
+    assert found.fall < simulate.SHOULDER
+    # equal sigma: the curves cross at d / 2 + sigma^2 ln(h1 / h2) / d
+    assert found.place == pytest.approx(50.0 + 6.0 + 25.0 * np.log(4.0) / 12.0, abs=0.51)
+
+
+def test_valley_counts_from_the_asked_depth_on() -> None:
+    found = border(20.0)
+    trace = simulate.Simulated(np.zeros(150), [], [found], 3.0, found.fall + 0.01, [], 0.0)
+    assert trace.valleys() == []
+    trace.valley_depth = found.fall - 0.01
+    assert trace.valleys() == [found.place]
+
+
+def test_clean_valley_is_to_be_split_and_drowned_one_is_not() -> None:
+    assert splits.grade(border(20.0), 1e-4) == 1.0
+    assert splits.grade(border(20.0), 10.0) == 0.0
+
+
+def test_peaks_too_close_to_tell_are_not_split() -> None:
+    assert splits.grade(border(6.0), 1e-6) == 0.0
+
+
+def test_regions_are_ordered_and_apart() -> None:
+    rng = np.random.default_rng(5)
+    for _ in range(100):
+        regions = simulate.simulate(rng, 300).regions
+        for a, b in pairwise(regions):
+            assert a.start <= a.end <= b.start + 1e-9
+
+
+def test_intensities_are_finite_and_not_negative() -> None:
+    rng = np.random.default_rng(6)
+    for length in (24, 100, 512):
+        for _ in range(60):
+            y = simulate.simulate(rng, length).intensity
+            assert y.shape == (length,)
+            assert np.all(np.isfinite(y)) and np.all(y >= 0.0)
+
+
+def test_seed_fixes_the_clusters() -> None:
+    first, second = clusters(101, 5), clusters(101, 5)
+    for a, b in zip(first, second, strict=True):
+        assert np.array_equal(a.intensity, b.intensity)
+        assert a.due == b.due
