@@ -12,7 +12,7 @@ from zav_training.msms import __main__ as program
 from zav_training.msms import comparison, recipe, shipped, vocabulary
 from zav_training.msms.batches import epoch, hide_sources, loss_factors
 from zav_training.msms.network import Network
-from zav_training.msms.sources import GENERIC, SOURCES, TYPICAL, TYPICAL_MEAN
+from zav_training.msms.sources import GENERIC, SOURCES, SUPPORT, TYPICAL, TYPICAL_MEAN
 from zav_training.msms.spectra import Spectrum, read_all
 from zav_training.msms.training import Schedule, Trainer, load, train
 
@@ -66,10 +66,20 @@ def test_only_orbitrap_sources_become_typical() -> None:
 
 
 def test_typical_condition_is_the_mean_of_its_sources(network: Network) -> None:
-    charge = np.array([2, 2, 2], np.int32)
+    charge = np.full(len(TYPICAL), 2, np.int32)
     each = network.condition(charge, np.array(TYPICAL, np.int32)).numpy()
-    typical = network.typical_condition(charge).numpy()
-    assert np.allclose(typical[0], each.mean(0), atol=1e-6)
+    (mean,) = network.condition(charge[:1], np.array([TYPICAL_MEAN], np.int32)).numpy()
+    assert np.allclose(mean, each.mean(0), atol=1e-6)
+
+
+@pytest.mark.parametrize("charge, sources", [(2, TYPICAL), (5, TYPICAL + SUPPORT)])
+def test_shipped_condition_is_that_of_its_charge(
+    network: Network, charge: int, sources: tuple[int, ...]
+) -> None:
+    charges = np.full(len(sources), charge, np.int32)
+    each = network.condition(charges, np.array(sources, np.int32)).numpy()
+    (shipped_one,) = network.shipped_condition(charges[:1]).numpy()
+    assert np.allclose(shipped_one, each.mean(0), atol=1e-6)
 
 
 def test_loss_factors_multiply() -> None:

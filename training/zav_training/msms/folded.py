@@ -51,9 +51,9 @@ class Folded:
 
 
 def fold(network: Network, charge: int) -> Folded:
-    """Folds charge and the typical source into the weights."""
+    """Folds charge and the shipped source into the weights."""
     w = {name: variable.numpy() for name, variable in network.weights.items()}
-    condition = network.typical_condition(tf.constant([charge]))
+    condition = network.shipped_condition(tf.constant([charge]))
 
     def film(name: str) -> tuple[np.ndarray, np.ndarray]:
         scale, shift = network.film(name, condition)

@@ -11,7 +11,7 @@ import numpy as np
 import tensorflow as tf
 
 from zav_training.msms import features, ladder, vocabulary
-from zav_training.msms.sources import SOURCES, TYPICAL, TYPICAL_MEAN
+from zav_training.msms.sources import SOURCES, TYPICAL, shipped_sources
 
 #: Counts of residues left and right of a bond are divided by this, to be of the order of 1.
 COUNT_SCALE = 8.0
@@ -92,9 +92,11 @@ class Network(tf.Module):
         sources = tf.concat([w["source"], mean], 0)
         return tf.concat([tf.gather(w["charge"], charge), tf.gather(sources, source)], 1)
 
-    def typical_condition(self, charge: tf.Tensor) -> tf.Tensor:
+    def shipped_condition(self, charge: tf.Tensor) -> tf.Tensor:
         """The condition vector that exported networks have, [B, 2 * condition]."""
-        return self.condition(charge, tf.fill(tf.shape(charge), TYPICAL_MEAN))
+        w = self.weights
+        sources = tf.constant(shipped_sources()) @ w["source"][: len(SOURCES)]
+        return tf.concat([tf.gather(w["charge"], charge), tf.gather(sources, charge)], 1)
 
     def film(self, name: str, condition: tf.Tensor) -> tuple[tf.Tensor, tf.Tensor]:
         """Scale and shift of each channel, both [B, channels]."""
@@ -112,7 +114,7 @@ class Network(tf.Module):
         """Logits in sites, [B, n, 11]; the row of the last residue and those beyond mean nothing.
 
         residues int32 [B, n], columns of the vocabulary, 0 beyond a peptide; length and charge
-        int32 [B]; condition as `condition` or `typical_condition` gives it.
+        int32 [B]; condition as `condition` or `shipped_condition` gives it.
         """
         rows = tf.shape(residues)[1]
         one_hot = tf.one_hot(residues, vocabulary.WIDTH)[:, :, 1:]

@@ -34,7 +34,7 @@ def _batches(spectra: list[Spectrum]) -> Iterator[list[int]]:
 def predict(network: Network, spectra: list[Spectrum], true_source: bool) -> list[np.ndarray]:
     """Intensities in sites of every spectrum's precursor, before the cut.
 
-    With its true source, or as the exported networks do, with the typical one.
+    With its true source, or as the exported networks do, with the shipped one.
     """
     out: list[np.ndarray] = [np.empty(0)] * len(spectra)
     for indices in _batches(spectra):
@@ -43,7 +43,7 @@ def predict(network: Network, spectra: list[Spectrum], true_source: bool) -> lis
         condition = (
             network.condition(charge, tf.constant(batch.source))
             if true_source
-            else network.typical_condition(charge)
+            else network.shipped_condition(charge)
         )
         logits = network(
             tf.constant(batch.residues), tf.constant(batch.length), charge, condition
@@ -54,9 +54,9 @@ def predict(network: Network, spectra: list[Spectrum], true_source: bool) -> lis
 
 
 def report_line(network: Network, spectra: list[Spectrum]) -> str:
-    """Angle/correlation on held-out spectra with the typical and the true source, for the log."""
+    """Angle/correlation on held-out spectra with the shipped and the true source, for the log."""
     parts = []
-    for label, true_source in (("typical", False), ("true", True)):
+    for label, true_source in (("shipped", False), ("true", True)):
         predictions = [apply_cut(p) for p in predict(network, spectra, true_source)]
         scores = [score(s, p) for s, p in zip(spectra, predictions, strict=True)]
         parts.append(f"{label}: {_figures(summarise(spectra, scores))}")

@@ -11,6 +11,7 @@ from dataclasses import dataclass
 import numpy as np
 
 from zav_training.msms import ladder
+from zav_training.msms.vocabulary import MAX_LENGTH
 
 
 @dataclass(frozen=True)
@@ -104,12 +105,26 @@ FILES = tuple(dict.fromkeys(source.file for source in SOURCES))
 GENERIC = len(SOURCES)
 #: Stands for the mean of the typical sources.
 TYPICAL_MEAN = GENERIC + 1
+
+
+def _indices(*names: str) -> tuple[int, ...]:
+    return tuple(index for index, s in enumerate(SOURCES) if s.name in names)
+
+
 #: The sources whose mean the shipped networks imitate.
-TYPICAL = tuple(
-    i
-    for i, s in enumerate(SOURCES)
-    if s.name in ("peaks_synthetic", "peaks_searched", "annotated_velos")
-)
+TYPICAL = _indices("annotated_velos", "peaks_synthetic", "peaks_searched")
+#: At the charges of which those have next to no spectra, an Orbitrap library stands in as well.
+SUPPORT = _indices("library_RPE1_DDA")
+THIN_CHARGES = (1, 4, 5)
+
+
+def shipped_sources() -> np.ndarray:
+    """Share of each source in what the network of a charge imitates, float32 [6, sources]."""
+    shares = np.zeros((max(MAX_LENGTH) + 1, len(SOURCES)), dtype=np.float32)
+    for charge in MAX_LENGTH:
+        chosen = list(TYPICAL + SUPPORT if charge in THIN_CHARGES else TYPICAL)
+        shares[charge, chosen] = 1.0 / len(chosen)
+    return shares
 
 
 def source_of(file: str, text: str) -> int:
