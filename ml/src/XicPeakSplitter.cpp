@@ -57,8 +57,9 @@ std::vector<int> findPeakIndices(const std::vector<float> &values)
 {
     if (values.empty())
         return {};
-    std::vector<float> padded(values.size() + 2, 0.0F);
-    std::copy(values.cbegin(), values.cend(), padded.begin() + 1);
+    std::vector<float> padded = {0.0F};
+    padded.insert(padded.end(), values.cbegin(), values.cend());
+    padded.push_back(0.0F);
     const int last = static_cast<int>(padded.size()) - 1;
     std::vector<int> indices;
     for (int j = 0; j <= last; ++j) {
