@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <vector>
 
 namespace zav {
 namespace {
@@ -212,46 +213,47 @@ TEST(FloorAndCeiling, RefusesAnEmptyVectorAndANegativeCount)
     EXPECT_EQ("Negative minimum point count -1", negative.error().message());
 }
 
-QList<int> nearest(const std::vector<double> &values, double cutoff, int count)
+std::vector<int> nearest(const std::vector<double> &values, double cutoff, int count)
 {
-    return EigenUtilities::returnIndexNearestToCutoffF(vectorOf(values).transpose(), cutoff, count);
+    const QList<int> indices = EigenUtilities::returnIndexNearestToCutoffF(vectorOf(values).transpose(), cutoff, count);
+    return {indices.begin(), indices.end()};
 }
 
 TEST(NearestToCutoff, NearestComesFirst)
 {
-    EXPECT_EQ(QList<int>({3, 1, 4}), nearest({0.1, 0.9, 0.5, 0.95, 0.8}, 1.0, 3));
-    EXPECT_EQ(QList<int>({2, 0}), nearest({-1.0, 5.0, 0.5}, 0.25, 2));
+    EXPECT_EQ(std::vector<int>({3, 1, 4}), nearest({0.1, 0.9, 0.5, 0.95, 0.8}, 1.0, 3));
+    EXPECT_EQ(std::vector<int>({2, 0}), nearest({-1.0, 5.0, 0.5}, 0.25, 2));
 }
 
 TEST(NearestToCutoff, OfEquallyNearValuesTheLowerIndexComesFirst)
 {
-    EXPECT_EQ(QList<int>({0, 1, 2}), nearest({0.75, 1.25, 0.75, 1.25}, 1.0, 3)) << "above and below alike";
+    EXPECT_EQ(std::vector<int>({0, 1, 2}), nearest({0.75, 1.25, 0.75, 1.25}, 1.0, 3)) << "above and below alike";
 }
 
 TEST(NearestToCutoff, ExactZerosAreNeverReturned)
 {
-    EXPECT_EQ(QList<int>({2}), nearest({0.0, -0.0, 0.6, 0.0}, 1.0, 4));
-    EXPECT_EQ(QList<int>(), nearest({0.0, 0.0}, 0.0, 4)) << "not even when the cutoff is zero";
-    EXPECT_EQ(QList<int>({1}), nearest({0.0, 1e-300}, 1.0, 4)) << "smallest numbers are values";
+    EXPECT_EQ(std::vector<int>({2}), nearest({0.0, -0.0, 0.6, 0.0}, 1.0, 4));
+    EXPECT_EQ(std::vector<int>(), nearest({0.0, 0.0}, 0.0, 4)) << "not even when the cutoff is zero";
+    EXPECT_EQ(std::vector<int>({1}), nearest({0.0, 1e-300}, 1.0, 4)) << "smallest numbers are values";
 }
 
 TEST(NearestToCutoff, FewerValuesThanAskedForAreAllReturned)
 {
-    EXPECT_EQ(QList<int>({1, 0}), nearest({0.3, 0.9}, 1.0, 4));
-    EXPECT_EQ(QList<int>(), nearest({}, 1.0, 4));
+    EXPECT_EQ(std::vector<int>({1, 0}), nearest({0.3, 0.9}, 1.0, 4));
+    EXPECT_EQ(std::vector<int>(), nearest({}, 1.0, 4));
 }
 
 TEST(NearestToCutoff, CountOfZeroOrLessReturnsNothing)
 {
     for (const int count : {0, -1, std::numeric_limits<int>::min()})
-        EXPECT_EQ(QList<int>(), nearest({0.3, 0.9}, 1.0, count));
+        EXPECT_EQ(std::vector<int>(), nearest({0.3, 0.9}, 1.0, count));
     EXPECT_EQ(2, nearest({0.3, 0.9}, 1.0, std::numeric_limits<int>::max()).size());
 }
 
 TEST(NearestToCutoff, NaNIsNeverReturnedAndInfinityLast)
 {
-    EXPECT_EQ(QList<int>({2, 1}), nearest({NOT_A_NUMBER, INFINITE, 0.1}, 1.0, 4));
-    EXPECT_EQ(QList<int>(), nearest({0.1, 0.2}, NOT_A_NUMBER, 4));
+    EXPECT_EQ(std::vector<int>({2, 1}), nearest({NOT_A_NUMBER, INFINITE, 0.1}, 1.0, 4));
+    EXPECT_EQ(std::vector<int>(), nearest({0.1, 0.2}, NOT_A_NUMBER, 4));
 }
 
 TEST(NearestToCutoff, AgreesWithAStableSortOnRandomValues)
@@ -263,13 +265,13 @@ TEST(NearestToCutoff, AgreesWithAStableSortOnRandomValues)
             value = std::uniform_int_distribution(0, 8)(random) / 8.0; // exact in binary: ties and zeros
         const int count = std::uniform_int_distribution(0, 35)(random);
 
-        QList<int> expected;
+        std::vector<int> expected;
         for (int i = 0; i < static_cast<int>(values.size()); ++i)
             if (values[static_cast<std::size_t>(i)] != 0.0)
-                expected.append(i);
+                expected.push_back(i);
         const auto distance = [&](int i) { return std::abs(values[static_cast<std::size_t>(i)] - 0.625); };
         std::stable_sort(expected.begin(), expected.end(), [&](int a, int b) { return distance(a) < distance(b); });
-        expected.resize(std::min<qsizetype>(expected.size(), count));
+        expected.resize(std::min(expected.size(), static_cast<std::size_t>(count)));
         ASSERT_EQ(expected, nearest(values, 0.625, count)) << "round " << round;
     }
 }
