@@ -20,7 +20,7 @@ QColor ionColor(QChar ionType)
 QColor lighterIonColor(QChar ionType)
 {
     const QColor full = ionColor(ionType);
-    const auto lighter = [](int channel) { return channel + (255 - channel) * 45 / 100; };
+    const auto lighter = [](int channel) { return qRound(channel + 0.45 * (255 - channel)); };
     return QColor(lighter(full.red()), lighter(full.green()), lighter(full.blue()));
 }
 

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumPlot.h"
 
+#include "PlotStyle.h"
 #include "SpectrumFigure.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QMarginsF>
 #include <QtCore/QSaveFile>
-#include <QtGui/QFontDatabase>
+#include <QtGui/QFontMetricsF>
 #include <QtGui/QImage>
 #include <QtGui/QPageSize>
 #include <QtGui/QPainter>
 #include <QtGui/QPdfWriter>
 #include <QtSvg/QSvgGenerator>
-
-#include <algorithm>
 
 namespace zav {
 
@@ -91,6 +90,12 @@ Writer writerFor(const QString &path)
     return nullptr;
 }
 
+// Qt draws boxes where there is no font; its list of families names generic ones even then.
+bool hasFont()
+{
+    return QFontMetricsF(plotStyle::font(12)).inFont(QLatin1Char('y'));
+}
+
 Error tagged(Error error, const char *function, int line)
 {
     return error.ecatch(function, SOURCE_FILE, line);
@@ -109,7 +114,7 @@ Error drawSpectrum(const SpectrumPlotData &data, const QString &path)
     if (!write)
         return tagged(Error(InvalidInput, path + QStringLiteral(": pictures are written to .svg, .png or .pdf files")),
                       Q_FUNC_INFO, __LINE__);
-    if (QFontDatabase::families().isEmpty())
+    if (!hasFont())
         return tagged(Error(Failure, QStringLiteral("a picture needs a font and this machine has none; install one, "
                                                     "for example the package fonts-dejavu-core")),
                       Q_FUNC_INFO, __LINE__);

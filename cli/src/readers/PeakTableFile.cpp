@@ -10,12 +10,10 @@ namespace zav {
 
 namespace {
 
-// A heading names its columns: no field of it is a number.
+// A heading begins with a name; a number that cannot be read (`100,5`) is a mistake rather than a heading.
 bool isHeading(const QByteArray &line)
 {
-    bool isNumber = false;
-    line.simplified().split(' ').constFirst().toDouble(&isNumber);
-    return !isNumber;
+    return !QByteArray("+-.0123456789").contains(line[0]);
 }
 
 Error readPeaks(TextLineReader *lines, QList<QPointF> *peaks)

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Application.h"
+#include "SpectrumPlot.h"
+
+#include <gtest/gtest.h>
+
+namespace zav {
+namespace {
+
+TEST(BuildWithoutPictures, SaysSoWhenAskedForOne)
+{
+    EXPECT_FALSE(canDrawSpectra());
+    const Error error = drawSpectrum({}, QStringLiteral("a.svg"));
+    EXPECT_TRUE(error.equals(Failure));
+    EXPECT_EQ(error.message(), "a.svg: this zav was built without Qt Gui and Qt Svg and draws no pictures");
+}
+
+TEST(BuildWithoutPictures, HasAnApplicationAllTheSame)
+{
+    int argc = 1;
+    char name[] = "zav";
+    char *argv[] = {name, nullptr};
+    EXPECT_NE(createApplication(argc, argv, true), nullptr);
+}
+
+} // namespace
+} // namespace zav

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PeptideMasses.h"
+
+#include <QtCore/QHash>
+
+#include <gtest/gtest.h>
+
+namespace zav {
+namespace {
+
+constexpr double CARBAMIDOMETHYL = 57.021464;
+
+TEST(PeptideMasses, ResiduesAgreeWithAPublishedTable)
+{
+    // Matrix Science, "Amino acid reference data", monoisotopic, given to 6 places.
+    const QHash<QChar, double> published = {{'G', 57.021464},  {'A', 71.037114},  {'S', 87.032028},  {'P', 97.052764},
+                                            {'V', 99.068414},  {'T', 101.047679}, {'C', 103.009185}, {'L', 113.084064},
+                                            {'I', 113.084064}, {'N', 114.042927}, {'D', 115.026943}, {'Q', 128.058578},
+                                            {'K', 128.094963}, {'E', 129.042593}, {'M', 131.040485}, {'H', 137.058912},
+                                            {'F', 147.068414}, {'R', 156.101111}, {'Y', 163.063329}, {'W', 186.079313}};
+    for (auto residue = published.begin(); residue != published.end(); ++residue)
+        EXPECT_NEAR(peptideMasses::residueMass(residue.key()), residue.value(), 1e-6) << residue.key().toLatin1();
+}
+
+TEST(PeptideMasses, OtherCharactersWeighNothing)
+{
+    for (const QChar character : {u'B', u'J', u'O', u'U', u'X', u'Z', u'a', u'@', u'[', u'\u00C4'})
+        EXPECT_EQ(peptideMasses::residueMass(character), 0) << int{character.unicode()};
+}
+
+TEST(PeptideMasses, PeptideAgreesWithPyteomics)
+{
+    // pyteomics 4.7.5, mass.calculate_mass for ACDEFGHK with carbamidomethylated cysteine, to 5 places.
+    EXPECT_NEAR(peptideMasses::neutralMass("ACDEFGHK", CARBAMIDOMETHYL), 962.39162, 1e-5);
+    EXPECT_NEAR(peptideMasses::precursorMz("ACDEFGHK", 2, CARBAMIDOMETHYL), 482.20308, 1e-5);
+    EXPECT_NEAR(peptideMasses::fragmentMz("ACDEFGHK", u'y', 5, 1, CARBAMIDOMETHYL), 617.30419, 1e-5);
+}
+
+TEST(PeptideMasses, FragmentsOfAlanylGlycineAreTheSumsOfTheirParts)
+{
+    // Residue, plus water for y, plus the charge's protons, from the table above and H2O 18.010565.
+    EXPECT_NEAR(peptideMasses::fragmentMz("AG", u'b', 1, 1, 0), 71.037114 + 1.007276, 2e-6);
+    EXPECT_NEAR(peptideMasses::fragmentMz("AG", u'y', 1, 1, 0), 57.021464 + 18.010565 + 1.007276, 2e-6);
+    EXPECT_NEAR(peptideMasses::fragmentMz("AG", u'y', 2, 2, 0), (128.058578 + 18.010565) / 2 + 1.007276, 2e-6);
+}
+
+TEST(PeptideMasses, CysteineMassCountsOnEachCysteineOfTheFragment)
+{
+    EXPECT_DOUBLE_EQ(peptideMasses::neutralMass("CACA", 10) - peptideMasses::neutralMass("CACA", 0), 20);
+    EXPECT_DOUBLE_EQ(
+        peptideMasses::fragmentMz("CAAC", u'b', 2, 1, 10) - peptideMasses::fragmentMz("CAAC", u'b', 2, 1, 0), 10);
+}
+
+} // namespace
+} // namespace zav

@@ -1,0 +1,324 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SpectrumPlot.h"
+#include "PictureApplication.h"
+#include "TemporaryFiles.h"
+
+#include <QtCore/QXmlStreamReader>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QImage>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zav {
+namespace {
+
+const auto *const APPLICATION = testing::AddGlobalTestEnvironment(new PictureApplication);
+
+constexpr char BLUE[] = "#0072b2";
+constexpr char VERMILION[] = "#d55e00";
+constexpr char UNMATCHED_GREY[] = "#bebebe";
+
+struct Line
+{
+    QString color;
+    QPointF from;
+    QPointF to;
+
+    bool isVertical() const { return from.x() == to.x() && from.y() != to.y(); }
+};
+
+// The texts and straight lines of a picture.
+struct Picture
+{
+    QStringList texts;
+    QList<Line> lines;
+    QByteArray source;
+
+    QList<Line> verticals(const QString &color) const
+    {
+        QList<Line> found;
+        std::copy_if(lines.begin(), lines.end(), std::back_inserter(found),
+                     [&](const Line &line) { return line.isVertical() && line.color == color; });
+        return found;
+    }
+};
+
+QPointF parsePoint(const QString &text)
+{
+    return {text.section(u',', 0, 0).toDouble(), text.section(u',', 1, 1).toDouble()};
+}
+
+Picture parseSvg(const QByteArray &source)
+{
+    Picture picture;
+    picture.source = source;
+    QXmlStreamReader xml(source);
+    QString color;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        if (xml.name() == u"g" && xml.attributes().hasAttribute("stroke"))
+            color = xml.attributes().value("stroke").toString();
+        if (xml.name() == u"polyline") {
+            const QStringList points = xml.attributes().value("points").toString().split(u' ', Qt::SkipEmptyParts);
+            if (points.size() == 2)
+                picture.lines.append({color, parsePoint(points[0]), parsePoint(points[1])});
+        }
+        if (xml.name() == u"text")
+            picture.texts.append(xml.readElementText().trimmed());
+    }
+    EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
+    return picture;
+}
+
+AnnotatedPeak ion(QChar type, int number, double mz, double intensity, int charge = 1, const QString &loss = {})
+{
+    AnnotatedPeak peak;
+    peak.ionType = type;
+    peak.ionNumber = number;
+    peak.mz = mz;
+    peak.intensity = intensity;
+    peak.charge = charge;
+    peak.neutralLoss = loss;
+    return peak;
+}
+
+SpectrumPlotData peptidek()
+{
+    SpectrumPlotData data;
+    data.peptide = QStringLiteral("PEPTIDEK");
+    data.charge = 2;
+    data.precursorMz = 464.7347;
+    data.predicted = {ion(u'b', 2, 227.103, 0.5), ion(u'y', 3, 391.182, 1.0), ion(u'y', 6, 351.684, 0.25, 2),
+                      ion(u'y', 5, 585.309, 0.4, 1, "-H2O")};
+    return data;
+}
+
+SpectrumPlotData mirrored()
+{
+    SpectrumPlotData data = peptidek();
+    data.observed = ObservedSpectrum{"run.mzML, scan 7", 464.7, 2, {{227.104, 30}, {391.183, 60}, {500, 15}}};
+    data.comparison = compareSpectra({data.peptide, data.charge, 0}, data.predicted, *data.observed);
+    return data;
+}
+
+struct SpectrumPlot : testing::Test
+{
+    TemporaryFiles files;
+
+    Picture draw(const SpectrumPlotData &data)
+    {
+        const Error error = drawSpectrum(data, files.path("a.svg"));
+        EXPECT_FALSE(error.hasError()) << error.toString().toStdString();
+        return parseSvg(files.read("a.svg"));
+    }
+};
+
+TEST_F(SpectrumPlot, SaysItsPeptidePrecursorAxesAndIonsInText)
+{
+    const Picture picture = draw(peptidek());
+    for (const char *text : {"2+, m/z 464.7347", "Predicted intensity (%)", "m/z", "100", "b2", "y3", "y6²⁺", "y5-H2O"})
+        EXPECT_TRUE(picture.texts.contains(QString::fromUtf8(text))) << text;
+    const QString letters = picture.texts.join(QString());
+    EXPECT_TRUE(picture.source.contains("<title>PEPTIDEK/2</title>"));
+    for (const QChar residue : QStringLiteral("PEPTIDEK"))
+        EXPECT_TRUE(picture.texts.contains(QString(residue)));
+}
+
+// The axis tells where an m/z lies: its ticks and their numbers are read back, and give each peak's expected place.
+TEST_F(SpectrumPlot, PeaksStandWhereTheAxisSaysAtTheirRelativeHeights)
+{
+    const SpectrumPlotData data = peptidek();
+    const Picture picture = draw(data);
+    QList<double> tickXs;
+    double bottom = 0;
+    for (const Line &line : picture.lines)
+        bottom =
+            std::max(bottom, line.from.y() == line.to.y() && line.to.x() - line.from.x() > 500 ? line.to.y() : 0.0);
+    for (const Line &line : picture.lines) {
+        if (line.isVertical() && line.from.y() == bottom && line.to.y() > bottom)
+            tickXs.append(line.from.x());
+    }
+    QList<double> tickMzs;
+    for (const QString &text : picture.texts) {
+        bool isNumber = false;
+        const double number = text.toDouble(&isNumber);
+        if (isNumber && number > 100) // above the percents, ion numbers and residues
+            tickMzs.append(number);
+    }
+    std::sort(tickXs.begin(), tickXs.end());
+    std::sort(tickMzs.begin(), tickMzs.end());
+    ASSERT_EQ(tickXs.size(), tickMzs.size());
+    ASSERT_GE(tickXs.size(), 3);
+    const double scale = (tickXs.constLast() - tickXs.constFirst()) / (tickMzs.constLast() - tickMzs.constFirst());
+    const auto expectedX = [&](double mz) { return tickXs.constFirst() + (mz - tickMzs.constFirst()) * scale; };
+
+    const auto peakAt = [&](double mz, const char *color) {
+        for (const Line &line : picture.verticals(color)) {
+            if (std::abs(line.from.x() - expectedX(mz)) < 0.05 && line.from.y() == bottom)
+                return bottom - line.to.y();
+        }
+        return -1.0;
+    };
+    const double full = peakAt(391.182, VERMILION);
+    EXPECT_GT(full, 200);
+    EXPECT_NEAR(peakAt(227.103, BLUE), 0.5 * full, 0.05);
+    EXPECT_NEAR(peakAt(351.684, VERMILION), 0.25 * full, 0.05);
+    EXPECT_NEAR(peakAt(585.309, "#e8a673"), 0.4 * full, 0.05); // vermilion, 45 % of the way to white
+}
+
+TEST_F(SpectrumPlot, MarksTheBondsThatFragmentsComeFrom)
+{
+    // b2, y3, y6 2+ and no loss: numbers 2 below, 3 and 6 above, each once, besides no other ion numbers.
+    const Picture picture = draw(peptidek());
+    for (const auto &[number, count] : {std::pair("2", 1), {"3", 1}, {"6", 1}, {"5", 0}, {"1", 0}, {"4", 0}, {"7", 0}})
+        EXPECT_EQ(picture.texts.count(QString(number)), count) << number;
+}
+
+TEST_F(SpectrumPlot, MirrorPlotShowsTheObservedAboveThePredicted)
+{
+    const Picture picture = draw(mirrored());
+    EXPECT_TRUE(picture.texts.contains("Observed (%)"));
+    EXPECT_TRUE(picture.texts.contains("Predicted (%)"));
+    EXPECT_TRUE(picture.texts.contains("Observed: run.mzML, scan 7"));
+    EXPECT_EQ(picture.texts.count("y3"), 2);
+    // The predicted y6 and y5-H2O were not seen.
+    EXPECT_EQ(picture.texts.count(QString::fromUtf8("y6²⁺")), 1);
+    int above = 0;
+    int below = 0;
+    for (const Line &line : picture.verticals(VERMILION)) {
+        if (std::abs(line.to.y() - line.from.y()) > 30)
+            (line.to.y() < line.from.y() ? above : below)++;
+    }
+    EXPECT_EQ(above, 1);
+    EXPECT_EQ(below, 2);
+    EXPECT_EQ(picture.verticals(UNMATCHED_GREY).size(), 1);
+}
+
+TEST_F(SpectrumPlot, MirrorPlotSaysHowWellTheSpectraAgree)
+{
+    SpectrumPlotData data = mirrored();
+    data.comparison->spectralAngle = 0.8125;
+    data.comparison->explainedPeaks = 2;
+    data.comparison->observedPeaks = 3;
+    data.comparison->explainedIntensity = 0.857;
+    EXPECT_TRUE(draw(data).texts.contains("spectral angle 0.813, 2 of 3 peaks explained (86 % of the intensity)") ||
+                draw(data).texts.contains("spectral angle 0.812, 2 of 3 peaks explained (86 % of the intensity)"));
+}
+
+TEST_F(SpectrumPlot, LegendNamesOnlyWhatIsDrawn)
+{
+    const Picture single = draw(peptidek());
+    EXPECT_TRUE(single.texts.contains("b"));
+    EXPECT_TRUE(single.texts.contains("y"));
+    EXPECT_FALSE(single.texts.contains("a"));
+    EXPECT_FALSE(single.texts.contains("unmatched"));
+    EXPECT_TRUE(draw(mirrored()).texts.contains("unmatched"));
+}
+
+TEST_F(SpectrumPlot, LabelStandsAboveTheIsotopeEnvelope)
+{
+    SpectrumPlotData data = peptidek();
+    AnnotatedPeak isotope = data.predicted[0];
+    isotope.isotope = true;
+    isotope.isotopeNumber = 1;
+    isotope.mz += 1.00335;
+    isotope.intensity = 1.0;
+    data.predicted.append(isotope);
+    const Picture picture = draw(data);
+    EXPECT_EQ(picture.texts.count("b2"), 1);
+    const QByteArray label = picture.source.left(picture.source.indexOf(">b2</text>"));
+    const QByteArray y = label.mid(label.lastIndexOf(" y=\"") + 4);
+    const double labelY = y.left(y.indexOf('"')).toDouble();
+    double envelopeTop = 1e9;
+    for (const Line &line : picture.verticals("#73b1d5")) // blue, 45 % of the way to white
+        envelopeTop = std::min(envelopeTop, line.to.y());
+    EXPECT_LT(labelY, envelopeTop);
+    EXPECT_GT(labelY, envelopeTop - 20);
+}
+
+TEST_F(SpectrumPlot, DrawsWhatHasNoPeaksAndTheShortestAndLongestPeptides)
+{
+    SpectrumPlotData empty = peptidek();
+    empty.predicted.clear();
+    EXPECT_TRUE(draw(empty).texts.contains("no peaks"));
+    empty.observed = ObservedSpectrum{};
+    empty.comparison = SpectrumComparison{};
+    EXPECT_EQ(draw(empty).texts.count("no peaks"), 2);
+    empty.peptide = QStringLiteral("K");
+    EXPECT_TRUE(draw(empty).texts.contains("K"));
+    empty.peptide.clear();
+    draw(empty);
+    SpectrumPlotData longest = peptidek();
+    longest.peptide = QString(52, u'W');
+    EXPECT_EQ(draw(longest).texts.count("W"), 52);
+}
+
+TEST_F(SpectrumPlot, SinglePeakStandsInTheMiddleOfAReadableAxis)
+{
+    SpectrumPlotData data = peptidek();
+    data.predicted = {ion(u'y', 1, 147.113, 1)};
+    const QList<Line> peaks = draw(data).verticals(VERMILION);
+    ASSERT_FALSE(peaks.isEmpty());
+    EXPECT_NEAR(peaks.constLast().from.x(), (68 + 900 - 24) / 2.0, 1);
+}
+
+TEST_F(SpectrumPlot, PngHasTwoPixelsForEachPageUnitAndItsColours)
+{
+    ASSERT_FALSE(drawSpectrum(peptidek(), files.path("a.PNG")).hasError());
+    const QImage image = QImage::fromData(files.read("a.PNG"), "PNG");
+    EXPECT_EQ(image.size(), QSize(1800, 920));
+    EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::white));
+    bool hasBlue = false;
+    bool hasVermilion = false;
+    for (int x = 0; x < image.width(); ++x) {
+        hasBlue = hasBlue || image.pixelColor(x, 800) == QColor(BLUE);
+        hasVermilion = hasVermilion || image.pixelColor(x, 800) == QColor(VERMILION);
+    }
+    EXPECT_TRUE(hasBlue);
+    EXPECT_TRUE(hasVermilion);
+    ASSERT_FALSE(drawSpectrum(mirrored(), files.path("b.png")).hasError());
+    EXPECT_EQ(QImage::fromData(files.read("b.png")).size(), QSize(1800, 1240));
+}
+
+TEST_F(SpectrumPlot, PdfIsOnePageOfThePicturesSize)
+{
+    ASSERT_FALSE(drawSpectrum(peptidek(), files.path("a.pdf")).hasError());
+    const QByteArray pdf = files.read("a.pdf");
+    EXPECT_TRUE(pdf.startsWith("%PDF-"));
+    EXPECT_TRUE(pdf.trimmed().endsWith("%%EOF"));
+    EXPECT_TRUE(
+        pdf.contains("/MediaBox [0 0 675.000000 345.000000]")); // 900 x 460 units of 1/96 inch in points of 1/72
+    EXPECT_TRUE(pdf.contains("/Count 1"));
+}
+
+TEST_F(SpectrumPlot, OtherEndingsAndPlacesThatCannotBeWrittenAreErrors)
+{
+    const Error ending = drawSpectrum(peptidek(), QStringLiteral("a.gif"));
+    EXPECT_TRUE(ending.equals(InvalidInput));
+    EXPECT_EQ(ending.message(), "a.gif: pictures are written to .svg, .png or .pdf files");
+    EXPECT_TRUE(drawSpectrum(peptidek(), QStringLiteral("svg")).equals(InvalidInput));
+    for (const char *name : {"no/a.svg", "no/a.png", "no/a.pdf"}) {
+        const Error error = drawSpectrum(peptidek(), files.path(name));
+        EXPECT_TRUE(error.equals(Failure)) << name;
+        EXPECT_TRUE(error.message().startsWith(files.path(name) + ": cannot be written: "))
+            << error.message().toStdString();
+    }
+}
+
+TEST_F(SpectrumPlot, ReplacesAnOlderPictureAndLeavesNothingElseBehind)
+{
+    files.write("a.svg", "old");
+    draw(peptidek());
+    EXPECT_TRUE(files.read("a.svg").startsWith("<?xml"));
+    EXPECT_EQ(QDir(files.path(QString())).entryList(QDir::Files), QStringList{"a.svg"});
+}
+
+TEST_F(SpectrumPlot, ApplicationNeedsNoWindowSystem)
+{
+    EXPECT_EQ(QGuiApplication::platformName(), "offscreen");
+}
+
+} // namespace
+} // namespace zav
