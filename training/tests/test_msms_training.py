@@ -94,7 +94,7 @@ def test_one_command_builds_what_ships(
 ) -> None:
     monkeypatch.setattr(recipe, "SHAPE", SMALL)
     models = tmp_path / "models"
-    arguments = ["build", str(data), str(tmp_path / "run"), str(models), "--epochs", "0.5"]
+    arguments = ["build", str(data), str(tmp_path / "run"), str(models), "--length", "0.005"]
     assert program.main(arguments) == 0
     assert "| orbitrap |" in capsys.readouterr().out
     for charge in range(1, 6):

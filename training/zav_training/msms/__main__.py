@@ -3,8 +3,8 @@
 
 import argparse
 import csv
-import dataclasses
 import sys
+from functools import partial
 from pathlib import Path
 
 import tensorflow as tf
@@ -16,7 +16,7 @@ from zav_training.msms.predict_trained import report_line
 from zav_training.msms.shipped import Shipped, to_text
 from zav_training.msms.shipping import ship
 from zav_training.msms.spectra import is_usable, read_all
-from zav_training.msms.training import load, train
+from zav_training.msms.training import load
 
 
 def main(arguments: list[str] | None = None) -> int:
@@ -38,8 +38,8 @@ def _parser() -> argparse.ArgumentParser:
     run = argparse.ArgumentParser(add_help=False)
     run.add_argument("run", type=Path, help="folder of a training run: weights, log")
     length = argparse.ArgumentParser(add_help=False)
-    length.add_argument("--epochs", type=float, default=recipe.SCHEDULE.epochs)
-    length.add_argument("--seed", type=int, default=recipe.SEED)
+    length.add_argument("--length", type=float, default=1.0, help="factor of the epochs")
+    length.add_argument("--seed", type=int, default=recipe.SEED, help="of the first teacher")
     length.add_argument("--threads", type=int, default=0, help="0: as many as TensorFlow likes")
     file = argparse.ArgumentParser(add_help=False)
     file.add_argument("file", type=Path, help="a gzipped data file")
@@ -62,21 +62,14 @@ def _parser() -> argparse.ArgumentParser:
 def _train(options: argparse.Namespace) -> int:
     spectra = read_all(options.data)
     held_out = [s for s in spectra if s.held_out]
-    schedule = dataclasses.replace(recipe.SCHEDULE, epochs=options.epochs)
-    train(
-        [s for s in spectra if not s.held_out],
-        recipe.SHAPE,
-        schedule,
-        options.seed,
-        options.run,
-        lambda network: report_line(network, held_out),
-    )
+    report = partial(report_line, spectra=held_out)
+    recipe.run(spectra, options.run, options.seed, options.length, report)
     return 0
 
 
 def _ship(options: argparse.Namespace) -> int:
     held_out = [s for s in read_all(options.data) if s.held_out]
-    print(to_markdown(ship(load(options.run), held_out, options.models)))
+    print(to_markdown(ship(load(options.run / "student"), held_out, options.models)))
     return 0
 
 

@@ -7,7 +7,7 @@ from dataclasses import dataclass
 import numpy as np
 
 from zav_training.msms import ladder, vocabulary
-from zav_training.msms.sources import GENERIC, SOURCES, TYPICAL_MEAN
+from zav_training.msms.sources import GENERIC, ORBITRAP, TYPICAL_MEAN, weight_of
 from zav_training.msms.spectra import Spectrum
 
 #: Batches are cut from this many spectra at a time, sorted by length: little padding, much chance.
@@ -42,7 +42,7 @@ def make_batch(spectra: list[Spectrum], weights: np.ndarray | None = None) -> Ba
         residues[i, : len(s.peptide)] = vocabulary.encode(s.peptide)
         observed[i, : len(s.peptide) - 1] = s.intensity
         mask[i, : len(s.peptide) - 1] = s.observed
-    own = np.array([SOURCES[s.source].weight for s in spectra], dtype=np.float32)
+    own = np.array([weight_of(s.source) for s in spectra], dtype=np.float32)
     return Batch(
         residues,
         np.array([len(s.peptide) for s in spectra], dtype=np.int32),
@@ -63,7 +63,7 @@ def loss_factors(
     """
     return np.array(
         [
-            by_charge.get(s.charge, 1.0) * (orbitrap if SOURCES[s.source].orbitrap else 1.0)
+            by_charge.get(s.charge, 1.0) * (orbitrap if s.source in ORBITRAP else 1.0)
             for s in spectra
         ],
         dtype=np.float32,
@@ -77,10 +77,11 @@ def hide_sources(
 
     The second is what an exported network is given, so that it is trained for that as well.
     """
-    orbitrap = np.array([s.orbitrap for s in SOURCES])[source]
     draw = random.random(source.shape)
     hidden = np.where(draw < generic, GENERIC, source)
-    return np.where(orbitrap & (draw >= 1.0 - typical), TYPICAL_MEAN, hidden).astype(np.int32)
+    return np.where(
+        np.isin(source, ORBITRAP) & (draw >= 1.0 - typical), TYPICAL_MEAN, hidden
+    ).astype(np.int32)
 
 
 def epoch(

@@ -11,7 +11,7 @@ import numpy as np
 import tensorflow as tf
 
 from zav_training.msms import features, ladder, vocabulary
-from zav_training.msms.sources import SOURCES, TYPICAL, shipped_sources
+from zav_training.msms.sources import SHIPPED, SOURCES, TYPICAL, TYPICAL_MEAN, shipped_sources
 
 #: Counts of residues left and right of a bond are divided by this, to be of the order of 1.
 COUNT_SCALE = 8.0
@@ -84,19 +84,19 @@ class Network(tf.Module):
     def condition(self, charge: tf.Tensor, source: tf.Tensor) -> tf.Tensor:
         """The condition vector of each peptide, [B, 2 * condition].
 
-        A source is an index into SOURCES, GENERIC, or TYPICAL_MEAN, which is no embedding of its
-        own but the mean of the typical sources'.
+        A source is an index into SOURCES or GENERIC, which have embeddings of their own, or
+        TYPICAL_MEAN or SHIPPED, which are means of some.
         """
         w = self.weights
         mean = tf.reduce_mean(tf.gather(w["source"], list(TYPICAL)), 0, keepdims=True)
-        sources = tf.concat([w["source"], mean], 0)
-        return tf.concat([tf.gather(w["charge"], charge), tf.gather(sources, source)], 1)
+        own = tf.gather(tf.concat([w["source"], mean], 0), tf.minimum(source, TYPICAL_MEAN))
+        shipped = tf.constant(shipped_sources()) @ w["source"][: len(SOURCES)]
+        chosen = tf.where(source[:, None] == SHIPPED, tf.gather(shipped, charge), own)
+        return tf.concat([tf.gather(w["charge"], charge), chosen], 1)
 
     def shipped_condition(self, charge: tf.Tensor) -> tf.Tensor:
         """The condition vector that exported networks have, [B, 2 * condition]."""
-        w = self.weights
-        sources = tf.constant(shipped_sources()) @ w["source"][: len(SOURCES)]
-        return tf.concat([tf.gather(w["charge"], charge), tf.gather(sources, charge)], 1)
+        return self.condition(charge, tf.fill(tf.shape(charge), SHIPPED))
 
     def film(self, name: str, condition: tf.Tensor) -> tuple[tf.Tensor, tf.Tensor]:
         """Scale and shift of each channel, both [B, channels]."""

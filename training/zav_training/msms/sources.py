@@ -105,6 +105,10 @@ FILES = tuple(dict.fromkeys(source.file for source in SOURCES))
 GENERIC = len(SOURCES)
 #: Stands for the mean of the typical sources.
 TYPICAL_MEAN = GENERIC + 1
+#: Stands for what the shipped network of the precursor's charge imitates, see shipped_sources.
+SHIPPED = GENERIC + 2
+#: Absolute Orbitrap spectra.
+ORBITRAP = tuple(index for index, source in enumerate(SOURCES) if source.orbitrap)
 
 
 def _indices(*names: str) -> tuple[int, ...]:
@@ -125,6 +129,11 @@ def shipped_sources() -> np.ndarray:
         chosen = list(TYPICAL + SUPPORT if charge in THIN_CHARGES else TYPICAL)
         shares[charge, chosen] = 1.0 / len(chosen)
     return shares
+
+
+def weight_of(index: int) -> float:
+    """Weight of a source's spectra in the loss; 1 for what is no source of measured spectra."""
+    return SOURCES[index].weight if index < len(SOURCES) else 1.0
 
 
 def source_of(file: str, text: str) -> int:

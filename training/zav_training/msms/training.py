@@ -149,17 +149,22 @@ def train(
     seed: int,
     folder: Path,
     report: Callable[[Network], str] | None = None,
+    start: Network | None = None,
 ) -> Network:
     """Trains on the spectra; writes weights.npz, run.json and log.tsv into the folder.
 
-    Returns a network with the averaged weights. `report` gives a line of figures after each epoch.
+    It begins with random weights, or with those of `start`, which has the same sizes. Returns a
+    network with the averaged weights. `report` gives a line of figures after each epoch.
     """
     folder.mkdir(parents=True, exist_ok=True)
     tf.random.set_seed(seed)
     random = np.random.default_rng(seed)
     factors = loss_factors(spectra, schedule.boosts, schedule.orbitrap)
     steps = int(len(spectra) / schedule.batch * schedule.epochs)
-    trainer = Trainer(Network(shape, seed), schedule, steps)
+    begin = Network(shape, seed)
+    if start is not None:
+        set_weights(begin, {name: v.numpy() for name, v in start.weights.items()})
+    trainer = Trainer(begin, schedule, steps)
     about = {"shape": asdict(shape), "schedule": asdict(schedule), "seed": seed, "steps": steps}
     (folder / "run.json").write_text(json.dumps(about, indent=2) + "\n")
     mean = Network(shape, seed)
