@@ -105,35 +105,34 @@ EarlyExit unknownCommand(const std::string &word)
 
 void addSpectrumArguments(CLI::App *command, SpectrumArguments *arguments)
 {
-    command->add_option("PEPTIDE", arguments->peptide, "the peptide")->option_text(" ");
-    command->add_option("CHARGE", arguments->charge, "charge of its precursor, 1 to 5")->option_text(" ");
+    command->add_option("PEPTIDE", arguments->peptide, "the peptide")->type_name("");
+    command->add_option("CHARGE", arguments->charge, "charge of its precursor, 1 to 5")->type_name("");
     command->add_option("--peptides", arguments->peptides, "a list of peptides and charges; - is standard input")
-        ->option_text("FILE.tsv");
-    command->add_option("--models", arguments->models, "folder of the networks")->option_text("DIR");
+        ->type_name("FILE.tsv");
+    command->add_option("--models", arguments->models, "folder of the networks")->type_name("DIR");
     command->add_option("--cysteine", arguments->cysteine, "added to every cysteine, in Da [57.02146]")
-        ->option_text("MASS");
-    command->add_option("-f,--format", arguments->format, "tsv, msp, mgf, json or table")->option_text("FORMAT");
+        ->type_name("MASS");
+    command->add_option("-f,--format", arguments->format, "tsv, msp, mgf, json or table")->type_name("FORMAT");
     command->add_option("-o,--output", arguments->output, "write to FILE, which appears only when it is complete")
-        ->option_text("FILE");
+        ->type_name("FILE");
     command->add_flag("--no-isotopes", arguments->noIsotopes, "monoisotopic peaks only");
     command->add_flag("--annotate", arguments->annotate,
                       "name the ion of each peak, as y7-H2O++; its heavier isotopes as y7-H2O++ i1");
-    command->add_option("--plot", arguments->plot, "draw the spectrum: .svg, .png or .pdf")->option_text("FILE");
+    command->add_option("--plot", arguments->plot, "draw the spectrum: .svg, .png or .pdf")->type_name("FILE");
     command->add_option("--against", arguments->against, "compare with a measured spectrum: .mzML, .mgf or .tsv")
-        ->option_text("FILE");
+        ->type_name("FILE");
     command->add_option("--scan", arguments->scan, "which spectrum of that file: scan number, native id or title")
-        ->option_text("SCAN");
+        ->type_name("SCAN");
     command->add_option("--tolerance", arguments->tolerance, "for the comparison, as 20ppm or 0.02Da [20ppm]")
-        ->option_text("WIDTH");
+        ->type_name("WIDTH");
     command->add_flag("-v,--verbose", arguments->verbose, "with each failure, where in the program it passed");
     command->footer(SPECTRUM_EXAMPLES);
 }
 
 void addInspectArguments(CLI::App *command, InspectArguments *arguments)
 {
-    command->add_option("DIR", arguments->folder, "folder of the networks; default: the installed ones")
-        ->option_text(" ");
-    command->add_option("--models", arguments->models, "the same, named as for zav spectrum")->option_text("DIR");
+    command->add_option("DIR", arguments->folder, "folder of the networks; default: the installed ones")->type_name("");
+    command->add_option("--models", arguments->models, "the same, named as for zav spectrum")->type_name("DIR");
     command->add_flag("-v,--verbose", arguments->verbose, "with each failure, where in the program it passed");
     command->footer(INSPECT_EXAMPLES);
 }

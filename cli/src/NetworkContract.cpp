@@ -20,6 +20,12 @@ QString textField(const Json &object, const char *name)
     return field != object.end() && field->is_string() ? QString::fromStdString(field->get<std::string>()) : QString();
 }
 
+int numberField(const Json &object, const char *name)
+{
+    const auto field = object.find(name);
+    return field != object.end() && field->is_number_integer() ? field->get<int>() : 0;
+}
+
 QList<int> shapeField(const Json &object, const char *name)
 {
     QList<int> shape;
@@ -41,7 +47,11 @@ struct Figure
 // In the order in which a person asks for them.
 constexpr Figure FIGURES[] = {{"heldOutMedianSpectralAngle", "angle %1", 3},
                               {"heldOutMedianPearson", "Pearson %1", 3},
-                              {"heldOutSpectra", "%1 spectra", 0}};
+                              {"heldOutSpectra", "%1 spectra", 0},
+                              {"heldOutManualWindowF1", "F1 %1 by hand", 3},
+                              {"heldOutSoftwareVisibleF1", "%1 by software", 3},
+                              {"heldOutNeighboursPrecision", "precision %1", 3},
+                              {"heldOutNeighboursRecall", "recall %1", 3}};
 
 QString figuresOf(const Json &object)
 {
@@ -68,8 +78,8 @@ Result<NetworkContract> readNetworkContract(const QString &path)
         contract.kind = textField(object, "kind");
     if (contract.kind.isEmpty())
         return Error(Failure, QStringLiteral("%1 is not the contract of a network").arg(shown));
-    const auto charge = object.find("charge");
-    contract.charge = charge != object.end() && charge->is_number_integer() ? charge->get<int>() : 0;
+    contract.charge = numberField(object, "charge");
+    contract.maxPointCount = numberField(object, "maxPointCount");
     contract.inputShape = shapeField(object, "inputShape");
     contract.outputShape = shapeField(object, "outputShape");
     contract.figures = figuresOf(object);

@@ -11,8 +11,9 @@ namespace zav {
 /// What a network's contract, the JSON file beside its graph, says about it. A field that the contract lacks is empty.
 struct NetworkContract
 {
-    QString kind;           ///< `msms_fragmentation`, ...
+    QString kind;           ///< `msms_fragmentation`, `xic_limits` or `xic_split`
     int charge = 0;         ///< of the precursor; 0 for kinds without one
+    int maxPointCount = 0;  ///< of a chromatogram that the network takes; 0 for kinds without one
     QList<int> inputShape;  ///< -1: any number
     QList<int> outputShape; ///< -1: any number
     QString figures;        ///< how good it is on data it never saw, for a person

@@ -38,8 +38,7 @@ NetworkInspection inspectNetwork(const QDir &folder, const QString &name)
         return inspection;
     inspection.contract = contract.value();
     inspection.hashError = checkHash(graphPath, contract.value().sha256);
-    if (QFileInfo::exists(graphPath))
-        inspection.trialError = tryNetwork(contract.value(), graphPath);
+    inspection.trialError = tryNetwork(contract.value(), graphPath);
     return inspection;
 }
 

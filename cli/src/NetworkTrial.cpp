@@ -4,6 +4,8 @@
 #include "ExplainedError.h"
 
 #include <zav/MsMsFragmentationPredictomatic.h>
+#include <zav/XicBaselineLimitsDetector.h>
+#include <zav/XicPeakSplitter.h>
 
 #include <algorithm>
 #include <cmath>
@@ -43,12 +45,64 @@ Error tryFragmentation(int charge, const QString &path)
     return checkSpectrum(spectrum);
 }
 
+/// A chromatogram of one second a point with a peak of unit height at each of the apexes.
+QList<QPointF> chromatogram(const QList<double> &apexes)
+{
+    constexpr double PEAK_SIGMA = 4; // seconds
+    QList<QPointF> points;
+    for (int second = 0; second < 200; ++second) {
+        double intensity = 0;
+        for (double apex : apexes)
+            intensity += std::exp(-0.5 * std::pow((second - apex) / PEAK_SIGMA, 2));
+        points.append({double(second), intensity});
+    }
+    return points;
+}
+
+Error tryLimits(const NetworkContract &contract, const QString &path)
+{
+    XicBaselineLimitsDetectorOptions options;
+    options.modelFilePath = path;
+    if (contract.maxPointCount > 0)
+        options.maxPointCount = contract.maxPointCount;
+    XicBaselineLimitsDetector detector;
+    if (const Error error = detector.init(options); error.hasError())
+        return failedStep(error, QStringLiteral("cannot be loaded"));
+    const Result<QList<Interval<double>>> limits = detector.integrateXIC(chromatogram({100}), -1.0, 0);
+    if (limits.hasError())
+        return failedStep(limits.error(), QStringLiteral("cannot find limits"));
+    const bool isFound = std::any_of(limits.value().begin(), limits.value().end(),
+                                     [](const Interval<double> &peak) { return peak.contains(100); });
+    return isFound ? Error() : Error(Failure, QStringLiteral("does not find a plain peak"));
+}
+
+Error trySplit(const NetworkContract &contract, const QString &path)
+{
+    XicPeakSplitterOptions options;
+    options.modelFilePath = path;
+    if (contract.maxPointCount > 0)
+        options.maxPointCount = contract.maxPointCount;
+    XicPeakSplitter splitter;
+    if (const Error error = splitter.init(options); error.hasError())
+        return failedStep(error, QStringLiteral("cannot be loaded"));
+    const auto splits = splitter.splitXIC(chromatogram({90, 110}));
+    if (splits.hasError())
+        return failedStep(splits.error(), QStringLiteral("cannot split"));
+    const bool isFound = std::any_of(splits.value().begin(), splits.value().end(),
+                                     [](const auto &split) { return split.first > 90 && split.first < 110; });
+    return isFound ? Error() : Error(Failure, QStringLiteral("does not part two plain peaks"));
+}
+
 } // namespace
 
 Error tryNetwork(const NetworkContract &contract, const QString &graphPath)
 {
     if (contract.kind == QLatin1String("msms_fragmentation"))
         return tryFragmentation(contract.charge, graphPath);
+    if (contract.kind == QLatin1String("xic_limits"))
+        return tryLimits(contract, graphPath);
+    if (contract.kind == QLatin1String("xic_split"))
+        return trySplit(contract, graphPath);
     return Error(InvalidInput, QStringLiteral("this kind cannot be tried"));
 }
 

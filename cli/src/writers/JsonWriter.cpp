@@ -31,6 +31,8 @@ QByteArray JsonWriter::spectrum(const PredictedSpectrum &spectrum, bool isFirst)
     object["cysteine_mass"] = spectrum.cysteineMass;
     object["mz"] = nlohmann::json::array();
     object["intensity"] = nlohmann::json::array();
+    if (m_options.ionNames)
+        object["ion"] = nlohmann::json::array();
     for (const AnnotatedPeak &peak : spectrum.peaks) {
         object["mz"].push_back(rounded(peak.mz, 1e5));
         object["intensity"].push_back(rounded(peak.intensity, 1e6));

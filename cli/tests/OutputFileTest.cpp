@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "OutputFile.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryDir>
+
+namespace zav {
+namespace {
+
+class OutputFileTest : public ::testing::Test
+{
+protected:
+    QString path(const char *name) const { return m_folder.filePath(QString::fromUtf8(name)); }
+    QStringList files() const { return QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden); }
+
+    static void put(const QString &path, const QByteArray &bytes)
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(bytes), bytes.size());
+    }
+
+    static std::string contents(const QString &path)
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll().toStdString();
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_F(OutputFileTest, AppearsUnderItsNameOnlyWhenItIsCommitted)
+{
+    OutputFile output(path("a.tsv"));
+    ASSERT_FALSE(output.open().hasError());
+    ASSERT_FALSE(output.write(QByteArray(1 << 20, 'x')).hasError());
+    EXPECT_FALSE(QFileInfo::exists(path("a.tsv")));
+    ASSERT_FALSE(output.commit().hasError());
+    EXPECT_EQ(contents(path("a.tsv")), std::string(1 << 20, 'x'));
+}
+
+TEST_F(OutputFileTest, LeavesTheOlderFileWhenItIsNotCommitted)
+{
+    put(path("a.tsv"), "old");
+    {
+        OutputFile output(path("a.tsv"));
+        ASSERT_FALSE(output.open().hasError());
+        ASSERT_FALSE(output.write("new").hasError());
+    }
+    EXPECT_EQ(contents(path("a.tsv")), "old");
+    EXPECT_EQ(files(), QStringList({"a.tsv"}));
+}
+
+TEST_F(OutputFileTest, ReplacesTheOlderFileWhenItIsCommitted)
+{
+    put(path("a.tsv"), "a longer old file");
+    OutputFile output(path("a.tsv"));
+    ASSERT_FALSE(output.open().hasError());
+    ASSERT_FALSE(output.write("new").hasError());
+    ASSERT_FALSE(output.commit().hasError());
+    EXPECT_EQ(contents(path("a.tsv")), "new");
+    EXPECT_EQ(files(), QStringList({"a.tsv"}));
+}
+
+TEST_F(OutputFileTest, MissingFolderIsSaid)
+{
+    OutputFile output(path("nowhere/a.tsv"));
+    const Error error = output.open();
+    EXPECT_EQ(error.message(), QStringLiteral("cannot write %1: No such file or directory").arg(path("nowhere/a.tsv")));
+}
+
+TEST_F(OutputFileTest, FolderInPlaceOfAFileIsRefused)
+{
+    OutputFile output(m_folder.path());
+    EXPECT_TRUE(output.open().hasError());
+}
+
+TEST(OutputFile, DeviceIsWrittenAndNotReplaced)
+{
+    if (!QFileInfo::exists(QStringLiteral("/dev/full")))
+        GTEST_SKIP() << "no such device on this system";
+    OutputFile output(QStringLiteral("/dev/full"));
+    ASSERT_FALSE(output.open().hasError());
+    ASSERT_FALSE(output.write("something").hasError());
+    EXPECT_EQ(output.commit().message().toStdString(), "cannot write /dev/full: No space left on device");
+    EXPECT_FALSE(QFileInfo(QStringLiteral("/dev/full")).isFile());
+}
+
+TEST(OutputFile, NoPathAndDashAreStandardOutput)
+{
+    EXPECT_EQ(OutputFile(QString()).name().toStdString(), "standard output");
+    EXPECT_EQ(OutputFile(QStringLiteral("-")).name().toStdString(), "standard output");
+}
+
+} // namespace
+} // namespace zav

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PeptideList.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QBuffer>
+
+namespace zav {
+namespace {
+
+QList<PeptideListRow> read(const QByteArray &text)
+{
+    QBuffer buffer;
+    buffer.setData(text);
+    EXPECT_TRUE(buffer.open(QIODevice::ReadOnly));
+    const Result<QList<PeptideListRow>> rows = readPeptideList(buffer);
+    EXPECT_FALSE(rows.hasError());
+    return rows.value();
+}
+
+/// `line:peptide/charge[!problem]` of every row, a blank between.
+std::string summary(const QByteArray &text)
+{
+    QStringList rows;
+    for (const PeptideListRow &row : read(text)) {
+        QString shown = QStringLiteral("%1:%2/%3").arg(row.line).arg(row.precursor.peptide).arg(row.precursor.charge);
+        rows.append(row.problem.isEmpty() ? shown : shown + QLatin1Char('!') + row.problem);
+    }
+    return rows.join(QLatin1Char(' ')).toStdString();
+}
+
+TEST(PeptideList, RowsWithoutAHeaderHavePeptideAndChargeFirst)
+{
+    EXPECT_EQ(summary("PEPTIDE\t2\nSAMPLER\t3\n"), "1:PEPTIDE/2 2:SAMPLER/3");
+}
+
+TEST(PeptideList, LastLineNeedsNoEnd)
+{
+    EXPECT_EQ(summary("PEPTIDE\t2"), "1:PEPTIDE/2");
+}
+
+TEST(PeptideList, HeaderIsSkippedAndSaysWhereTheColumnsStand)
+{
+    EXPECT_EQ(summary("peptide\tcharge\nPEPTIDE\t2\n"), "2:PEPTIDE/2");
+    EXPECT_EQ(summary("protein\tCharge\tSequence\nP1 of\t2\tPEPTIDE\n"), "2:PEPTIDE/2");
+}
+
+TEST(PeptideList, WindowsLinesReadAsUnixLines)
+{
+    EXPECT_EQ(summary("peptide\tcharge\r\nPEPTIDE\t2\r\n\r\nSAMPLER\t3\r\n"), "2:PEPTIDE/2 4:SAMPLER/3");
+}
+
+TEST(PeptideList, ByteOrderMarkIsNotPartOfTheHeader)
+{
+    EXPECT_EQ(summary("\xEF\xBB\xBFpeptide\tcharge\nPEPTIDE\t2\n"), "2:PEPTIDE/2");
+}
+
+TEST(PeptideList, CommentsEmptyLinesAndMoreColumnsAreIgnored)
+{
+    EXPECT_EQ(summary("# ours\n\nPEPTIDE\t2\tprotein 1\n"), "3:PEPTIDE/2");
+}
+
+TEST(PeptideList, BlanksSeparateWhereThereIsNoTab)
+{
+    EXPECT_EQ(summary("  PEPTIDE   2 \n"), "1:PEPTIDE/2");
+}
+
+TEST(PeptideList, RowsThatCannotBeUnderstoodStayWithTheirProblem)
+{
+    EXPECT_EQ(summary("PEPTIDE\nSAMPLER\ttwo\nLASTONE\t2\n"),
+              "1:PEPTIDE/0!the charge is missing 2:SAMPLER/0!charge 'two' is not a whole number 3:LASTONE/2");
+}
+
+TEST(PeptideList, EmptyFileHasNoRows)
+{
+    EXPECT_EQ(summary(""), "");
+    EXPECT_EQ(summary("peptide\tcharge\n"), "");
+}
+
+TEST(PeptideList, MissingFileIsNamedInTheError)
+{
+    const auto rows = readPeptideList(QStringLiteral("nowhere/peptides.tsv"));
+    EXPECT_EQ(rows.error().message().toStdString(), "cannot read nowhere/peptides.tsv: No such file or directory");
+}
+
+} // namespace
+} // namespace zav

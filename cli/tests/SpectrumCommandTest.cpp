@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ProgramRun.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QMap>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QTemporaryDir>
+
+namespace zav {
+namespace {
+
+const QString PEPTIDE = QStringLiteral("LQSRPAAPPAPGPGQLTLR");
+const QString MEASURED = QStringLiteral(ZAV_TEST_DATA_DIR "/LQSRPAAPPAPGPGQLTLR.mgf");
+
+// The program and pyteomics agree to the fifth decimal that is written, which may round either way.
+constexpr double MZ_TOLERANCE = 1.5e-5;
+
+/// The cells of a TSV text, header left out.
+QList<QStringList> rows(const std::string &text)
+{
+    QList<QStringList> rows;
+    for (const QString &line : linesOf(text).mid(1))
+        rows.append(line.split(QLatin1Char('\t')));
+    return rows;
+}
+
+/// m/z by ion name.
+QMap<QString, double> ions(const std::string &tsv)
+{
+    QMap<QString, double> ions;
+    for (const QStringList &row : rows(tsv))
+        ions.insert(row.value(2), row.value(0).toDouble());
+    return ions;
+}
+
+TEST(SpectrumCommand, PipedOutputIsTsvOrderedByMz)
+{
+    const ProgramRun run = runZav({"spectrum", PEPTIDE, "3"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.standardError, "");
+    EXPECT_EQ(linesOf(run.standardOutput).first().toStdString(), "mz\tintensity");
+    double previous = 0;
+    for (const QStringList &row : rows(run.standardOutput)) {
+        ASSERT_EQ(row.size(), 2);
+        EXPECT_GE(row[0].toDouble(), previous);
+        EXPECT_LE(row[0].toDouble(), 2000.0);
+        EXPECT_GE(row[1].toDouble(), 0.025);
+        previous = row[0].toDouble();
+    }
+    EXPECT_GT(previous, 0);
+}
+
+// m/z by pyteomics 4.7.5.
+TEST(SpectrumCommand, NamedIonsStandAtTheirTheoreticalMz)
+{
+    const ProgramRun run = runZav({"spectrum", PEPTIDE, "3", "--annotate", "--format", "tsv"});
+    EXPECT_EQ(run.exitCode, 0);
+    const QMap<QString, double> found = ions(run.standardOutput);
+    const QMap<QString, double> expected = {{"y1+", 175.11895}, {"b2+", 242.14992},  {"y5+", 630.39334},
+                                            {"b7+", 724.41005}, {"y7+", 784.46756},  {"y7++", 392.73742},
+                                            {"y9+", 938.54179}, {"y9++", 469.77453}, {"y9++ i1", 470.27621}};
+    for (auto it = expected.cbegin(); it != expected.cend(); ++it)
+        EXPECT_NEAR(found.value(it.key()), it.value(), MZ_TOLERANCE) << it.key().toStdString();
+}
+
+TEST(SpectrumCommand, BasePeakOfAPlainSpectrumIsOne)
+{
+    const ProgramRun run = runZav({"spectrum", PEPTIDE, "2", "--no-isotopes"});
+    double highest = 0;
+    for (const QStringList &row : rows(run.standardOutput))
+        highest = std::max(highest, row[1].toDouble());
+    EXPECT_NEAR(highest, 1.0, 1e-6);
+}
+
+TEST(SpectrumCommand, WithoutIsotopesOnlyMonoisotopicPeaksStay)
+{
+    const auto with = ions(runZav({"spectrum", PEPTIDE, "3", "--annotate"}).standardOutput);
+    const auto without = ions(runZav({"spectrum", PEPTIDE, "3", "--annotate", "--no-isotopes"}).standardOutput);
+    EXPECT_GT(with.size(), without.size());
+    for (const QString &name : without.keys()) {
+        EXPECT_FALSE(name.contains(QStringLiteral(" i"))) << name.toStdString();
+        EXPECT_TRUE(with.contains(name)) << name.toStdString();
+    }
+}
+
+TEST(SpectrumCommand, CysteineMassMovesExactlyTheIonsThatContainIt)
+{
+    const QStringList common{"spectrum", "LECVEPNCR", "2", "--annotate", "--no-isotopes", "--cysteine"};
+    const auto bare = ions(runZav(common + QStringList{"0"}).standardOutput);
+    const auto heavy = ions(runZav(common + QStringList{"57.02146"}).standardOutput);
+    EXPECT_EQ(bare.keys(), heavy.keys());
+    ASSERT_TRUE(bare.contains("y1+") && bare.contains("y2+") && bare.contains("b2+") && bare.contains("y7+"));
+    EXPECT_NEAR(heavy["y1+"] - bare["y1+"], 0, MZ_TOLERANCE);
+    EXPECT_NEAR(heavy["b2+"] - bare["b2+"], 0, MZ_TOLERANCE);
+    EXPECT_NEAR(heavy["y2+"] - bare["y2+"], 57.02146, MZ_TOLERANCE);
+    EXPECT_NEAR(heavy["y7+"] - bare["y7+"], 2 * 57.02146, MZ_TOLERANCE);
+}
+
+TEST(SpectrumCommand, JsonHoldsTheSameNumbersAsTsv)
+{
+    const auto json =
+        nlohmann::json::parse(runZav({"spectrum", PEPTIDE, "3", "--format", "json", "--annotate"}).standardOutput);
+    const nlohmann::json &spectrum = json["spectra"].at(0);
+    const QList<QStringList> tsv = rows(runZav({"spectrum", PEPTIDE, "3", "--annotate"}).standardOutput);
+    ASSERT_EQ(spectrum["mz"].size(), size_t(tsv.size()));
+    for (size_t i = 0; i < spectrum["mz"].size(); ++i) {
+        EXPECT_NEAR(spectrum["mz"][i].get<double>(), tsv[int(i)][0].toDouble(), 1e-9);
+        EXPECT_NEAR(spectrum["intensity"][i].get<double>(), tsv[int(i)][1].toDouble(), 1e-9);
+    }
+    EXPECT_NEAR(spectrum["precursor_mz"].get<double>(), 643.03392, MZ_TOLERANCE); // pyteomics 4.7.5
+}
+
+TEST(SpectrumCommand, MspIsScaledToTenThousandWithEveryPeakCounted)
+{
+    const QStringList lines = linesOf(runZav({"spectrum", PEPTIDE, "3", "--format", "msp"}).standardOutput);
+    EXPECT_EQ(lines[0], "Name: " + PEPTIDE + "/3");
+    EXPECT_EQ(lines[1].toStdString(), "MW: 1926.07993"); // pyteomics 4.7.5
+    EXPECT_EQ(lines[2].toStdString(), "PrecursorMZ: 643.03392");
+    EXPECT_EQ(lines[4].toStdString(), "Comment: Parent=643.03392 Mods=0");
+    EXPECT_EQ(lines[5], QStringLiteral("Num peaks: %1").arg(lines.size() - 6));
+    EXPECT_TRUE(lines.contains("938.54179\t10000.0\t\"y9/0.0ppm\""));
+}
+
+TEST(SpectrumCommand, MgfSaysThatItHasNoPlaceForIonNames)
+{
+    const ProgramRun run = runZav({"spectrum", PEPTIDE, "3", "--format", "mgf", "--annotate"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.standardError, "zav: MGF has no place for ion names, --annotate adds none\n");
+    EXPECT_TRUE(linesOf(run.standardOutput).contains("938.54179 10000.0"));
+}
+
+TEST(SpectrumCommand, OutputFileTakesTheFormatOfItsEnding)
+{
+    QTemporaryDir folder;
+    const ProgramRun run = runZav({"spectrum", PEPTIDE, "3", "-o", "out.mgf"}, {}, folder.path());
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.standardOutput, "");
+    EXPECT_TRUE(readFile(folder.filePath("out.mgf")).startsWith("BEGIN IONS\nTITLE=LQSRPAAPPAPGPGQLTLR/3\n"));
+}
+
+TEST(SpectrumCommand, MeasuredSpectrumIsExplained)
+{
+    QTemporaryDir folder;
+    const ProgramRun run = runZav({"spectrum", PEPTIDE, "3", "--against", MEASURED, "-o", folder.filePath("out.tsv")});
+    EXPECT_EQ(run.exitCode, 0) << run.standardError;
+    const QRegularExpression form("^spectral angle (0\\.\\d{3}), cosine (0\\.\\d{3}) over b and y ions; (\\d+) of 299 "
+                                  "observed peaks explained, (\\d+\\.\\d) % of the intensity\n$");
+    const QRegularExpressionMatch match = form.match(QString::fromStdString(run.standardOutput));
+    ASSERT_TRUE(match.hasMatch()) << run.standardOutput;
+    EXPECT_GE(match.captured(2).toDouble(), 0.75); // two measurements of a precursor agree to about 0.9
+    EXPECT_NEAR(match.captured(1).toDouble(), 1 - 2 * std::acos(match.captured(2).toDouble()) / M_PI, 2e-3);
+    EXPECT_GT(match.captured(3).toInt(), 30);
+}
+
+TEST(SpectrumCommand, ComparisonStaysOutOfAPipedSpectrum)
+{
+    const ProgramRun run = runZav({"spectrum", PEPTIDE, "3", "--against", MEASURED});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(linesOf(run.standardOutput).first().toStdString(), "mz\tintensity");
+    EXPECT_EQ(run.standardOutput.find("angle"), std::string::npos);
+    EXPECT_EQ(run.standardError.find("spectral angle "), 0u);
+}
+
+TEST(SpectrumCommand, WrongPeptideIsExplainedFarLess)
+{
+    const ProgramRun run = runZav({"spectrum", "SAMPLERPEPTIDEK", "3", "--against", MEASURED});
+    const double cosine = QString::fromStdString(run.standardError).section("cosine ", 1).left(5).toDouble();
+    EXPECT_LT(cosine, 0.5);
+}
+
+TEST(SpectrumCommand, PeptideListKeepsItsOrderAndNamesEachRow)
+{
+    const QByteArray list = "peptide\tcharge\r\nPEPTIDEK\t2\r\nSAMPLER\t1\r\nPEPTIDEK\t3\r\n";
+    const ProgramRun run = runZav({"spectrum", "--peptides", "-", "--no-isotopes"}, list);
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.standardError, "");
+    EXPECT_EQ(linesOf(run.standardOutput).first().toStdString(), "mz\tintensity\tpeptide\tcharge");
+    QStringList order;
+    for (const QStringList &row : rows(run.standardOutput))
+        order.append(row[2] + "/" + row[3]);
+    order.removeDuplicates();
+    EXPECT_EQ(order, QStringList({"PEPTIDEK/2", "SAMPLER/1", "PEPTIDEK/3"}));
+}
+
+TEST(SpectrumCommand, ListGivesEachPeptideWhatItGetsAlone)
+{
+    const ProgramRun list = runZav({"spectrum", "--peptides", "-"}, "PEPTIDEK\t2\nSAMPLER\t2\n");
+    const ProgramRun alone = runZav({"spectrum", "SAMPLER", "2"});
+    QList<QStringList> inList;
+    for (const QStringList &row : rows(list.standardOutput)) {
+        if (row[2] == "SAMPLER")
+            inList.append(row.mid(0, 2));
+    }
+    EXPECT_FALSE(inList.isEmpty());
+    EXPECT_EQ(inList, rows(alone.standardOutput));
+}
+
+TEST(SpectrumCommand, ListLongerThanABlockIsPredictedWhole)
+{
+    const ProgramRun run = runZav({"spectrum", "--peptides", "-", "--no-isotopes", "--format", "mgf"},
+                                  QByteArray("PEPTIDEK\t2\nSAMPLERPEPTIDEK\t3\n").repeated(700));
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(QString::fromStdString(run.standardOutput).count("TITLE=PEPTIDEK/2\n"), 700);
+    EXPECT_EQ(QString::fromStdString(run.standardOutput).count("TITLE=SAMPLERPEPTIDEK/3\n"), 700);
+}
+
+TEST(SpectrumCommand, LongestPeptideOfEachChargeIsPredicted)
+{
+    QByteArray list;
+    for (const auto &[charge, length] : QMap<int, int>{{1, 27}, {2, 43}, {3, 50}, {4, 52}, {5, 50}}.asKeyValueRange())
+        list += QByteArray(length - 1, 'A') + "K\t" + QByteArray::number(charge) + '\n';
+    const ProgramRun run = runZav({"spectrum", "--peptides", "-"}, list);
+    EXPECT_EQ(run.exitCode, 0) << run.standardError;
+}
+
+TEST(SpectrumCommand, VersionIsPrinted)
+{
+    EXPECT_EQ(runZav({"--version"}).standardOutput, "zav " ZAV_VERSION "\n");
+}
+
+} // namespace
+} // namespace zav
