@@ -3,6 +3,7 @@
 
 from pathlib import Path
 
+import numpy as np
 import tensorflow as tf
 
 from zav_training.contract import Value, write_contract
@@ -13,6 +14,7 @@ from zav_training.msms.export import INPUT, OUTPUT, build_graph
 from zav_training.msms.folded import fold
 from zav_training.msms.network import Network
 from zav_training.msms.shipped import graph_path
+from zav_training.msms.sources import SOURCES, shipped_sources
 from zav_training.msms.spectra import Spectrum
 
 #: Where the training spectra come from, and under which licence.
@@ -63,6 +65,7 @@ def contract_fields(charge: int, figures: Figures) -> dict[str, Value]:
         "placeholderIntensity": 0.0,
         "maximumMz": ladder.MZ_LIMIT,
         "trainingData": TRAINING_DATA,
+        "imitatedSources": [SOURCES[i].name for i in np.flatnonzero(shipped_sources()[charge])],
         "madeWith": f"TensorFlow {tf.__version__}",
     } | _figure_fields(charge, figures)
 
