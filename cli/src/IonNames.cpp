@@ -31,12 +31,12 @@ QString libraryIonName(const AnnotatedPeak &peak)
     if (peak.ionType.isNull())
         return QStringLiteral("?");
     QString name = peak.ionType + QString::number(peak.ionNumber) + peak.neutralLoss;
-    if (peak.charge > 1)
-        name += QStringLiteral("^%1").arg(peak.charge);
     if (peak.isotopeNumber == 1)
         name += QStringLiteral("+i");
     else if (peak.isotopeNumber > 1)
         name += QStringLiteral("+%1i").arg(peak.isotopeNumber);
+    if (peak.charge > 1)
+        name += QStringLiteral("^%1").arg(peak.charge);
     return name;
 }
 
