@@ -70,7 +70,7 @@ def test_file_gives_what_training_computes(weights: dict[str, np.ndarray], limit
     logits = network.logits(weights, tf.constant(x), used, told, network.DETECTOR)
     rule = LimitsRule(TOLD)
     joined = tf.minimum(logits[:, :, 0] - rule.inside, rule.valley - logits[:, :, 1])
-    expected = tf.sigmoid(graph.combine_limits(joined, used, rule)).numpy()
+    expected = tf.sigmoid(graph.combine_limits(joined, tf.constant(x), used, rule)).numpy()
     assert limits(x) == pytest.approx(expected, abs=FLOAT_TOLERANCE)
 
 
@@ -81,9 +81,10 @@ def test_traces_without_a_shape_give_numbers(limits: Run, splitter: Run, fill: f
         assert np.all(np.isfinite(run(x)))
 
 
-def combined(logits: list[float], rule: LimitsRule) -> np.ndarray:
+def combined(logits: list[float], rule: LimitsRule, x: list[float] | None = None) -> np.ndarray:
     row = tf.constant([logits], tf.float32)
-    return graph.combine_limits(row, tf.constant([len(logits)]), rule).numpy()[0]
+    trace = tf.constant([x], tf.float32) if x else tf.ones_like(row)
+    return graph.combine_limits(row, trace, tf.constant([len(logits)]), rule).numpy()[0]
 
 
 def test_runs_of_one_and_two_points_disappear() -> None:
@@ -103,9 +104,23 @@ def test_trace_that_fails_by_much_stays_empty() -> None:
     assert np.all(combined([-9, -3, -3, -3, -9], rule) < 0)
 
 
+def test_foot_is_cut_at_twice_the_high_points_beyond_them() -> None:
+    x = [0.1] * 20 + [0.6, 1.0, 0.6] + [0.1] * 20
+    found = np.flatnonzero(combined([3.0] * 43, LimitsRule(TOLD, reach=2.0), x) > 0)
+    assert (found[0], found[-1], len(found)) == (12, 30, 19)
+
+
+def test_each_run_is_cut_by_its_own_height() -> None:
+    x = [0.0] * 8 + [0.01, 0.02, 0.01] + [0.0] * 8 + [0.0] + [1.0] * 10
+    logits = [3.0] * 19 + [-3.0] + [3.0] * 10
+    found = np.flatnonzero(combined(logits, LimitsRule(TOLD, reach=1.0), x) > 0)
+    assert found.tolist() == [*range(4, 15), *range(20, 30)]
+
+
 def test_nothing_is_found_behind_the_used_points() -> None:
     row = tf.constant([[3.0] * 8])
-    found = graph.combine_limits(row, tf.constant([5]), LimitsRule(TOLD)).numpy()[0]
+    used = tf.constant([5])
+    found = graph.combine_limits(row, tf.ones_like(row), used, LimitsRule(TOLD)).numpy()[0]
     assert np.flatnonzero(found > 0).tolist() == [0, 1, 2, 3, 4]
 
 

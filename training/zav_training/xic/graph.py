@@ -20,6 +20,8 @@ OUTPUT = "import/conv2d_19/Sigmoid"
 #: The shortest stretch that is computed; longer ones are twice, four times ... as long, so that few
 #: shapes occur and the runtime's prepared convolutions are met again.
 SHORTEST = 256
+#: Beyond any place in a trace.
+FAR = 1e9
 #: Logit of a point behind the used ones.
 NOTHING = -30.0
 
@@ -30,16 +32,19 @@ class LimitsRule:
 
     A point counts as peak where its inside logit exceeds `inside` and its valley logit does not
     exceed `valley`. `steepness` sharpens the probability about 0.5. Where a trace's best point
-    fails by up to `rescue`, the whole trace is lifted so that the best point reaches `lifted`.
+    fails by up to `rescue`, the whole trace is lifted so that the best point reaches `lifted`. No
+    run reaches beyond its outermost points of half its height by more than `reach` times as many
+    points as are that high.
     """
 
     told: tuple[float, float]
     inside: float = 0.0
     valley: float = 0.0
     steepness: float = 2.0
-    rescue: float = 2.0
-    lifted: float = 0.7
+    rescue: float = 4.0
+    lifted: float = 1.0
     opening: int = 3
+    reach: float = 2.0
 
 
 @dataclass(frozen=True)
@@ -59,12 +64,15 @@ def limits_graph(weights: dict[str, np.ndarray], rule: LimitsRule) -> tf.Graph:
         logits = network.logits(weights, short, used, _told(rule.told), network.DETECTOR)
         inside = logits[:, :, 0] - rule.inside
         joined = tf.minimum(inside, rule.valley - logits[:, :, 1])
-        _output(combine_limits(joined, used, rule), x)
+        _output(combine_limits(joined, short, used, rule), x)
     return graph
 
 
-def combine_limits(joined: tf.Tensor, used: tf.Tensor, rule: LimitsRule) -> tf.Tensor:
-    """Final logits from joined ones [B, n]: short runs removed, empty traces given their best."""
+def combine_limits(joined: tf.Tensor, x: tf.Tensor, used: tf.Tensor, rule: LimitsRule) -> tf.Tensor:
+    """Final logits from joined ones and the trace x, both [B, n].
+
+    Short runs are removed, empty traces are given their best, long feet are cut.
+    """
     points = tf.range(tf.shape(joined)[1])
     joined = tf.where(points < used[:, None], joined, NOTHING)
     opened = joined
@@ -74,7 +82,33 @@ def combine_limits(joined: tf.Tensor, used: tf.Tensor, rule: LimitsRule) -> tf.T
         opened = _extreme(opened, tf.maximum)
     best = tf.reduce_max(opened, 1, keepdims=True)
     lift = tf.where(best > -rule.rescue, tf.nn.relu(rule.lifted - best), 0.0)
-    return rule.steepness * (opened + lift)
+    return rule.steepness * cut_feet(opened + lift, x, rule.reach)
+
+
+def cut_feet(logits: tf.Tensor, x: tf.Tensor, reach: float) -> tf.Tensor:
+    """Logits [B, n] without the points of a run that lie too far from its high ones."""
+    inside = logits >= 0.0
+    runs = _numbered(inside)
+    count = tf.size(logits) + 1
+    flat = tf.reshape(x, [-1])
+    top = tf.gather(tf.math.unsorted_segment_max(flat, runs, count), runs)
+    high = tf.logical_and(flat >= 0.5 * top, runs > 0)
+    place = tf.cast(tf.range(tf.size(flat)), tf.float32)
+    first = -tf.math.unsorted_segment_max(tf.where(high, -place, -FAR), runs, count)
+    last = tf.math.unsorted_segment_max(tf.where(high, place, -FAR), runs, count)
+    points = tf.math.unsorted_segment_sum(tf.cast(high, tf.float32), runs, count)
+    room = reach * (points + 1.0)
+    low, up = tf.gather(first - room, runs), tf.gather(last + room, runs)
+    near = tf.reshape(tf.logical_and(place >= low, place <= up), tf.shape(logits))
+    return tf.where(tf.logical_and(inside, ~near), tf.minimum(logits, 0.0) - 1.0, logits)
+
+
+def _numbered(inside: tf.Tensor) -> tf.Tensor:
+    """Number of the run that each point belongs to, from 1 on, 0 outside; rows [B, n] flattened."""
+    before = tf.concat([tf.zeros_like(inside[:, :1]), inside[:, :-1]], 1)
+    starts = tf.reshape(tf.logical_and(inside, ~before), [-1])
+    number = tf.cumsum(tf.cast(starts, tf.int32))
+    return tf.where(tf.reshape(inside, [-1]), number, 0)
 
 
 def split_graph(weights: dict[str, np.ndarray], rule: SplitRule) -> tf.Graph:
