@@ -5,6 +5,7 @@ import numpy as np
 import pytest
 
 from zav_training.msms import ladder, sources, spectra
+from zav_training.msms.comparison import observed_sites
 
 COLUMN = ladder.COLUMN_OF
 
@@ -99,3 +100,10 @@ def test_row_of_an_undeclared_source_is_refused() -> None:
 @pytest.mark.parametrize("peptide, charge", [("A", 2), ("PEPXIDE", 2), ("A" * 28, 1), ("AAK", 6)])
 def test_peptides_that_no_network_reads_are_left_out(peptide: str, charge: int) -> None:
     assert not spectra.is_usable(peptide, charge)
+
+
+def test_compared_peak_counts_for_every_ion_that_it_fits() -> None:
+    mz = ladder.site_mz("SS")[0, COLUMN["b", 1, ""]]
+    row = {"peptide": "SS", "charge": "2", "peaks": f"{mz:.5f}:0.7"}
+    sites = observed_sites(row)
+    assert sites[0, COLUMN["b", 1, ""]] == sites[0, COLUMN["y", 1, "-H2O"]] == np.float32(0.7)

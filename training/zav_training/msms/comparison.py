@@ -11,15 +11,14 @@ from pathlib import Path
 
 import numpy as np
 
-from zav_training.msms import ladder
 from zav_training.msms.metrics import CORE, CORE_DOUBLY, pearson, spectral_angle
 from zav_training.msms.spectra import (
-    annotate,
     from_fragments,
     is_held_out,
     is_usable,
     parse_peaks,
     read_rows,
+    strongest_peaks,
 )
 
 #: Half width in which a raw peak is taken for an ion, wide enough for m/z rounded to 0.01.
@@ -39,10 +38,8 @@ def observed_sites(row: dict[str, str]) -> np.ndarray:
     if "fragments" in row:
         return from_fragments(row["fragments"], len(peptide))
     mz, height = parse_peaks(row["peaks"])
-    sites = np.zeros((len(peptide) - 1, len(ladder.SERIES)), dtype=np.float32)
-    for column in CORE_DOUBLY:
-        sites[:, column] = annotate(mz, height, peptide, TOLERANCE)[0][:, column]
-    return sites
+    found = strongest_peaks(mz, height, peptide, TOLERANCE)
+    return np.where(found >= 0, height[found], 0.0).astype(np.float32)
 
 
 def compare(rows: Iterable[dict[str, str]], predictions: Path) -> tuple[int, float, float]:

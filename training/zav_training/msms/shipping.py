@@ -84,7 +84,8 @@ def _figure_fields(charge: int, figures: Figures) -> dict[str, Value]:
                 f"{prefix}Spectra": count,
                 f"{prefix}MedianSpectralAngle": round(one.angle, 4),
                 f"{prefix}MedianPearson": round(one.pearson, 4),
-                f"{prefix}MissedPeaks": round(one.missed, 4),
-                f"{prefix}FalsePeaks": round(one.false, 4),
             }
+            if prefix != "heldOutLibrary":  # libraries leave out small peaks
+                fields[f"{prefix}MissedPeaks"] = round(one.missed, 4)
+                fields[f"{prefix}FalsePeaks"] = round(one.false, 4)
     return fields

@@ -82,6 +82,20 @@ def parse_peaks(text: str) -> tuple[np.ndarray, np.ndarray]:
     return peaks[:, 0], peaks[:, 1]
 
 
+def strongest_peaks(
+    mz: np.ndarray, height: np.ndarray, peptide: str, tolerance: tuple[float, str]
+) -> np.ndarray:
+    """Index of the most intense peak within the tolerance of each ion, -1 without, [n - 1, 11]."""
+    theory = ladder.site_mz(peptide)
+    width = theory * tolerance[0] * 1e-6 if tolerance[1] == "ppm" else tolerance[0]
+    first = np.searchsorted(mz, theory - width)
+    last = np.searchsorted(mz, theory + width, side="right")
+    found = np.full(theory.shape, -1)
+    for site in zip(*np.nonzero(last > first), strict=True):
+        found[site] = first[site] + np.argmax(height[first[site] : last[site]])
+    return found
+
+
 def annotate(
     mz: np.ndarray, height: np.ndarray, peptide: str, tolerance: tuple[float, str]
 ) -> tuple[np.ndarray, np.ndarray]:
@@ -90,15 +104,12 @@ def annotate(
     An ion takes the most intense peak within the tolerance. Where a peak fits several ions, the
     first series keeps it, and of the others it is not known how much of the peak is theirs.
     """
-    theory = ladder.site_mz(peptide)
-    width = theory * tolerance[0] * 1e-6 if tolerance[1] == "ppm" else tolerance[0]
-    first = np.searchsorted(mz, theory - width)
-    last = np.searchsorted(mz, theory + width, side="right")
-    sites = np.zeros(theory.shape, dtype=np.float32)
-    clear = np.ones(theory.shape, dtype=bool)
+    found = strongest_peaks(mz, height, peptide, tolerance)
+    sites = np.zeros(found.shape, dtype=np.float32)
+    clear = np.ones(found.shape, dtype=bool)
     taken: set[int] = set()
-    for column, row in zip(*np.nonzero((last > first).T), strict=True):
-        peak = first[row, column] + int(np.argmax(height[first[row, column] : last[row, column]]))
+    for column, row in zip(*np.nonzero(found.T >= 0), strict=True):
+        peak = int(found[row, column])
         clear[row, column] = peak not in taken
         sites[row, column] = 0.0 if peak in taken else height[peak]
         taken.add(peak)
