@@ -50,9 +50,7 @@ int bestIon(const QPointF &point, const QList<AnnotatedPeak> &ions, const QList<
     return best;
 }
 
-} // namespace
-
-Result<QList<AnnotatedPeak>> namePeaks(const QList<QPointF> &points, const QList<FragmentPeak> &fragments)
+Result<QList<AnnotatedPeak>> nameByIons(const QList<QPointF> &points, const QList<FragmentPeak> &fragments)
 {
     QList<AnnotatedPeak> ions;
     for (const FragmentPeak &fragment : fragments) {
@@ -75,6 +73,30 @@ Result<QList<AnnotatedPeak>> namePeaks(const QList<QPointF> &points, const QList
         peaks.append(peak);
     }
     return peaks;
+}
+
+bool isSameIon(const FragmentPeak &a, const FragmentPeak &b)
+{
+    return a.ionType == b.ionType && a.ionNumber == b.ionNumber && a.charge == b.charge &&
+           a.neutralLoss == b.neutralLoss;
+}
+
+} // namespace
+
+Result<QList<AnnotatedPeak>> namePeaks(const QList<QPointF> &points, const QList<FragmentPeak> &fragments,
+                                       const QList<FragmentPeak> &silentFragments)
+{
+    const Result<QList<AnnotatedPeak>> named = nameByIons(points, fragments);
+    const auto isUnnamed = [](const AnnotatedPeak &peak) { return peak.ionName.isEmpty(); };
+    if (named.hasError() || std::none_of(named.value().begin(), named.value().end(), isUnnamed))
+        return named;
+    QList<FragmentPeak> all = fragments;
+    for (const FragmentPeak &silent : silentFragments) {
+        const auto isListed = [&](const FragmentPeak &fragment) { return isSameIon(fragment, silent); };
+        if (std::none_of(fragments.begin(), fragments.end(), isListed))
+            all.append(silent);
+    }
+    return nameByIons(points, all);
 }
 
 } // namespace zav

@@ -15,9 +15,11 @@ namespace zav {
 ///
 /// Every point comes back, in its place, as one peak. It takes the name of the fragment, or of the heavier isotope of
 /// a fragment, that stands at its m/z (within 0.0001) and, where several do, is nearest in intensity; each name is
-/// given once. An isotope peak of a fragment that is itself too low to be listed stays without a name.
+/// given once.
 ///
-/// `fragments` in any order. An error is that of the isotope envelope.
-Result<QList<AnnotatedPeak>> namePeaks(const QList<QPointF> &points, const QList<FragmentPeak> &fragments);
+/// `fragments` in any order. Where they leave points unnamed, `silentFragments` are tried too: ions too low to be
+/// listed themselves, of which a heavier isotope may still be high enough. An error is that of an isotope envelope.
+Result<QList<AnnotatedPeak>> namePeaks(const QList<QPointF> &points, const QList<FragmentPeak> &fragments,
+                                       const QList<FragmentPeak> &silentFragments);
 
 } // namespace zav

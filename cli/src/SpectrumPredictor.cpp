@@ -6,6 +6,7 @@
 #include "PeakNaming.h"
 #include "PeptideMasses.h"
 #include "QuietStandardError.h"
+#include "TheoreticalFragments.h"
 
 #include <QtCore/QFileInfo>
 
@@ -128,7 +129,10 @@ Error SpectrumPredictor::addPeaks(const Precursor &precursor, const QList<Fragme
     if (Error error = m_predictor->predictMsMsFragmentation(precursor.peptide, precursor.charge, &points);
         error.hasError())
         return error;
-    const Result<QList<AnnotatedPeak>> named = namePeaks(points, fragments);
+    const QList<FragmentPeak> possible =
+        m_content.ionNames ? theoreticalFragments(precursor.peptide, precursor.charge, m_content.cysteineMass)
+                           : QList<FragmentPeak>();
+    const Result<QList<AnnotatedPeak>> named = namePeaks(points, fragments, possible);
     if (named.hasError())
         return named.error();
     *peaks = named.value();

@@ -76,6 +76,13 @@ TEST(SpectrumCommand, BasePeakOfAPlainSpectrumIsOne)
     EXPECT_NEAR(highest, 1.0, 1e-6);
 }
 
+TEST(SpectrumCommand, IsotopesOfIonsThatAreThemselvesTooLowAreNamedToo)
+{
+    const ProgramRun run = runZav({"spectrum", "AAAAEEEGGGKLLLPPPDDDVVVTTTSSSNNNQQQHHHIIIRRRKK", "4", "--annotate"});
+    for (const QStringList &row : rows(run.standardOutput))
+        EXPECT_NE(row.value(2).toStdString(), "") << row[0].toStdString();
+}
+
 TEST(SpectrumCommand, WithoutIsotopesOnlyMonoisotopicPeaksStay)
 {
     const auto with = ions(runZav({"spectrum", PEPTIDE, "3", "--annotate"}).standardOutput);
@@ -215,6 +222,19 @@ TEST(SpectrumCommand, LongestPeptideOfEachChargeIsPredicted)
         list += QByteArray(length - 1, 'A') + "K\t" + QByteArray::number(charge) + '\n';
     const ProgramRun run = runZav({"spectrum", "--peptides", "-"}, list);
     EXPECT_EQ(run.exitCode, 0) << run.standardError;
+}
+
+TEST(SpectrumCommand, PictureIsDrawnOrSaidToBeImpossible)
+{
+    QTemporaryDir folder;
+    const ProgramRun run =
+        runZav({"spectrum", PEPTIDE, "3", "--against", MEASURED, "--plot", "mirror.svg"}, {}, folder.path());
+    if (run.exitCode == 0) {
+        EXPECT_TRUE(readFile(folder.filePath("mirror.svg")).contains("<svg"));
+        return;
+    }
+    EXPECT_EQ(run.standardError, "zav: this build of zav cannot draw pictures\n");
+    EXPECT_EQ(run.standardOutput, "");
 }
 
 TEST(SpectrumCommand, VersionIsPrinted)

@@ -201,6 +201,13 @@ TEST(SpectrumFailure, OutputThatCannotBeWrittenIsSaid)
                   "zav: cannot write " + path.toStdString() + ": No such file or directory\n");
 }
 
+TEST(SpectrumFailure, PictureThatCannotBeWrittenIsSaidOnOneLine)
+{
+    const ProgramRun run = runZav({"spectrum", "PEPTIDE", "2", "--plot", "nowhere/a.svg"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(linesOf(run.standardError).size(), 1) << run.standardError;
+}
+
 TEST(SpectrumFailure, FullDiskIsSaid)
 {
     if (!QFileInfo::exists("/dev/full"))
