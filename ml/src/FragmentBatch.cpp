@@ -18,10 +18,6 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "ml/src/MsMsFragmentationPredictomatic";
 
-// Enough to hide what a run costs by itself, few enough for the activations to stay near the processor. 128 and 256
-// were the fastest of 32 to 512.
-constexpr std::size_t BLOCK_SIZE = 128;
-
 constexpr std::int64_t UNKNOWN = -1; // dimension of a declared shape
 
 QString tooLongRemark(const QString &peptide, int maximumLength, int charge)
@@ -79,7 +75,7 @@ std::size_t FragmentBatch::mostPeptidesPerRun() const
     if (shape.empty() || shape.front() != UNKNOWN)
         return 1;
     const std::int64_t elements = std::accumulate(shape.begin() + 1, shape.end(), std::int64_t{1}, std::multiplies<>());
-    return elements == std::int64_t{maximumLength} * peptideVocabulary::encodingWidth() ? BLOCK_SIZE : 1;
+    return elements == std::int64_t{maximumLength} * peptideVocabulary::encodingWidth() ? PEPTIDES_PER_RUN : 1;
 }
 
 std::vector<qsizetype> FragmentBatch::selectByLength(const QStringList &peptides)

@@ -22,6 +22,8 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "ml/src/MsMsFragmentationPredictomatic";
 
+constexpr qsizetype TYPICAL_PEAKS_PER_SLOT = 3; // isotopes included, placeholders too
+
 std::vector<float> encodePeptide(const QString &peptide, int charge)
 {
     const int rowCount = peptideVocabulary::maximumPeptideLength(charge);
@@ -184,6 +186,7 @@ Result<QList<QPointF>> MsMsFragmentationPredictomatic::buildPoints(const QList<F
     ZAV_RETURN_IF_ERROR(
         ErrorUtils::equal<int>(static_cast<int>(fragments.size()), static_cast<int>(predictions.size()), Failure), 256);
     QList<QPointF> points;
+    points.reserve(fragments.size() * TYPICAL_PEAKS_PER_SLOT);
     for (qsizetype slot = 0; slot < fragments.size(); ++slot) {
         const Fragment &fragment = fragments.at(slot);
         if (fragment.mz < 0.0)
@@ -202,15 +205,14 @@ Result<QList<QPointF>> MsMsFragmentationPredictomatic::buildPoints(const QList<F
 Result<QList<QPointF>> MsMsFragmentationPredictomatic::addIsotopesToFragments(const QPointF &point, int charge)
 {
     const double mass = kelphysica::calculateUnchargedMassFromMzCharge(point.x(), charge, 0, true);
-    const Result<QList<QPointF>> distribution =
+    Result<QList<QPointF>> distribution =
         isotopeGenerator.buildTheoreticalIsotopicDistributionPoints(mass, charge, 0.0);
     ZAV_RETURN_IF_ERROR(distribution.error(), 440);
-    QList<QPointF> isotopes;
-    isotopes.reserve(distribution.value().size());
-    for (qsizetype j = 1; j < distribution.value().size(); ++j) {
-        const QPointF &isotope = distribution.value().at(j);
-        isotopes.append({isotope.x(), isotope.y() * point.y()});
-    }
+    QList<QPointF> isotopes = std::move(distribution).value();
+    if (!isotopes.isEmpty())
+        isotopes.removeFirst();
+    for (QPointF &isotope : isotopes)
+        isotope.setY(isotope.y() * point.y());
     return isotopes;
 }
 

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a prediction of one peptide costs beside a bare run of the same session (feed, run, read) and nothing else.
+// Refuses to time wrong answers. Usage: one_peptide_benchmark [folder of the networks]
+#include "BenchmarkSetting.h"
+#include "MsMsFragmentationPredictomatic.h"
+#include "PeptideVocabulary.h"
+#include "Tensor.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <iterator>
+
+namespace zav {
+namespace {
+
+using namespace benchmarkSetting;
+
+constexpr int CHARGE = 2;
+constexpr int ROUNDS = 201;
+constexpr int CALLS_PER_ROUND = 20;
+const QString PEPTIDE = QStringLiteral("VGAHAGEYGAEALER"); // human hemoglobin alpha, 15 residues
+
+/// The network without the predictor around it.
+class BareRun
+{
+public:
+    explicit BareRun(Model &network) : model(network)
+    {
+        const int rowCount = peptideVocabulary::maximumPeptideLength(CHARGE);
+        rows.resize(static_cast<std::size_t>(rowCount) * peptideVocabulary::encodingWidth());
+        peptideVocabulary::writeOneHotRows(PEPTIDE, rowCount, rows.data());
+        const bool bound =
+            !input.init(model.getGraph(), model.getStatus(), peptideVocabulary::NETWORK_INPUT).hasError() &&
+            !output.init(model.getGraph(), model.getStatus(), peptideVocabulary::NETWORK_OUTPUT).hasError();
+        require(bound, "The network lacks an operation");
+    }
+
+    bool operator()()
+    {
+        return !input.setData<float>(rows).hasError() && !model.run(input, output).hasError() &&
+               !output.getData<float>(&intensities).hasError();
+    }
+
+    std::vector<float> intensities;
+
+private:
+    Model &model;
+    Tensor input;
+    Tensor output;
+    std::vector<float> rows;
+};
+
+/// The highest peaks of the spectrum have to be the network's highest intensities.
+void refuseWrongAnswers(MsMsFragmentationPredictomatic *predictor, BareRun *bareRun)
+{
+    QList<QList<FragmentPeak>> spectra;
+    require(!predictor->predictFragments({PEPTIDE}, CHARGE, &spectra).hasError(), "The prediction failed");
+    require((*bareRun)(), "The bare run failed");
+    std::vector<double> predicted;
+    for (const FragmentPeak &peak : spectra.first())
+        predicted.push_back(peak.intensity);
+    std::vector<double> expected(bareRun->intensities.begin(), bareRun->intensities.end());
+    std::sort(predicted.rbegin(), predicted.rend());
+    std::sort(expected.rbegin(), expected.rend());
+    require(predicted.size() >= 5 && predicted.size() <= expected.size(), "The prediction has too few peaks");
+    require(std::equal(predicted.begin(), predicted.begin() + 5, expected.begin()), "The prediction is wrong");
+}
+
+template <typename Call>
+Moment timeRound(Call &&call)
+{
+    const Moment start = Moment::now();
+    for (int i = 0; i < CALLS_PER_ROUND; ++i)
+        require(call(), "A call failed");
+    const Moment spent = Moment::now().since(start);
+    return {spent.wall / CALLS_PER_ROUND * 1e6, spent.computed / CALLS_PER_ROUND * 1e6};
+}
+
+struct Samples
+{
+    std::vector<double> wall, computed; // microseconds per call
+
+    void add(const Moment &moment)
+    {
+        wall.push_back(moment.wall);
+        computed.push_back(moment.computed);
+    }
+};
+
+/// The ratio is the median of those of the rounds: other work on the machine disturbs neighbours in time alike.
+void report(const char *what, const std::vector<double> &bare, const std::vector<double> &whole)
+{
+    std::vector<double> ratios;
+    std::transform(whole.begin(), whole.end(), bare.begin(), std::back_inserter(ratios), std::divides<>());
+    std::printf("%-16s %8.1f   %8.1f   %7.3f\n", what, median(bare), median(whole), median(ratios));
+}
+
+int run(const QString &folder)
+{
+    printSetting(QStringLiteral("One prediction of %1, charge %2, beside a bare run of its session; medians of %3 "
+                                "rounds of %4 calls, in turn")
+                     .arg(PEPTIDE)
+                     .arg(CHARGE)
+                     .arg(ROUNDS)
+                     .arg(CALLS_PER_ROUND));
+    MsMsFragmentationPredictomatic predictor;
+    loadAll(&predictor, folder);
+    BareRun bareRun(MsMsFragmentationPredictomaticInspector::model(predictor, CHARGE));
+    refuseWrongAnswers(&predictor, &bareRun);
+
+    QList<QPointF> spectrum;
+    const auto predict = [&] { return !predictor.predictMsMsFragmentation(PEPTIDE, CHARGE, &spectrum).hasError(); };
+    Samples bare;
+    Samples whole;
+    for (int round = 0; round < ROUNDS; ++round) {
+        bare.add(timeRound(bareRun));
+        whole.add(timeRound(predict));
+    }
+    std::printf("us per call      bare run   prediction   ratio\n");
+    report("wall clock", bare.wall, whole.wall);
+    report("processor time", bare.computed, whole.computed);
+    return 0;
+}
+
+} // namespace
+} // namespace zav
+
+int main(int argumentCount, char **arguments)
+{
+    return zav::run(zav::benchmarkSetting::modelFolder(argumentCount, arguments));
+}
