@@ -20,8 +20,7 @@ public:
     FileNameTensor(const TfApi &tfApi, const std::string &name);
     ~FileNameTensor();
 
-    FileNameTensor(const FileNameTensor &) = delete;
-    FileNameTensor &operator=(const FileNameTensor &) = delete;
+    Q_DISABLE_COPY_MOVE(FileNameTensor)
 
     /// Null when the runtime has no string functions, or no memory: then nothing may be encoded.
     TF_Tensor *get() const { return tensor; }

@@ -80,7 +80,7 @@ Error Model::init(const std::string &path, const std::vector<unsigned char> &con
     ZAV_RETURN_IF_ERROR(errorCheck(initOperation != nullptr, "Error: No operation named \"init\" exists"), __LINE__);
     api.TF_SessionRun(session, nullptr, nullptr, nullptr, 0, nullptr, nullptr, 0, &initOperation, 1, nullptr, status);
     ZAV_RETURN_IF_ERROR(checkStatus(), __LINE__);
-    return Error();
+    return {};
 }
 
 void Model::createSession(const std::vector<unsigned char> &config)
@@ -137,7 +137,7 @@ Error Model::run(const std::vector<Tensor *> &inputs, const std::vector<Tensor *
     ZAV_RETURN_IF_ERROR(runSession(inputs, outputs), __LINE__);
     for (Tensor *input : inputs)
         input->release();
-    return Error();
+    return {};
 }
 
 Error Model::run(const std::vector<Tensor *> &inputs, Tensor &output)
@@ -154,11 +154,14 @@ Error Model::runSession(const std::vector<Tensor *> &inputs, const std::vector<T
 {
     std::vector<TF_Output> inputPlaces;
     std::vector<TF_Tensor *> inputValues;
+    inputPlaces.reserve(inputs.size());
+    inputValues.reserve(inputs.size());
     for (const Tensor *input : inputs) {
         inputPlaces.push_back(input->output);
         inputValues.push_back(input->tensor);
     }
     std::vector<TF_Output> outputPlaces;
+    outputPlaces.reserve(outputs.size());
     for (const Tensor *output : outputs)
         outputPlaces.push_back(output->output);
     std::vector<TF_Tensor *> results(outputs.size(), nullptr);
@@ -170,7 +173,7 @@ Error Model::runSession(const std::vector<Tensor *> &inputs, const std::vector<T
         return error;
     for (std::size_t i = 0; i < outputs.size(); ++i)
         outputs[i]->take(results[i]);
-    return Error();
+    return {};
 }
 
 Error Model::save(const std::string &path)
@@ -183,7 +186,7 @@ Error Model::save(const std::string &path)
     ZAV_RETURN_IF_ERROR(runSaver(name, "save/control_dependency",
                                  "Error: No operation named \"save/control_dependencyl\" exists"), // l: deliberate
                         __LINE__);
-    return Error();
+    return {};
 }
 
 Error Model::restore(const std::string &path)
@@ -194,7 +197,7 @@ Error Model::restore(const std::string &path)
     ZAV_RETURN_IF_ERROR(checkEncoded(name.encode(status), path), __LINE__);
     ZAV_RETURN_IF_ERROR(runSaver(name, "save/restore_all", "Error: No operation named \"save/restore_all\" exists"),
                         __LINE__);
-    return Error();
+    return {};
 }
 
 Error Model::runSaver(const FileNameTensor &name, const char *operationName, const std::string &missingMessage)
@@ -213,7 +216,7 @@ Error Model::runSaver(const FileNameTensor &name, const char *operationName, con
 Error Model::errorCheck(bool condition, const std::string &message) const
 {
     if (condition)
-        return Error(NoError);
+        return NoError;
     qCCritical(lcMl).noquote() << QString::fromStdString(message);
     return Error(Failure).ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
@@ -236,7 +239,7 @@ Error Model::checkAllocated(const FileNameTensor &name) const
 Error Model::checkEncoded(bool encoded, const std::string &path) const
 {
     if (encoded)
-        return Error();
+        return {};
     std::cerr << "Error during filename " << path << " encoding" << std::endl;
     return checkStatus();
 }

@@ -27,8 +27,7 @@ public:
     /// Frees session, graph and status. Tensors of this model may outlive it, see `Tensor`.
     ~Model();
 
-    Model(const Model &) = delete;
-    Model &operator=(const Model &) = delete;
+    Q_DISABLE_COPY_MOVE(Model)
 
     /// Loads the serialised GraphDef at `path` and runs its operation "init" once; a graph without one is refused.
     /// Operations keep the names of the file.

@@ -83,13 +83,13 @@ Error Tensor::init(TF_Graph *graph, TF_Status *status, const std::string &operat
     state = 0;
     tensor = nullptr;
     data = nullptr;
-    return Error();
+    return {};
 }
 
 Error Tensor::errorCheck(bool condition, const QString &message)
 {
     if (condition)
-        return Error(NoError);
+        return NoError;
     release(); // what an invalid tensor holds is never freed
     state = -1;
     qCCritical(lcMl).noquote() << message;

@@ -37,8 +37,7 @@ public:
     Tensor();
     ~Tensor();
 
-    Tensor(const Tensor &) = delete;
-    Tensor &operator=(const Tensor &) = delete;
+    Q_DISABLE_COPY_MOVE(Tensor)
 
     /// Binds the tensor to output 0 of the operation `operationName`; data held before is dropped. The declared shape
     /// of an operation of unknown rank, or of a scalar, leaves `getShape` as it was.
@@ -120,7 +119,7 @@ Error Tensor::setData(std::vector<T> values)
     ZAV_RETURN_IF_ERROR(errorCheck(tensor != nullptr, QStringLiteral("An error occurred allocating the Tensor memory")),
                         __LINE__);
     state = 1;
-    return Error();
+    return {};
 }
 
 template <typename T>
@@ -134,7 +133,7 @@ Error Tensor::getData(std::vector<T> *values)
     const T *first = static_cast<const T *>(api.TF_TensorData(tensor));
     ZAV_RETURN_IF_ERROR(errorCheck(first != nullptr, QStringLiteral("Tensor data is empty")), __LINE__);
     values->assign(first, first + elementCount());
-    return Error();
+    return {};
 }
 
 } // namespace zav

@@ -87,12 +87,12 @@ QString ownFolder()
     const DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
     if (!GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&ownFolder), &module) ||
         GetModuleFileNameW(module, path, MAX_PATH) == 0)
-        return QString();
+        return {};
     return QFileInfo(QString::fromWCharArray(path)).absolutePath();
 #else
     Dl_info module;
     if (dladdr(reinterpret_cast<void *>(&ownFolder), &module) == 0)
-        return QString();
+        return {};
     return QFileInfo(QFile::decodeName(module.dli_fname)).absolutePath();
 #endif
 }
@@ -110,11 +110,11 @@ QStringList runtimeFolders()
 
 QString findRuntime()
 {
-    const QString name = configuredName();
+    QString name = configuredName();
     if (QDir::isAbsolutePath(name))
         return name;
     for (const QString &folder : runtimeFolders()) {
-        const QString candidate = folder + QLatin1Char('/') + name;
+        QString candidate = folder + QLatin1Char('/') + name;
         if (QFileInfo::exists(candidate))
             return candidate;
     }
@@ -131,10 +131,10 @@ QString reasonFor(const QString &fileName)
 Error missingFunction(const char *name)
 {
     const QString fileName = TfApi::runtimeFileName();
-    return Error(Failure, QStringLiteral("TensorFlow's function %1 was not found in \"%2\" (%3). The networks need the "
-                                         "TensorFlow C library, version 2: run scripts/setup, or put it into a folder "
-                                         "\"zav\" beside this library or where the system looks for libraries.")
-                              .arg(QLatin1String(name), fileName, reasonFor(fileName)));
+    return {Failure, QStringLiteral("TensorFlow's function %1 was not found in \"%2\" (%3). The networks need the "
+                                    "TensorFlow C library, version 2: run scripts/setup, or put it into a folder "
+                                    "\"zav\" beside this library or where the system looks for libraries.")
+                         .arg(QLatin1String(name), fileName, reasonFor(fileName))};
 }
 
 bool isOptional(const char *name)
@@ -163,7 +163,7 @@ Error TfApi::checkComplete() const
         return missingFunction(#name);
     ZAV_TF_FUNCTIONS(ZAV_TF_CHECK)
 #undef ZAV_TF_CHECK
-    return Error();
+    return {};
 }
 
 QString TfApi::runtimeFileName()

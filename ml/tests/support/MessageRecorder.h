@@ -21,8 +21,7 @@ public:
     MessageRecorder();
     ~MessageRecorder();
 
-    MessageRecorder(const MessageRecorder &) = delete;
-    MessageRecorder &operator=(const MessageRecorder &) = delete;
+    Q_DISABLE_COPY_MOVE(MessageRecorder)
 
     const QList<Message> &messages() const { return m_messages; }
 
