@@ -8,6 +8,7 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QMap>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QSet>
 #include <QtCore/QTemporaryDir>
 
 namespace zav {
@@ -60,9 +61,10 @@ TEST(SpectrumCommand, NamedIonsStandAtTheirTheoreticalMz)
     const ProgramRun run = runZav({"spectrum", PEPTIDE, "3", "--annotate", "--format", "tsv"});
     EXPECT_EQ(run.exitCode, 0);
     const QMap<QString, double> found = ions(run.standardOutput);
-    const QMap<QString, double> expected = {{"y1+", 175.11895}, {"b2+", 242.14992},  {"y6+", 687.41480},
-                                            {"b7+", 724.41005}, {"y7+", 784.46756},  {"y7++", 392.73742},
-                                            {"y9+", 938.54179}, {"y9++", 469.77453}, {"y9++ i1", 470.27621}};
+    // The ions that the measured spectrum shows best, so that every good network predicts them.
+    const QMap<QString, double> expected = {{"y1+", 175.11895},  {"b7+", 724.41005},  {"y7+", 784.46756},
+                                            {"y7++", 392.73742}, {"y8+", 841.48903},  {"b10+", 989.55269},
+                                            {"y9+", 938.54179},  {"y9++", 469.77453}, {"y9++ i1", 470.27621}};
     for (auto it = expected.cbegin(); it != expected.cend(); ++it)
         EXPECT_NEAR(found.value(it.key()), it.value(), MZ_TOLERANCE) << it.key().toStdString();
 }
@@ -96,15 +98,20 @@ TEST(SpectrumCommand, WithoutIsotopesOnlyMonoisotopicPeaksStay)
 
 TEST(SpectrumCommand, CysteineMassMovesExactlyTheIonsThatContainIt)
 {
-    const QStringList common{"spectrum", "LECVEPNCR", "2", "--annotate", "--no-isotopes", "--cysteine"};
+    const QString peptide = "LECVEPNCR";
+    const QStringList common{"spectrum", peptide, "2", "--annotate", "--no-isotopes", "--cysteine"};
     const auto bare = ions(runZav(common + QStringList{"0"}).standardOutput);
     const auto heavy = ions(runZav(common + QStringList{"57.02146"}).standardOutput);
     EXPECT_EQ(bare.keys(), heavy.keys());
-    ASSERT_TRUE(bare.contains("y1+") && bare.contains("y2+") && bare.contains("b2+") && bare.contains("y7+"));
-    EXPECT_NEAR(heavy["y1+"] - bare["y1+"], 0, MZ_TOLERANCE);
-    EXPECT_NEAR(heavy["b2+"] - bare["b2+"], 0, MZ_TOLERANCE);
-    EXPECT_NEAR(heavy["y2+"] - bare["y2+"], 57.02146, MZ_TOLERANCE);
-    EXPECT_NEAR(heavy["y7+"] - bare["y7+"], 2 * 57.02146, MZ_TOLERANCE);
+    QSet<qsizetype> counts;
+    for (const QString &ion : bare.keys()) {
+        const int number = QString(ion).remove(QRegularExpression("^[aby]|[-+].*$")).toInt();
+        const QString residues = ion.startsWith('y') ? peptide.right(number) : peptide.left(number);
+        const qsizetype cysteines = residues.count('C');
+        EXPECT_NEAR(heavy[ion] - bare[ion], cysteines * 57.02146 / ion.count('+'), MZ_TOLERANCE) << ion.toStdString();
+        counts.insert(cysteines);
+    }
+    EXPECT_EQ(counts, QSet<qsizetype>({0, 1, 2}));
 }
 
 TEST(SpectrumCommand, JsonHoldsTheSameNumbersAsTsv)
@@ -129,7 +136,7 @@ TEST(SpectrumCommand, MspIsScaledToTenThousandWithEveryPeakCounted)
     EXPECT_EQ(lines[2].toStdString(), "PrecursorMZ: 643.03392");
     EXPECT_EQ(lines[4].toStdString(), "Comment: Parent=643.03392 Mods=0");
     EXPECT_EQ(lines[5], QStringLiteral("Num peaks: %1").arg(lines.size() - 6));
-    EXPECT_TRUE(lines.contains("938.54179\t10000.0\t\"y9/0.0ppm\""));
+    EXPECT_EQ(lines.filter(QRegularExpression("\t10000\\.0\t\"[by]\\d+(\\^[23])?/0\\.0ppm\"$")).size(), 1);
 }
 
 TEST(SpectrumCommand, MgfSaysThatItHasNoPlaceForIonNames)
@@ -137,7 +144,7 @@ TEST(SpectrumCommand, MgfSaysThatItHasNoPlaceForIonNames)
     const ProgramRun run = runZav({"spectrum", PEPTIDE, "3", "--format", "mgf", "--annotate"});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.standardError, "zav: MGF has no place for ion names, --annotate adds none\n");
-    EXPECT_TRUE(linesOf(run.standardOutput).contains("938.54179 10000.0"));
+    EXPECT_EQ(linesOf(run.standardOutput).filter(" 10000.0").size(), 1);
 }
 
 TEST(SpectrumCommand, OutputFileTakesTheFormatOfItsEnding)
