@@ -17,15 +17,16 @@ namespace {
 void thinning(benchmark::State &state)
 {
     const auto count = static_cast<int>(state.range(0));
+    const int target = count / 2;
     QList<QPointF> trace;
     for (int i = 0; i < count; ++i)
         trace.append({0.0, static_cast<double>(i)});
     std::shuffle(trace.begin(), trace.end(), std::mt19937(1));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         QList<QPointF> thinned = trace;
-        benchmark::DoNotOptimize(zav::removeLowIntensePoints(thinned, count / 2, false));
-        const auto stays = [&](const QPointF &point) { return point.y() >= count - count / 2; };
-        if (thinned.size() != count / 2 || !std::all_of(thinned.cbegin(), thinned.cend(), stays))
+        benchmark::DoNotOptimize(zav::removeLowIntensePoints(thinned, target, false));
+        const auto stays = [&](const QPointF &point) { return point.y() >= count - target; };
+        if (thinned.size() != target || !std::all_of(thinned.cbegin(), thinned.cend(), stays))
             return state.SkipWithError("the wrong points were kept");
     }
     state.SetItemsProcessed(state.iterations() * count);
@@ -37,7 +38,7 @@ void smoothing(benchmark::State &state)
     const Eigen::VectorXd flat = Eigen::VectorXd::Constant(state.range(0), 3.5);
     const Eigen::VectorXd kernel = zav::EigenUtilities::buildGaussianFilter1D(5, 4.0, true);
     Eigen::VectorXd smoothed;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         smoothed = zav::EigenUtilities::convolveVectorWithKernel(flat, kernel);
         benchmark::DoNotOptimize(smoothed.data());
     }
@@ -51,10 +52,12 @@ void clustering(benchmark::State &state)
 {
     Eigen::MatrixXd rows(state.range(0), 2);
     rows.col(0).setOnes();
-    for (Eigen::Index row = 0; row < rows.rows(); ++row)
-        rows(row, 1) = static_cast<double>(row + row / 9);
+    for (Eigen::Index row = 0; row < rows.rows(); ++row) {
+        const Eigen::Index gapsBefore = row / 9;
+        rows(row, 1) = static_cast<double>(row + gapsBefore);
+    }
     Eigen::VectorXi labels;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         labels = zav::ClusteringDBSCAN(1.5, 2).performDBSCAN(rows);
         benchmark::DoNotOptimize(labels.data());
     }

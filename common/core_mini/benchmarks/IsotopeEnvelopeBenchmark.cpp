@@ -48,7 +48,7 @@ void fragmentLadder(benchmark::State &state)
     const Generator generator;
     const int charge = static_cast<int>(state.range(0));
     qsizetype peaks = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (const double mass : LADDER) {
             const auto result = generator.buildTheoreticalIsotopicDistributionPoints(mass, charge, 0.0);
             peaks += result.value().size();
@@ -65,7 +65,7 @@ void oneMass(benchmark::State &state)
 {
     const Generator generator;
     const auto mass = static_cast<double>(state.range(0));
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(generator.buildTheoreticalIsotopicDistributionPoints(mass, 1, 0.0));
 }
 

@@ -57,10 +57,10 @@ Error firstBrokenRule(std::initializer_list<ParameterRule> rules)
 {
     const auto broken = std::find_if(rules.begin(), rules.end(), [](const ParameterRule &rule) { return !rule.holds; });
     if (broken == rules.end())
-        return Error(NoError);
-    return Error(
+        return {};
+    return {
         InvalidInput,
-        QStringLiteral("%1 is %2, must be %3").arg(QString::fromLatin1(broken->field), broken->value, broken->rule));
+        QStringLiteral("%1 is %2, must be %3").arg(QString::fromLatin1(broken->field), broken->value, broken->rule)};
 }
 
 } // namespace zav
