@@ -70,7 +70,8 @@ def test_file_gives_what_training_computes(weights: dict[str, np.ndarray], limit
     logits = network.logits(weights, tf.constant(x), used, told, network.DETECTOR)
     rule = LimitsRule(TOLD)
     joined = tf.minimum(logits[:, :, 0] - rule.inside, rule.valley - logits[:, :, 1])
-    expected = tf.sigmoid(graph.combine_limits(joined, tf.constant(x), used, rule)).numpy()
+    final = graph.combine_limits(joined, tf.constant(x), used, rule)
+    expected = tf.sigmoid(final + rule.offset).numpy()
     assert limits(x) == pytest.approx(expected, abs=FLOAT_TOLERANCE)
 
 
@@ -79,6 +80,12 @@ def test_traces_without_a_shape_give_numbers(limits: Run, splitter: Run, fill: f
     x = np.full((1, 512), fill, np.float32)
     for run in (limits, splitter):
         assert np.all(np.isfinite(run(x)))
+
+
+def test_cut_is_what_the_options_ask_for() -> None:
+    offset = LimitsRule(TOLD).offset
+    threshold = 1.0 - LimitsOptions().probabilityTolerance
+    assert 1.0 / (1.0 + np.exp(-offset)) == pytest.approx(threshold)
 
 
 def combined(logits: list[float], rule: LimitsRule, x: list[float] | None = None) -> np.ndarray:
@@ -113,8 +120,22 @@ def test_foot_is_cut_at_twice_the_high_points_beyond_them() -> None:
 def test_each_run_is_cut_by_its_own_height() -> None:
     x = [0.0] * 8 + [0.01, 0.02, 0.01] + [0.0] * 8 + [0.0] + [1.0] * 10
     logits = [3.0] * 19 + [-3.0] + [3.0] * 10
-    found = np.flatnonzero(combined(logits, LimitsRule(TOLD, reach=1.0), x) > 0)
+    found = np.flatnonzero(combined(logits, LimitsRule(TOLD, reach=1.0, rise=0.0), x) > 0)
     assert found.tolist() == [*range(4, 15), *range(20, 30)]
+
+
+def test_run_that_hardly_rises_is_dropped() -> None:
+    x = [0.5, 0.52, 0.5, 0.0, 0.1, 1.0, 0.2, 0.0]
+    logits = [3.0, 3.0, 3.0, -9.0, 3.0, 3.0, 3.0, -9.0]
+    rule = LimitsRule(TOLD, rise=0.05)
+    assert np.flatnonzero(combined(logits, rule, x) > 0).tolist() == [4, 5, 6]
+
+
+def test_run_that_rises_most_is_kept_however_little_that_is() -> None:
+    x = [1.0, 1.0, 1.0, 1.0, 0.98, 0.99, 0.98, 1.0]
+    logits = [3.0, 3.0, 3.0, -9.0, 3.0, 3.0, 3.0, -9.0]
+    rule = LimitsRule(TOLD, rise=0.05)
+    assert np.flatnonzero(combined(logits, rule, x) > 0).tolist() == [4, 5, 6]
 
 
 def test_nothing_is_found_behind_the_used_points() -> None:

@@ -69,11 +69,13 @@ def real_neighbours(traces: list[Trace]) -> list[SplitCase]:
     """Two candidates of a program that meet in a clear valley, with their surroundings."""
     cases = []
     for trace in traces:
-        for place in splits.neighbours(trace):
-            spans = [trace.indices(c) for c in trace.candidates]
+        places = splits.neighbours(trace)
+        spans = [trace.indices(c) for c in trace.candidates]
+        for place in places:
             around = [s for s in spans if s[0] - 4 <= place <= s[1] + 4]
             low, high = min(a for a, _ in around), max(b for _, b in around)
-            cases.append(SplitCase(trace.intensity[low : high + 1], [place - low], [], []))
+            due = [p - low for p in places if low < p < high]
+            cases.append(SplitCase(trace.intensity[low : high + 1], due, [], []))
     return cases
 
 

@@ -5,6 +5,7 @@ A trace is fed as its blocks of 32 points, so that the one unknown dimension of 
 length of the trace free, and a file serves every length that is a multiple of 32.
 """
 
+import math
 from collections.abc import Callable
 from dataclasses import dataclass
 from pathlib import Path
@@ -31,20 +32,28 @@ class LimitsRule:
     """How the two outputs of the limits network become one probability.
 
     A point counts as peak where its inside logit exceeds `inside` and its valley logit does not
-    exceed `valley`. `steepness` sharpens the probability about 0.5. Where a trace's best point
-    fails by up to `rescue`, the whole trace is lifted so that the best point reaches `lifted`. No
-    run reaches beyond its outermost points of half its height by more than `reach` times as many
-    points as are that high.
+    exceed `valley`; its probability is then `cut` or more, and `steepness` sharpens it there. Where
+    a trace's best point fails by up to `rescue`, the whole trace is lifted so that the best point
+    reaches `lifted`. No run reaches beyond its outermost points of half its height by more than
+    `reach` times as many points as are that high. A run whose top rises less than `rise` (of the
+    largest value) over the higher of its ends is dropped, unless it is the one that rises most.
     """
 
     told: tuple[float, float]
     inside: float = 0.0
     valley: float = 0.0
+    cut: float = 0.2
     steepness: float = 2.0
     rescue: float = 4.0
     lifted: float = 1.0
     opening: int = 3
     reach: float = 2.0
+    rise: float = 0.06
+
+    @property
+    def offset(self) -> float:
+        """Logit of the cut."""
+        return math.log(self.cut / (1.0 - self.cut))
 
 
 @dataclass(frozen=True)
@@ -64,14 +73,14 @@ def limits_graph(weights: dict[str, np.ndarray], rule: LimitsRule) -> tf.Graph:
         logits = network.logits(weights, short, used, _told(rule.told), network.DETECTOR)
         inside = logits[:, :, 0] - rule.inside
         joined = tf.minimum(inside, rule.valley - logits[:, :, 1])
-        _output(combine_limits(joined, short, used, rule), x)
+        _output(combine_limits(joined, short, used, rule) + rule.offset, x)
     return graph
 
 
 def combine_limits(joined: tf.Tensor, x: tf.Tensor, used: tf.Tensor, rule: LimitsRule) -> tf.Tensor:
-    """Final logits from joined ones and the trace x, both [B, n].
+    """Final logits, 0 at the cut, from joined ones and the trace x, both [1, n].
 
-    Short runs are removed, empty traces are given their best, long feet are cut.
+    Short runs are removed, empty traces are given their best, long feet are cut, flat runs dropped.
     """
     points = tf.range(tf.shape(joined)[1])
     joined = tf.where(points < used[:, None], joined, NOTHING)
@@ -82,7 +91,7 @@ def combine_limits(joined: tf.Tensor, x: tf.Tensor, used: tf.Tensor, rule: Limit
         opened = _extreme(opened, tf.maximum)
     best = tf.reduce_max(opened, 1, keepdims=True)
     lift = tf.where(best > -rule.rescue, tf.nn.relu(rule.lifted - best), 0.0)
-    return rule.steepness * cut_feet(opened + lift, x, rule.reach)
+    return rule.steepness * drop_flat(cut_feet(opened + lift, x, rule.reach), x, rule.rise)
 
 
 def cut_feet(logits: tf.Tensor, x: tf.Tensor, reach: float) -> tf.Tensor:
@@ -101,6 +110,21 @@ def cut_feet(logits: tf.Tensor, x: tf.Tensor, reach: float) -> tf.Tensor:
     low, up = tf.gather(first - room, runs), tf.gather(last + room, runs)
     near = tf.reshape(tf.logical_and(place >= low, place <= up), tf.shape(logits))
     return tf.where(tf.logical_and(inside, ~near), tf.minimum(logits, 0.0) - 1.0, logits)
+
+
+def drop_flat(logits: tf.Tensor, x: tf.Tensor, rise: float) -> tf.Tensor:
+    """Logits [1, n] without the runs that hardly rise over their ends."""
+    inside = logits >= 0.0
+    runs = _numbered(inside)
+    count, flat = tf.size(logits) + 1, tf.reshape(x, [-1])
+    edges = tf.concat([runs[:1] * 0, runs, runs[:1] * 0], 0)
+    is_end = tf.logical_or(tf.not_equal(edges[:-2], runs), tf.not_equal(edges[2:], runs))
+    top = tf.math.unsorted_segment_max(flat, runs, count)
+    end = tf.math.unsorted_segment_max(tf.where(is_end, flat, -FAR), runs, count)
+    rises = tf.gather(top - end, runs)
+    most = tf.reduce_max(tf.where(runs > 0, rises, -FAR))
+    kept = tf.reshape(rises >= tf.minimum(rise, most), tf.shape(logits))
+    return tf.where(tf.logical_and(inside, ~kept), tf.minimum(logits, 0.0) - 1.0, logits)
 
 
 def _numbered(inside: tf.Tensor) -> tf.Tensor:

@@ -28,7 +28,7 @@ class LimitsOptions:
     """Options of the limits detector that fit its network."""
 
     maxPointCount: int = 4096
-    probabilityTolerance: float = 0.5
+    probabilityTolerance: float = 0.8
     dbscanEpsilon: float = 1.5
     dbscanMinPoints: int = 2
     minPointCount: int = 5

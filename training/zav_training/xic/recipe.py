@@ -20,8 +20,8 @@ class Schedule:
 SEED = 4
 LIMITS_SCHEDULE = Schedule(12_000, 2e-3)
 SPLIT_SCHEDULE = Schedule(8_000, 2e-3)
-#: Peaks drawn 3.2 widths at half height wide; valleys of 30 % part them.
-LIMITS_RULE = LimitsRule(told=tuple(conventions(3.2, 0.3).tolist()), inside=0.25, valley=1.0)
+#: Peaks drawn 3.3 widths at half height wide; valleys of 25 % part them.
+LIMITS_RULE = LimitsRule(told=tuple(conventions(3.3, 0.25).tolist()), valley=1.0)
 SPLIT_RULE = SplitRule(told=tuple(conventions(3.7, VALLEY_DEPTH[0]).tolist()))
 LIMITS_OPTIONS = LimitsOptions()
 SPLIT_OPTIONS = SplitOptions()

@@ -9,7 +9,7 @@ from zav_training.xic import simulate
 from zav_training.xic.examples import Example, conventions, stretch, vary
 from zav_training.xic.simulate import Border, Simulated
 from zav_training.xic.traces import Trace
-from zav_training.xic.visible import Shape, deepest_valley, shape_of, smooth
+from zav_training.xic.visible import Shape, deepest_valley, noise_level, shape_of, smooth
 
 #: Width of a bump: a share of the apexes' distance, within limits in points.
 BUMP, NARROWEST, WIDEST = 0.09, 1.0, 3.0
@@ -20,6 +20,8 @@ LEAST_FALL = 0.04
 #: Height of the lower peak over the noise: below the first nothing is to be seen.
 EVIDENCE = (2.0, 5.0)
 POSITIVE = 4.0
+#: A real valley is clear when its depth exceeds this many times the noise.
+CLEAR = 5.0
 
 
 def grade(border: Border, noise: float) -> float:
@@ -68,13 +70,14 @@ def neighbours(trace: Trace) -> list[int]:
     """Points at which two of a program's candidates meet in a clear valley of a real trace."""
     spans = sorted(trace.indices(c) for c in trace.candidates)
     y = smooth(trace.intensity, 3)
-    top, found = float(y.max(initial=0.0)), []
+    top, noise, found = float(y.max(initial=0.0)), noise_level(trace.intensity), []
     for (a, b), (c, d) in pairwise(spans):
         if b - a < 3 or d - c < 3 or not -3 <= c - b <= 3:
             continue
         low = int(np.argmin(y[(a + b) // 2 : (c + d) // 2 + 1])) + (a + b) // 2
         lower = min(float(y[a:low].max(initial=0.0)), float(y[low : d + 1].max()))
-        if lower > 0.1 * top and 0.0 < y[low] < 0.8 * lower and abs(low - (b + c) / 2) <= 4:
+        clear = y[low] < 0.8 * lower and lower - y[low] > CLEAR * noise
+        if clear and lower > 0.1 * top and y[low] > 0.0 and abs(low - (b + c) / 2) <= 4:
             found.append(low)
     return found
 
