@@ -38,8 +38,7 @@ QList<int> spectrumAt(const SpectrumFile &file, const QString &index)
 
 QList<int> spectraNamed(const SpectrumFile &file, const QString &scan)
 {
-    const QList<int> byName =
-        spectraThat(file, [&](const SpectrumIdentity &identity) { return identity.name == scan; });
+    QList<int> byName = spectraThat(file, [&](const SpectrumIdentity &identity) { return identity.name == scan; });
     if (!byName.isEmpty())
         return byName;
     if (scan.startsWith(QLatin1String(INDEX_PREFIX)))

@@ -25,9 +25,6 @@ struct SpectrumIdentity
 class SpectrumFile
 {
 public:
-    SpectrumFile() = default;
-    SpectrumFile(const SpectrumFile &) = delete;
-    SpectrumFile &operator=(const SpectrumFile &) = delete;
     virtual ~SpectrumFile() = default;
 
     virtual int spectrumCount() const = 0;

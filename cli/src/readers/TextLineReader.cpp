@@ -19,9 +19,9 @@ TextLineReader::TextLineReader(const QString &path) : m_file(path) {}
 Error TextLineReader::open()
 {
     if (QFileInfo(path()).isDir())
-        return Error(Failure, path() + QStringLiteral(": is a folder"));
+        return {Failure, path() + QStringLiteral(": is a folder")};
     if (!m_file.open(QIODevice::ReadOnly))
-        return Error(Failure, path() + QStringLiteral(": cannot be read: ") + m_file.errorString());
+        return {Failure, path() + QStringLiteral(": cannot be read: ") + m_file.errorString()};
     return {};
 }
 
@@ -51,7 +51,7 @@ Error TextLineReader::seek(qint64 offset, int number)
 
 Error TextLineReader::errorHere(const QString &what) const
 {
-    return Error(Failure, QStringLiteral("%1, line %2: ").arg(path(), QString::number(m_number)) + what);
+    return {Failure, QStringLiteral("%1, line %2: ").arg(path(), QString::number(m_number)) + what};
 }
 
 } // namespace zav
