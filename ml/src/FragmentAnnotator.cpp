@@ -2,10 +2,10 @@
 #include "FragmentAnnotator.h"
 
 #include "SpectrumLimits.h"
+#include "TheoreticalIsotopePoint2dListGenerator.h"
 #include "kelphysica.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace zav {
 
@@ -37,7 +37,7 @@ void FragmentAnnotator::weighResidues(const QString &peptide)
     fromCTerminus.assign(fromNTerminus.rbegin(), fromNTerminus.rend());
 }
 
-/// False when a fragment has no positive and finite mass.
+/// False when a fragment has no mass that the isotope generator takes.
 bool FragmentAnnotator::collect(int seriesIndex, const float *intensities)
 {
     const fragmentLadder::IonSeries &series = ladder.at(seriesIndex);
@@ -51,7 +51,7 @@ bool FragmentAnnotator::collect(int seriesIndex, const float *intensities)
         if (mz < 0.0)
             continue;
         const double neutralMass = kelphysica::calculateUnchargedMassFromMzCharge(mz, series.charge, 0, true);
-        if (!(neutralMass > 0.0) || !std::isfinite(neutralMass))
+        if (!(neutralMass > 0.0 && neutralMass <= TheoreticalIsotopePoint2dListGenerator::MAXIMUM_MASS))
             return false;
         if (!spectrumLimits::isOutside(mz, intensities[i]))
             candidates.push_back({mz, intensities[i], seriesIndex, i + 1});

@@ -24,8 +24,8 @@ public:
     /// The intensities that `annotate` reads for one peptide.
     int slotCount() const { return fragmentLadder::slotCount(ladder); }
 
-    /// The peaks within the limits of a spectrum, sorted by ascending m/z. Nothing when a fragment has no positive and
-    /// finite mass: the one-peptide prediction finds no isotope peaks for it either.
+    /// The peaks within the limits of a spectrum, sorted by ascending m/z. Nothing when a fragment has no mass within 0
+    /// (excluded) to 1e6 Da: the one-peptide prediction finds no isotope peaks for it either.
     std::optional<QList<FragmentPeak>> annotate(const QString &peptide, const float *intensities);
 
 private:

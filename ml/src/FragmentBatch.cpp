@@ -7,8 +7,6 @@
 #include "ReturnIfError.h"
 
 #include <algorithm>
-#include <functional>
-#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -16,7 +14,7 @@ namespace zav {
 
 namespace {
 
-constexpr char SOURCE_FILE[] = "ml/src/MsMsFragmentationPredictomatic";
+constexpr char SOURCE_FILE[] = "ml/src/FragmentBatch";
 
 constexpr std::int64_t UNKNOWN = -1; // dimension of a declared shape
 
@@ -28,7 +26,7 @@ QString tooLongRemark(const QString &peptide, int maximumLength, int charge)
 
 QString weightlessRemark(const QString &peptide)
 {
-    return QStringLiteral("%1 has a fragment without a positive, finite mass: not predicted").arg(peptide);
+    return QStringLiteral("%1 has a fragment without a mass above 0 and up to 1e6 Da: not predicted").arg(peptide);
 }
 
 } // namespace
@@ -74,8 +72,14 @@ std::size_t FragmentBatch::mostPeptidesPerRun() const
     const std::vector<std::int64_t> shape = input.getShape();
     if (shape.empty() || shape.front() != UNKNOWN)
         return 1;
-    const std::int64_t elements = std::accumulate(shape.begin() + 1, shape.end(), std::int64_t{1}, std::multiplies<>());
-    return elements == std::int64_t{maximumLength} * peptideVocabulary::encodingWidth() ? PEPTIDES_PER_RUN : 1;
+    const std::int64_t wanted = std::int64_t{maximumLength} * peptideVocabulary::encodingWidth();
+    std::int64_t elements = 1;
+    for (auto dimension = shape.begin() + 1; dimension != shape.end(); ++dimension) {
+        if (*dimension < 1 || *dimension > wanted / elements)
+            return 1;
+        elements *= *dimension;
+    }
+    return elements == wanted ? PEPTIDES_PER_RUN : 1;
 }
 
 std::vector<qsizetype> FragmentBatch::selectByLength(const QStringList &peptides)

@@ -41,6 +41,12 @@ public:
     ///
     /// Stops at the first that fails and returns its error; those before it stay loaded and usable. A repeated call
     /// replaces the networks it reaches.
+    ///
+    /// `Error(Failure)`, its trail naming the network by its place: the TensorFlow runtime is missing (the message says
+    /// what was looked for and where), or the file cannot be read, is no graph or has no operation "init" (told on
+    /// standard error or as a critical message of the category "zav.ml").
+    ///
+    /// The first call of a process opens the runtime, 0.3 to 1.4 s; a network takes some 10 ms.
     Error init(const QString &modelPath1, QString modelPath2, QString modelPath3, QString modelPath4,
                QString modelPath5);
 
@@ -65,8 +71,8 @@ public:
     ///
     /// `Error(Failure)`: the network of the charge is not loaded, or it does not fit its contract (operations
     /// "import/conv1d_1_input" and "import/dense_3/BiasAdd", float, one intensity per slot of the fragment ladder).
-    /// `Error(InvalidInput)`: a fragment weighs nothing, as where the peptide begins or ends with an unknown residue;
-    /// a cysteine mass that is not finite; a null `out`.
+    /// `Error(InvalidInput)`: a fragment has no mass within 0 (excluded) to 1e6 Da, as where the peptide begins or ends
+    /// with an unknown residue, or where the cysteine mass is not finite; a null `out`.
     Error predictMsMsFragmentation(const QString &peptide, int charge, QList<QPointF> *out);
 
     /// Predicts the fragments of many peptides of one precursor charge, annotated and without isotope peaks, as
@@ -75,7 +81,8 @@ public:
     ///
     /// `out` is replaced on success only, by one list per peptide in their order, each sorted by ascending m/z and
     /// limited as `predictMsMsFragmentation` limits its peaks. A peptide longer than the charge allows, or one with a
-    /// fragment of no positive and finite mass, gets an empty list and a warning on the returned (no-error) `Error`.
+    /// fragment of no mass within 0 (excluded) to 1e6 Da, gets an empty list and a warning on the returned (no-error)
+    /// `Error`.
     ///
     /// `Error(Failure)`: the charge has no loaded network, or the network does not fit its contract.
     /// `Error(InvalidInput)`: a null `out`.

@@ -76,6 +76,47 @@ TEST_F(FragmentBatchPrediction, StacksNothingThatANetworkDoesNotStack)
     expectSameAsOneByOne(randomPeptides(20, 2, &generator), 2);
 }
 
+TEST_F(FragmentBatchPrediction, StacksNothingWhereMoreThanTheLeadingDimensionIsUnknown)
+{
+    std::mt19937 generator(6);
+    GraphDefBuilder unknown;
+    unknown.noOp("init")
+        .placeholder(FragmentationContract::INPUT, {{-1, -1, -1, 43 * 21}})
+        .reshape("flat", FragmentationContract::INPUT, {1, 43 * 21})
+        .slice(FragmentationContract::OUTPUT, "flat", {0, 0}, {1, 359});
+    load(2, unknown);
+    expectSameAsOneByOne(randomPeptides(20, 2, &generator), 2);
+}
+
+TEST_F(FragmentBatchPrediction, RefusesAShapeWhoseProductOverflows)
+{
+    GraphDefBuilder hostile;
+    hostile.noOp("init")
+        .placeholder(FragmentationContract::INPUT, {{-1, std::int64_t{1} << 40, std::int64_t{1} << 40}})
+        .identity(FragmentationContract::OUTPUT, FragmentationContract::INPUT);
+    load(2, hostile);
+    const MessageRecorder silence;
+    Spectra out = MARK;
+    EXPECT_EQ(predictor.predictFragments({QStringLiteral("PEPTIDE")}, 2, &out).code(), Failure);
+    EXPECT_EQ(out.size(), MARK.size());
+}
+
+TEST_F(FragmentBatchPrediction, LeavesOutAsItWasWhenALaterBlockFails)
+{
+    // Takes 128 peptides and no other number: the first block runs, the second does not.
+    GraphDefBuilder picky;
+    picky.noOp("init")
+        .placeholder(FragmentationContract::INPUT, {{-1, 43, 21}})
+        .reshape("flat", FragmentationContract::INPUT, {128, 43 * 21})
+        .slice(FragmentationContract::OUTPUT, "flat", {0, 0}, {128, 359});
+    load(2, picky);
+    Spectra out = MARK;
+    EXPECT_FALSE(predictor.predictFragments(QStringList(128, QStringLiteral("PEPTIDE")), 2, &out).hasError());
+    out = MARK;
+    EXPECT_EQ(predictor.predictFragments(QStringList(130, QStringLiteral("PEPTIDE")), 2, &out).code(), Failure);
+    EXPECT_EQ(out.size(), MARK.size());
+}
+
 TEST_F(FragmentBatchPrediction, NamesEveryIon)
 {
     std::vector<float> intensities(359, 0.0F);
@@ -157,7 +198,8 @@ TEST_F(FragmentBatchPrediction, WarnsOfPeptidesThatTheOnePeptideCallRefuses)
     Spectra out;
     const Error outcome = predictor.predictFragments(peptides, 2, &out);
     EXPECT_FALSE(outcome.hasError());
-    const QString weightless = QStringLiteral("%1 has a fragment without a positive, finite mass: not predicted");
+    const QString weightless =
+        QStringLiteral("%1 has a fragment without a mass above 0 and up to 1e6 Da: not predicted");
     EXPECT_EQ(
         outcome.warnings(),
         (QStringList{weightless.arg(peptides.at(0)),
@@ -170,10 +212,10 @@ TEST_F(FragmentBatchPrediction, WarnsOfPeptidesThatTheOnePeptideCallRefuses)
         EXPECT_EQ(!out.at(i).isEmpty(), predicted.at(i)) << i;
 }
 
-TEST_F(FragmentBatchPrediction, WarnsWhereTheCysteineMassIsNoNumber)
+TEST_F(FragmentBatchPrediction, WarnsWhereTheCysteineMassGivesNoFragmentMass)
 {
     load(2, constantNetwork(2, std::vector<float>(359, 1.0F)));
-    for (const double mass : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+    for (const double mass : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 2e6}) {
         predictor.setCysteineFixedMass(mass);
         Spectra out;
         const Error outcome = predictor.predictFragments({QStringLiteral("GCA"), QStringLiteral("GAA")}, 2, &out);
@@ -181,6 +223,9 @@ TEST_F(FragmentBatchPrediction, WarnsWhereTheCysteineMassIsNoNumber)
         EXPECT_EQ(outcome.warnings().size(), 1);
         EXPECT_TRUE(out.at(0).isEmpty());
         EXPECT_FALSE(out.at(1).isEmpty());
+        QList<QPointF> spectrum;
+        EXPECT_EQ(predictor.predictMsMsFragmentation(QStringLiteral("GCA"), 2, &spectrum).code(), InvalidInput)
+            << "as the one-peptide call does";
     }
 }
 
@@ -234,7 +279,12 @@ TEST_F(FragmentBatchPrediction, ReportsAMissingOperation)
     Spectra out = MARK;
     const Error error = predictor.predictFragments({QStringLiteral("PEPTIDE")}, 2, &out);
     EXPECT_EQ(error.code(), Failure);
-    EXPECT_EQ(error.trail().last().sourceFile, QStringLiteral("ml/src/MsMsFragmentationPredictomatic"));
+    QStringList sources;
+    for (const CaughtAt &place : error.trail())
+        sources.append(place.sourceFile);
+    EXPECT_EQ(sources, (QStringList{QStringLiteral("ml/src/Tensor"), QStringLiteral("ml/src/Tensor"),
+                                    QStringLiteral("ml/src/FragmentBatch"), QStringLiteral("ml/src/FragmentBatch"),
+                                    QStringLiteral("ml/src/MsMsFragmentationPredictomatic")}));
     EXPECT_TRUE(error.trail().last().functionSignature.contains(QStringLiteral("predictFragments")));
     EXPECT_EQ(log.criticalTexts(), QStringList{QStringLiteral("No operation named import/conv1d_1_input exists")});
     EXPECT_EQ(out.size(), MARK.size());

@@ -143,6 +143,7 @@ TEST_F(FragmentationPrediction, RefusesToPredictIntoNothing)
 {
     ASSERT_FALSE(files.init(&predictor).hasError());
     EXPECT_EQ(predictor.predictMsMsFragmentation(QStringLiteral("PEPTIDE"), 2, nullptr).code(), InvalidInput);
+    EXPECT_FALSE(predictor.predictMsMsFragmentation(QString(44, u'G'), 2, nullptr).hasError()) << "nothing to write";
 }
 
 TEST_F(FragmentationPrediction, NamesAMissingInput)
@@ -203,6 +204,8 @@ TEST_F(FragmentationPrediction, ReportsAnInputThatDoesNotTakeThePeptide)
     EXPECT_EQ(error.code(), Failure);
     EXPECT_TRUE(error.trail().first().sourceFile == QStringLiteral("ml/src/Tensor")) << "told where it happened";
     EXPECT_TRUE(error.trail().last().functionSignature.contains(QStringLiteral("predictMsMsFragmentation")));
+    EXPECT_EQ(error.trail().last().sourceFile, QStringLiteral("ml/src/MsMsFragmentationPredictomatic"));
+    EXPECT_GT(error.trail().last().line, 0);
     EXPECT_EQ(log.criticalTexts(),
               QStringList{QStringLiteral("Expected and provided number of elements do not match")});
     EXPECT_EQ(out, MARK);
@@ -221,6 +224,8 @@ TEST_F(FragmentationPrediction, ReportsARunThatFails)
     EXPECT_EQ(error.code(), Failure);
     EXPECT_TRUE(placesOf(error).join(QLatin1Char(' ')).contains(QStringLiteral("Model::run"))) << placesOf(error);
     EXPECT_TRUE(error.trail().last().functionSignature.contains(QStringLiteral("predictMsMsFragmentation")));
+    EXPECT_EQ(error.trail().last().sourceFile, QStringLiteral("ml/src/MsMsFragmentationPredictomatic"));
+    EXPECT_GT(error.trail().last().line, 0);
     EXPECT_EQ(out, MARK);
 }
 

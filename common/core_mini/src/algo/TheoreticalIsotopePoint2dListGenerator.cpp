@@ -25,7 +25,6 @@ constexpr int SERIES_LENGTH = 12;
 using Series = std::array<double, SERIES_LENGTH + 1>; // index = extra mass units
 
 constexpr double DEFAULT_MIN_RELATIVE_ABUNDANCE = 0.001;
-constexpr double MAX_MASS = 1e6;
 constexpr int MIN_PEAK_COUNT = 2;
 
 struct Element
@@ -101,7 +100,7 @@ Abundances relativeAbundances(double mass, double minRelativeAbundance)
 
 Error checkInput(double mass, int charge, double minRelativeAbundance)
 {
-    if (!(mass > 0.0 && mass <= MAX_MASS))
+    if (!(mass > 0.0 && mass <= TheoreticalIsotopePoint2dListGenerator::MAXIMUM_MASS))
         return {InvalidInput,
                 QStringLiteral("An isotope envelope needs a mass above 0 and up to 1e6 Da, not %1").arg(mass)};
     if (charge < 1)

@@ -19,6 +19,8 @@ namespace zav {
 class ZAV_COMMON_CORE_MINI_EXPORT TheoreticalIsotopePoint2dListGenerator
 {
 public:
+    static constexpr double MAXIMUM_MASS = 1e6; ///< Da
+
     /// The peaks of an ion of neutral monoisotopic mass `mass` (Da) and `charge` protons, the monoisotopic one first,
     /// then ascending: x = m/z, spaced 1.0033548 / charge, y = abundance relative to the monoisotopic peak (whose y
     /// is 1; from about 1800 Da on it is not the largest).
