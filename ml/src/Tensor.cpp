@@ -40,12 +40,14 @@ std::int32_t knownElementCount(const std::vector<std::int64_t> &shape)
     return static_cast<std::int32_t>(static_cast<std::int32_t>(product) < 0 ? 0U - product : product);
 }
 
-/// Whether the number of elements is an int64. TensorFlow ends the process over a shape where it is not.
-bool isCountable(const std::vector<std::int64_t> &dimensions)
+/// Whether the number of bytes is an int64. TensorFlow ends the process over a shape whose elements are not, and takes
+/// too short a buffer for one whose bytes wrap around.
+bool isCountable(const std::vector<std::int64_t> &dimensions, std::size_t elementSize)
 {
+    const std::int64_t limit = std::numeric_limits<std::int64_t>::max() / static_cast<std::int64_t>(elementSize);
     std::int64_t count = 1;
     for (const std::int64_t dimension : dimensions) {
-        if (dimension < 0 || (dimension > 0 && count > std::numeric_limits<std::int64_t>::max() / dimension))
+        if (dimension < 0 || (dimension > 0 && count > limit / dimension))
             return false;
         count *= dimension;
     }
@@ -135,7 +137,7 @@ void Tensor::setDataShape(std::size_t count)
 
 void Tensor::fill(const void *values, std::size_t byteCount)
 {
-    data = isCountable(*dataShape) ? newBuffer(values, byteCount) : nullptr;
+    data = isCountable(*dataShape, api.TF_DataTypeSize(type)) ? newBuffer(values, byteCount) : nullptr;
     // TensorFlow owns the buffer from here on: where it refuses the data, it has called the deallocator.
     tensor = data == nullptr ? nullptr
                              : api.TF_NewTensor(type, dataShape->data(), static_cast<int>(dataShape->size()), data,

@@ -86,6 +86,28 @@ TEST(FreshTensor, HasNoOperationInANullGraph)
     EXPECT_EQ(QList<QString>{QStringLiteral("No operation named x exists")}, recorder.criticalTexts());
 }
 
+TEST(FreshTensor, TakesNoDataBeforeItIsBound)
+{
+    const MessageRecorder recorder;
+    Tensor tensor;
+    EXPECT_TRUE(tensor.setData<float>({1.0F}).equals(Failure));
+    EXPECT_EQ(QList<QString>{QStringLiteral("Provided type is different from Tensor expected type")},
+              recorder.criticalTexts());
+    EXPECT_EQ(-1, TensorInspector::state(tensor));
+}
+
+TEST(FreshTensor, GivesNoDataBeforeItIsBound)
+{
+    const MessageRecorder recorder;
+    Tensor tensor;
+    std::vector<float> values{7.0F};
+    EXPECT_TRUE(tensor.getData(&values).equals(Failure));
+    EXPECT_EQ(QList<QString>{QStringLiteral("Expected return type is different from Tensor type")},
+              recorder.criticalTexts());
+    EXPECT_EQ(-1, TensorInspector::state(tensor));
+    EXPECT_EQ(std::vector<float>{7.0F}, values);
+}
+
 TEST_F(TensorTest, InitReadsTypeAndDeclaredShape)
 {
     loadPlaceholder(Shape{-1, 4});
@@ -259,6 +281,13 @@ TEST_F(TensorTest, MoreElementsThanAnInt64CountsAreRefusedBeforeTensorFlowSeesTh
     expectRefused(131072, "An error occurred allocating the Tensor memory"); // (2^17)^4 = 2^68
 }
 
+TEST_F(TensorTest, MoreBytesThanAnInt64CountsAreRefusedBeforeTensorFlowSeesThem)
+{
+    // 2^62 + 1 elements: modulo 2^32 that is the one value, and four times as many bytes are, modulo 2^64, its four.
+    loadPlaceholder(Shape{2147418113, 2147549185});
+    expectRefused(1, "An error occurred allocating the Tensor memory");
+}
+
 TEST_F(TensorTest, TensorFlowReadsTheBufferInPlace)
 {
     loadPlaceholder(Shape{-1});
@@ -284,6 +313,16 @@ TEST_F(TensorTest, GetDataBeforeARunFailsAndInvalidatesTheTensor)
     EXPECT_EQ((QList<QString>{QStringLiteral("Tensor is empty"), QStringLiteral("Tensor is not valid")}),
               recorder.criticalTexts());
     EXPECT_EQ(std::vector<float>{7.0F}, values);
+}
+
+TEST_F(TensorTest, GetDataRefusesAnotherElementTypeBeforeItLooksForData)
+{
+    loadPlaceholder(Shape{2}, GraphDefBuilder::INT32);
+    const MessageRecorder recorder;
+    std::vector<float> values;
+    EXPECT_TRUE(x.getData(&values).equals(Failure));
+    EXPECT_EQ(QList<QString>{QStringLiteral("Expected return type is different from Tensor type")},
+              recorder.criticalTexts());
 }
 
 TEST_F(TensorTest, GetDataReplacesTheValuesAndMayBeRepeated)
