@@ -126,9 +126,10 @@ Error Model::run(const std::vector<Tensor *> &inputs, const std::vector<Tensor *
     ZAV_RETURN_IF_ERROR(errorCheck(std::all_of(inputs.begin(), inputs.end(), isFull),
                                    "Error: Not all elements from the inputs are full"),
                         __LINE__);
-    const auto isInvalid = [](const Tensor *output) { return output->state == -1; };
+    // TensorFlow follows a null operation, which is what an output has that was never bound.
+    const auto isValid = [](const Tensor *output) { return output->state != -1 && output->output.oper != nullptr; };
     ZAV_RETURN_IF_ERROR(
-        errorCheck(std::none_of(outputs.begin(), outputs.end(), isInvalid), "Error: Not all outputs Tensors are valid"),
+        errorCheck(std::all_of(outputs.begin(), outputs.end(), isValid), "Error: Not all outputs Tensors are valid"),
         __LINE__);
     ZAV_RETURN_IF_ERROR(checkSession(), __LINE__);
 

@@ -37,7 +37,8 @@ public:
     /// a failure only another `init` or destruction makes sense.
     Error init(const std::string &path, const std::vector<unsigned char> &config);
 
-    /// Runs the network once. Every input must hold data and be no output as well; no output may be invalid.
+    /// Runs the network once. Every input must hold data and be no output as well; every output must be bound and
+    /// valid.
     ///
     /// On success the outputs hold the results, with their shapes, and the inputs are empty again. When the runtime
     /// refuses the run, the inputs keep their data and the outputs are empty; when a check of the tensors fails,

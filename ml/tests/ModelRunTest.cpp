@@ -63,8 +63,10 @@ TEST_F(ModelTest, AnInputThatWasNeverFilledFailsBeforeAnythingIsReleased)
     ASSERT_FALSE(x.setData<float>({1, 2}).hasError());
     ASSERT_FALSE(model.run(x, y).hasError());
 
+    Tensor neverFilled;
+    ASSERT_FALSE(bind(&neverFilled, "x").hasError());
     const MessageRecorder recorder;
-    const Error error = model.run(x, y);
+    const Error error = model.run(neverFilled, y);
     EXPECT_TRUE(error.equals(Failure));
     EXPECT_EQ(failedCheckIn("run"), trailOf(error));
     EXPECT_EQ(QList<QString>{QStringLiteral("Error: Not all elements from the inputs are full")},
@@ -83,6 +85,24 @@ TEST_F(ModelTest, AnInvalidOutputFailsAndTheInputKeepsItsData)
     EXPECT_EQ(failedCheckIn("run"), trailOf(error));
     EXPECT_EQ(QStringLiteral("Error: Not all outputs Tensors are valid"), recorder.criticalTexts().last());
     EXPECT_EQ(1, TensorInspector::state(x));
+}
+
+TEST_F(ModelTest, AnOutputThatWasNeverBoundIsRefused)
+{
+    loadProduct();
+    ASSERT_FALSE(x.setData<float>({1, 2}).hasError());
+    ASSERT_FALSE(model.run(x, y).hasError());
+    ASSERT_FALSE(x.setData<float>({5, 6}).hasError());
+
+    Tensor neverBound;
+    const MessageRecorder recorder;
+    const Error error = model.run({&x}, {&y, &neverBound});
+    EXPECT_TRUE(error.equals(Failure));
+    EXPECT_EQ(failedCheckIn("run"), trailOf(error));
+    EXPECT_EQ(QList<QString>{QStringLiteral("Error: Not all outputs Tensors are valid")}, recorder.criticalTexts());
+    EXPECT_EQ((std::vector<float>{5, 6}), valuesOf(&x));
+    EXPECT_EQ(std::vector<float>{11}, valuesOf(&y));
+    EXPECT_EQ(0, TensorInspector::state(neverBound));
 }
 
 TEST_F(ModelTest, ASecondRunReplacesTheResults)
