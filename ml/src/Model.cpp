@@ -8,6 +8,7 @@
 #include "Tensor.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <limits>
@@ -96,7 +97,9 @@ void Model::createSession(const std::vector<unsigned char> &config)
 
 TF_Buffer *Model::readGraphFile(const std::string &path) const
 {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    // As a plain string Windows would read the name in its own code page.
+    const std::filesystem::path utf8Path(std::u8string(path.begin(), path.end()));
+    std::ifstream file(utf8Path, std::ios::binary | std::ios::ate);
     if (!file.is_open()) {
         std::cerr << "Unable to open file: " << path << std::endl;
         return nullptr;

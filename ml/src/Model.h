@@ -29,8 +29,8 @@ public:
 
     Q_DISABLE_COPY_MOVE(Model)
 
-    /// Loads the serialised GraphDef at `path` and runs its operation "init" once; a graph without one is refused.
-    /// Operations keep the names of the file.
+    /// Loads the serialised GraphDef at `path` (UTF-8) and runs its operation "init" once; a graph without one is
+    /// refused. Operations keep the names of the file.
     ///
     /// `config` is a serialised ConfigProto for the session, and may be empty; bytes that TensorFlow cannot parse
     /// leave it at its defaults. A network loaded before is freed first, and its tensors have to be bound again. After
