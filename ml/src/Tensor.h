@@ -107,7 +107,7 @@ Error Tensor::setData(std::vector<T> values)
     ZAV_RETURN_IF_ERROR(errorCheck(!shape.empty(), QStringLiteral("Shape of the input Tensor is not known, please "
                                                                   "provide a shape")),
                         __LINE__);
-    // Always holds, on purpose: several unknown dimensions get the same size.
+    // Never fails, for several unknown dimensions are accepted: each gets the same size.
     ZAV_RETURN_IF_ERROR(errorCheck(unknownDimensionCount() >= -1, QStringLiteral("At most one dimension can be "
                                                                                  "unknown, please provide a shape")),
                         __LINE__);
