@@ -162,13 +162,24 @@ TEST(ErrorUtils, NaNPassesBothModes)
     }
 }
 
-TEST(ErrorUtils, InfiniteDoublesAreOrderedAsUsual)
+TEST(ErrorUtils, InclusiveOrdersInfiniteDoublesAsUsual)
 {
-    for (const ErrorUtilsParam param : {Inclusive, Exclusive})
-        EXPECT_FALSE(below(INFINITE, 1.0, param));
+    EXPECT_FALSE(below(INFINITE, 1.0, Inclusive));
     EXPECT_TRUE(below(1.0, INFINITE, Inclusive));
     EXPECT_TRUE(below(-INFINITE, 1.0, Inclusive));
+    EXPECT_TRUE(below(-INFINITE, INFINITE, Inclusive));
     EXPECT_TRUE(below(INFINITE, INFINITE, Inclusive));
+}
+
+// |a - inf| = inf is within 1e-12 inf = inf; inf - inf is NaN, within nothing.
+TEST(ErrorUtils, ExclusiveTakesAnInfinityForNearToAllButItself)
+{
+    EXPECT_FALSE(below(INFINITE, 1.0, Exclusive));
+    EXPECT_FALSE(below(1.0, INFINITE, Exclusive));
+    EXPECT_FALSE(below(-INFINITE, 1.0, Exclusive));
+    EXPECT_FALSE(below(-INFINITE, INFINITE, Exclusive));
+    EXPECT_TRUE(below(INFINITE, INFINITE, Exclusive));
+    EXPECT_TRUE(below(-INFINITE, -INFINITE, Exclusive));
 }
 
 } // namespace

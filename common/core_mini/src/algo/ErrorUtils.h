@@ -38,7 +38,9 @@ struct ErrorUtils
     /// Passes when value <= threshold (`Inclusive`) or value < threshold (`Exclusive`).
     ///
     /// For floating point, `Inclusive` fails only on value > threshold, compared exactly, and `Exclusive` also on
-    /// near equality (`nearlyEqual`). No comparison with NaN holds, so NaN passes both.
+    /// near equality (`nearlyEqual`). No comparison with NaN holds, so NaN passes both. `nearlyEqual` takes an infinity
+    /// for near to every other number, the opposite infinity too, but not to itself: `Exclusive` passes where both are
+    /// the same infinity, and fails where one of the two is finite or the other infinity.
     template <typename T>
     static Error belowThreshold(const T &value, const T &threshold, ErrorUtilsParam param, Error error)
     {
