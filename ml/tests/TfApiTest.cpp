@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TfApi.h"
 
+#include "TfApiPointers.h"
+
 #include <QtCore/QFileInfo>
 #include <QtCore/QLibrary>
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstring>
 #include <vector>
 
 namespace zav {
@@ -51,18 +52,9 @@ constexpr std::array FUNCTIONS = {
     "TF_DeleteGraph",
 };
 
-/// The pointers of the record as they lie in memory, behind the flag.
-std::vector<QFunctionPointer> pointersOf(const TfApi &api)
-{
-    std::vector<QFunctionPointer> pointers(FUNCTIONS.size());
-    std::memcpy(pointers.data(), reinterpret_cast<const char *>(&api) + sizeof(void *),
-                pointers.size() * sizeof(QFunctionPointer));
-    return pointers;
-}
-
 TEST(TfApi, IsAFlagAndThirtyFourPointers)
 {
-    static_assert(FUNCTIONS.size() == 34);
+    static_assert(FUNCTIONS.size() == TF_FUNCTION_COUNT);
     static_assert(std::is_standard_layout_v<TfApi>);
     EXPECT_EQ(35 * sizeof(void *), sizeof(TfApi));
 }
