@@ -17,8 +17,10 @@ namespace zav {
 
 namespace {
 
-// Large enough for the network to run in full blocks, small enough for the bar to move.
-constexpr qsizetype BLOCK_SIZE = 512;
+// How many precursors are predicted before the bar moves. With isotopes the network runs for each alone; without, the
+// block is large enough for it to run on many at once.
+constexpr qsizetype BLOCK_WITH_ISOTOPES = 32;
+constexpr qsizetype BLOCK_WITHOUT_ISOTOPES = 512;
 
 OutputFormat formatOf(const SpectrumOptions &options)
 {
@@ -124,10 +126,11 @@ Error SpectrumCommand::predictAll()
     Progress progress(m_rows.size(), QStringLiteral("peptides"),
                       terminal::standardErrorIsTerminal() && !mixesWithOutput);
     m_messages.setProgress(&progress);
+    const qsizetype blockSize = m_options.isotopes ? BLOCK_WITH_ISOTOPES : BLOCK_WITHOUT_ISOTOPES;
     Error error;
-    for (qsizetype first = 0; first < m_rows.size() && !error.hasError(); first += BLOCK_SIZE) {
+    for (qsizetype first = 0; first < m_rows.size() && !error.hasError(); first += blockSize) {
         progress.update(first);
-        error = predictBlock(first, std::min(first + BLOCK_SIZE, m_rows.size()));
+        error = predictBlock(first, std::min(first + blockSize, m_rows.size()));
     }
     m_messages.setProgress(nullptr);
     return error;
@@ -205,7 +208,7 @@ void SpectrumCommand::printComparison(const SpectrumComparison &comparison)
 {
     const bool isFree = m_format == OutputFormat::Table || !writesToStandardOutput(m_options.outputPath);
     const QString text =
-        QStringLiteral("spectral angle %1, cosine %2 over b and y ions; %3 of %4 observed peaks explained, %5 % of the "
+        QStringLiteral("spectral angle %1, cosine %2 over b and y ions\n%3 of %4 observed peaks explained, %5 % of the "
                        "intensity\n")
             .arg(QString::number(comparison.spectralAngle, 'f', 3), QString::number(comparison.cosine, 'f', 3),
                  QString::number(comparison.explainedPeaks), QString::number(comparison.observedPeaks),
