@@ -9,6 +9,7 @@ zav_add_test(ml_fragmentation_tests
         FragmentationComparisonTest.cpp
         FragmentationLifecycleTest.cpp
         FragmentationPredictionTest.cpp
+        IndependentObjectsTest.cpp
         PeptideVocabularyTest.cpp
         ShippedFragmentationTest.cpp
         support/FragmentationNetwork.cpp
