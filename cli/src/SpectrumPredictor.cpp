@@ -37,6 +37,14 @@ Error loadingError(const Error &error, const QString &path)
     return explainedError(error, QStringLiteral("cannot load %1: %2").arg(QFileInfo(path).fileName(), reason));
 }
 
+/// The library tells a network that does not fit by code and trail alone.
+Error predictionError(const Error &error, int charge)
+{
+    if (!error.hasError() || !error.message().isEmpty())
+        return error;
+    return explainedError(error, QStringLiteral("msms_charge%1.pb is not a network for charge %1").arg(charge));
+}
+
 } // namespace
 
 SpectrumPredictor::SpectrumPredictor(const PredictionContent &content) : m_content(content) {}
@@ -99,7 +107,7 @@ QList<Result<PredictedSpectrum>> SpectrumPredictor::predictCharge(const QList<Pr
         QStringList peptides;
         for (const Precursor &precursor : precursors)
             peptides.append(precursor.peptide);
-        error = m_predictor->predictFragments(peptides, charge, &fragments);
+        error = predictionError(m_predictor->predictFragments(peptides, charge, &fragments), charge);
     }
     QList<Result<PredictedSpectrum>> outcomes;
     for (int i = 0; i < precursors.size(); ++i)
@@ -126,9 +134,9 @@ Error SpectrumPredictor::addPeaks(const Precursor &precursor, const QList<Fragme
         return {};
     }
     QList<QPointF> points;
-    if (Error error = m_predictor->predictMsMsFragmentation(precursor.peptide, precursor.charge, &points);
-        error.hasError())
-        return error;
+    const Error error = m_predictor->predictMsMsFragmentation(precursor.peptide, precursor.charge, &points);
+    if (error.hasError())
+        return predictionError(error, precursor.charge);
     const QList<FragmentPeak> possible =
         m_content.ionNames ? theoreticalFragments(precursor.peptide, precursor.charge, m_content.cysteineMass)
                            : QList<FragmentPeak>();
