@@ -63,7 +63,7 @@ Error FragmentBatch::bindTensors()
                         __LINE__);
     ZAV_RETURN_IF_ERROR(output.init(network.getGraph(), network.getStatus(), peptideVocabulary::NETWORK_OUTPUT),
                         __LINE__);
-    return Error();
+    return NoError;
 }
 
 /// Peptides can be stacked when the leading dimension alone is unknown and the others hold exactly one of them.
@@ -108,7 +108,7 @@ Error FragmentBatch::predictBlock(const QStringList &peptides, const qsizetype *
     ZAV_RETURN_IF_ERROR(ErrorUtils::equal<int>(expected, static_cast<int>(predictions.size()), Failure), __LINE__);
     for (std::size_t i = 0; i < count; ++i)
         keepSpectrum(peptides.at(first[i]), first[i], &predictions[i * slotCount]);
-    return Error();
+    return NoError;
 }
 
 std::vector<float> FragmentBatch::encodeBlock(const QStringList &peptides, const qsizetype *first,

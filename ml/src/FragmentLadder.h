@@ -5,11 +5,9 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
-namespace zav {
-
 /// The fixed order of the fragment ions whose intensities a network predicts: series after series, each with a fixed
 /// number of slots, slot i of a series holding the ion of i + 1 residues.
-namespace fragmentLadder {
+namespace zav::fragmentLadder {
 
 /// One series of the ladder.
 struct IonSeries
@@ -38,6 +36,4 @@ double residueMass(QChar residue);
 /// The one residue that carries the predictor's fixed mass.
 inline constexpr QChar MODIFIED_RESIDUE = u'C';
 
-} // namespace fragmentLadder
-
-} // namespace zav
+} // namespace zav::fragmentLadder

@@ -62,7 +62,7 @@ Error MsMsFragmentationPredictomatic::Private::init(const QString &modelPath1, Q
         delete models.take(charge);
         models.insert(charge, model.release());
     }
-    return Error();
+    return NoError;
 }
 
 Result<Model *> MsMsFragmentationPredictomatic::Private::model(int charge) const
@@ -77,11 +77,13 @@ MsMsFragmentationPredictomatic::MsMsFragmentationPredictomatic() : d(std::make_u
 
 MsMsFragmentationPredictomatic::~MsMsFragmentationPredictomatic() = default;
 
+// NOLINTBEGIN(performance-unnecessary-value-param): the signature is a promise to hosts
 Error MsMsFragmentationPredictomatic::init(const QString &modelPath1, QString modelPath2, QString modelPath3,
                                            QString modelPath4, QString modelPath5)
+// NOLINTEND(performance-unnecessary-value-param)
 {
     ZAV_RETURN_IF_ERROR(d->init(modelPath1, modelPath2, modelPath3, modelPath4, modelPath5), 123);
-    return Error();
+    return NoError;
 }
 
 bool MsMsFragmentationPredictomatic::isInit() const
@@ -107,7 +109,7 @@ void MsMsFragmentationPredictomatic::setCysteineFixedMass(double mass)
 Error MsMsFragmentationPredictomatic::predictMsMsFragmentation(const QString &peptide, int charge, QList<QPointF> *out)
 {
     if (peptide.size() > getMaximumPeptideLengthForCharge(charge))
-        return Error();
+        return NoError;
     ZAV_RETURN_IF_ERROR(out == nullptr ? missingOutError() : Error(), __LINE__);
     const Result<Model *> model = d->model(charge);
     ZAV_RETURN_IF_ERROR(model.error(), __LINE__);
@@ -128,7 +130,7 @@ Error MsMsFragmentationPredictomatic::predictMsMsFragmentation(const QString &pe
     QList<QPointF> spectrum = std::move(points).value();
     filterPredictedPoints(&spectrum);
     *out = std::move(spectrum);
-    return Error();
+    return NoError;
 }
 
 Error MsMsFragmentationPredictomatic::predictFragments(const QStringList &peptides, int charge,

@@ -6,11 +6,9 @@
 #include <QtCore/QMap>
 #include <QtCore/QString>
 
-namespace zav {
-
 /// What the fragmentation networks and the predictor agree on: how residues are numbered and how long a peptide may be.
 /// The tables belong to the graph files and never change.
-namespace peptideVocabulary {
+namespace zav::peptideVocabulary {
 
 /// The operation of a network that takes encoded peptides: float, [1 or -1, maximum length, encoding width].
 inline constexpr char NETWORK_INPUT[] = "import/conv1d_1_input";
@@ -39,6 +37,4 @@ int maximumPeptideLength(int charge);
 /// fillers behind the last residue. `rows` points at that many zeros; the peptide has at most `rowCount` residues.
 void writeOneHotRows(const QString &peptide, int rowCount, float *rows);
 
-} // namespace peptideVocabulary
-
-} // namespace zav
+} // namespace zav::peptideVocabulary

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-namespace zav {
-
 /// Which predicted peaks are worth returning.
-namespace spectrumLimits {
+namespace zav::spectrumLimits {
 
 inline constexpr double HIGHEST_MZ = 2000.0;      // the usual end of the mass range that is recorded
 inline constexpr double LOWEST_INTENSITY = 0.025; // of the network's scale
@@ -15,6 +13,4 @@ constexpr bool isOutside(double mz, double intensity)
     return mz > HIGHEST_MZ || intensity < LOWEST_INTENSITY;
 }
 
-} // namespace spectrumLimits
-
-} // namespace zav
+} // namespace zav::spectrumLimits

@@ -16,7 +16,7 @@ std::vector<Index> finiteRows(const Eigen::MatrixXd &rows)
 {
     std::vector<Index> finite;
     for (Index row = 0; row < rows.rows(); ++row)
-        if (rows.row(row).allFinite())
+        if (rows.cols() == 0 || rows.row(row).allFinite()) // Eigen takes no row of a matrix without data
             finite.push_back(row);
     return finite;
 }
