@@ -167,7 +167,7 @@ XicBaselineLimitsDetector::Private::integrateXIC(const QList<QPointF> &points, d
     if (used <= options.minPointCount)
         return QList<Interval<double>>();
     ZAV_RETURN_IF_ERROR(holdsAtLeast(values, used), __LINE__);
-    const Result<QList<Interval<double>>> found =
+    Result<QList<Interval<double>>> found =
         processPrediction(Eigen::Map<const Eigen::VectorXf>(values.data(), used), points);
     ZAV_RETURN_IF_ERROR(found.error(), 166);
 
