@@ -12,6 +12,8 @@ using Spectra = QList<QList<FragmentPeak>>;
 
 constexpr double EXACT = 0.0; // the sums of the random linear networks are
 
+constexpr std::int64_t ENCODED_SIZE = 903; // 43 rows of 21 columns at charge 2
+
 const Spectra MARK{{FragmentPeak{}}, {}}; // what `out` holds before a call
 
 class FragmentBatchPrediction : public FragmentationTest
@@ -69,7 +71,7 @@ TEST_F(FragmentBatchPrediction, StacksNothingThatANetworkDoesNotStack)
     GraphDefBuilder unstacked;
     unstacked.noOp("init")
         .placeholder(FragmentationContract::INPUT, {{-1, 21}})
-        .reshape("flat", FragmentationContract::INPUT, {1, 43 * 21})
+        .reshape("flat", FragmentationContract::INPUT, {1, ENCODED_SIZE})
         .slice("some", "flat", {0, 0}, {1, 359})
         .identity(FragmentationContract::OUTPUT, "some");
     load(2, unstacked);
@@ -81,8 +83,8 @@ TEST_F(FragmentBatchPrediction, StacksNothingWhereMoreThanTheLeadingDimensionIsU
     std::mt19937 generator(6);
     GraphDefBuilder unknown;
     unknown.noOp("init")
-        .placeholder(FragmentationContract::INPUT, {{-1, -1, -1, 43 * 21}})
-        .reshape("flat", FragmentationContract::INPUT, {1, 43 * 21})
+        .placeholder(FragmentationContract::INPUT, {{-1, -1, -1, ENCODED_SIZE}})
+        .reshape("flat", FragmentationContract::INPUT, {1, ENCODED_SIZE})
         .slice(FragmentationContract::OUTPUT, "flat", {0, 0}, {1, 359});
     load(2, unknown);
     expectSameAsOneByOne(randomPeptides(20, 2, &generator), 2);
@@ -107,7 +109,7 @@ TEST_F(FragmentBatchPrediction, LeavesOutAsItWasWhenALaterBlockFails)
     GraphDefBuilder picky;
     picky.noOp("init")
         .placeholder(FragmentationContract::INPUT, {{-1, 43, 21}})
-        .reshape("flat", FragmentationContract::INPUT, {128, 43 * 21})
+        .reshape("flat", FragmentationContract::INPUT, {128, ENCODED_SIZE})
         .slice(FragmentationContract::OUTPUT, "flat", {0, 0}, {128, 359});
     load(2, picky);
     Spectra out = MARK;
@@ -120,13 +122,14 @@ TEST_F(FragmentBatchPrediction, LeavesOutAsItWasWhenALaterBlockFails)
 TEST_F(FragmentBatchPrediction, NamesEveryIon)
 {
     std::vector<float> intensities(359, 0.0F);
-    intensities[0] = 0.1F;               // y1
-    intensities[43 + 1] = 0.2F;          // b2
-    intensities[2 * 43 + 1] = 0.3F;      // y2, doubly charged
-    intensities[4 * 43] = 0.4F;          // a1
-    intensities[4 * 43 + 15 + 1] = 0.5F; // y2-H2O
-    intensities[7 * 43 + 15] = 0.6F;     // b1-NH3
-    intensities[3] = 0.7F;               // y4, which the peptide does not have
+    constexpr std::size_t L = 43;       // slots of each full series
+    intensities[0] = 0.1F;              // y1
+    intensities[L + 1] = 0.2F;          // b2
+    intensities[2 * L + 1] = 0.3F;      // y2, doubly charged
+    intensities[4 * L] = 0.4F;          // a1
+    intensities[4 * L + 15 + 1] = 0.5F; // y2-H2O
+    intensities[7 * L + 15] = 0.6F;     // b1-NH3
+    intensities[3] = 0.7F;              // y4, which the peptide does not have
     load(2, constantNetwork(2, intensities));
     Spectra spectra;
     ASSERT_FALSE(predictor.predictFragments({QStringLiteral("GAS")}, 2, &spectra).hasError());
@@ -305,7 +308,7 @@ TEST_F(FragmentBatchPrediction, RefusesAnOutputThatForgetsPeptides)
     GraphDefBuilder forgetful;
     forgetful.noOp("init")
         .placeholder(FragmentationContract::INPUT, {{-1, 43, 21}})
-        .reshape("flat", FragmentationContract::INPUT, {-1, 43 * 21})
+        .reshape("flat", FragmentationContract::INPUT, {-1, ENCODED_SIZE})
         .slice(FragmentationContract::OUTPUT, "flat", {0, 0}, {1, 359});
     load(2, forgetful);
     Spectra out = MARK;

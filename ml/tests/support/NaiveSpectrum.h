@@ -7,12 +7,10 @@
 
 #include <vector>
 
-namespace zav {
-
 /// A second implementation of the spectrum of a peptide, slow and from first principles: masses from atoms, each
 /// fragment summed anew, isotope envelopes by the binomial series of each element. It shares no code, no table and no
 /// method with the library.
-namespace naive {
+namespace zav::naive {
 
 /// m/z of every slot of the ladder; -1 for slots that the peptide is too short for. Unknown residues weigh nothing.
 std::vector<double> fragmentMzs(const QString &peptide, int precursorCharge, double cysteineMass);
@@ -28,6 +26,4 @@ QList<QPointF> spectrum(const QString &peptide, int precursorCharge, double cyst
 /// The abundances of an average peptide relative to the monoisotopic peak, `count` of them.
 std::vector<double> isotopeEnvelope(double neutralMass, int count);
 
-} // namespace naive
-
-} // namespace zav
+} // namespace zav::naive
