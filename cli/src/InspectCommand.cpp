@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InspectCommand.h"
 
+#include "ExitCode.h"
 #include "ModelFolder.h"
 #include "QuietStandardError.h"
 #include "TextTable.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "CommandLine.h"
+#include "InspectOptions.h"
 #include "Messages.h"
 #include "NetworkInspection.h"
 

@@ -29,22 +29,38 @@ int finish(const EarlyExit &exit)
     return exit.code;
 }
 
+int run(const SpectrumOptions &options)
+{
+    return SpectrumCommand(options).run();
+}
+
+int run(const InspectOptions &options)
+{
+    return InspectCommand(options).run();
+}
+
+/// Runs a command in the surroundings that it asks for.
+template <typename Options>
+int runCommand(const Options &options, char **argv)
+{
+    // The application object reads arguments of its own; ours are none of its business.
+    int applicationArgc = 1;
+    const auto application = createApplication(applicationArgc, argv, options.drawsPictures());
+    if (!options.verbose)
+        quietenLibraries();
+    return run(options);
+}
+
+int runCommand(const EarlyExit &exit, char ** /*argv*/)
+{
+    return finish(exit);
+}
+
 } // namespace
 
 int runProgram(int argc, char **argv)
 {
-    const CommandLine commandLine = parseCommandLine(argc, argv);
-    if (const auto *exit = std::get_if<EarlyExit>(&commandLine))
-        return finish(*exit);
-
-    const auto *spectrum = std::get_if<SpectrumOptions>(&commandLine);
-    const auto *inspect = std::get_if<InspectOptions>(&commandLine);
-    // The application object reads arguments of its own; ours are none of its business.
-    int applicationArgc = 1;
-    const auto application = createApplication(applicationArgc, argv, spectrum && !spectrum->picturePath.isEmpty());
-    if (!(spectrum ? spectrum->verbose : inspect->verbose))
-        quietenLibraries();
-    return spectrum ? SpectrumCommand(*spectrum).run() : InspectCommand(*inspect).run();
+    return std::visit([&](const auto &asked) { return runCommand(asked, argv); }, parseCommandLine(argc, argv));
 }
 
 } // namespace zav

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumCommand.h"
 
+#include "ExitCode.h"
 #include "PrecursorCheck.h"
 #include "Progress.h"
 #include "SpectrumPlot.h"

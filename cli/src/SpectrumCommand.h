@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "CommandLine.h"
+#include "SpectrumOptions.h"
 #include "Messages.h"
 #include "ObservedSpectrum.h"
 #include "PeptideList.h"

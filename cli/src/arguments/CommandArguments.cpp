@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "CommandArguments.h"
+
+#include "InspectArguments.h"
+#include "SpectrumArguments.h"
+
+namespace zav {
+
+CommandArguments::~CommandArguments() = default;
+
+std::vector<std::unique_ptr<CommandArguments>> allCommandArguments()
+{
+    std::vector<std::unique_ptr<CommandArguments>> commands;
+    commands.push_back(std::make_unique<SpectrumArguments>());
+    commands.push_back(std::make_unique<InspectArguments>());
+    return commands;
+}
+
+bool isPicture(const QString &path)
+{
+    const QString ending = QFileInfo(path).suffix().toLower();
+    return ending == QLatin1String("svg") || ending == QLatin1String("png") || ending == QLatin1String("pdf");
+}
+
+} // namespace zav

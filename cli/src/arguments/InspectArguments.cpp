@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "InspectArguments.h"
+
+#include <CLI/CLI.hpp>
+
+namespace zav {
+
+namespace {
+
+constexpr char EXAMPLES[] =
+    R"(Exit code: 0 every network is the one its contract describes and runs, 1 otherwise, 2 wrong usage.
+
+Examples:
+  zav inspect
+  zav inspect models
+)";
+
+} // namespace
+
+void InspectArguments::addTo(CLI::App *command)
+{
+    command->add_option("DIR", m_folder, "folder of the networks; default: the installed ones")->type_name("");
+    command->add_option("--models", m_models, "the same, named as for zav spectrum")->type_name("DIR");
+    command->add_flag("-v,--verbose", m_verbose, "with each failure, where in the program it passed");
+    command->footer(EXAMPLES);
+}
+
+Result<CommandLine> InspectArguments::options() const
+{
+    if (!m_folder.empty() && !m_models.empty())
+        return wrongArgument(QStringLiteral("DIR and --models exclude each other"));
+    return CommandLine(InspectOptions{text(m_folder.empty() ? m_models : m_folder), m_verbose});
+}
+
+} // namespace zav

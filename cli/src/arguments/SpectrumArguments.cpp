@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SpectrumArguments.h"
+
+#include "Precursor.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+#include <map>
+
+namespace zav {
+
+namespace {
+
+constexpr char EXAMPLES[] =
+    R"(The peptide is written in upper-case one-letter code; the charge is that of the precursor, 1 to 5.
+FILE.tsv of --peptides has the columns peptide and charge, with or without a header line.
+
+Without --format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .msp, .mgf,
+.json), and TSV otherwise. Intensities are relative to the base peak; peaks under 0.025 or over 2000 m/z are left out.
+
+Exit code: 0 everything asked was predicted, 1 something was not (standard error says what and why), 2 wrong usage.
+
+Examples:
+  zav spectrum LQSRPAAPPAPGPGQLTLR 3
+  zav spectrum LQSRPAAPPAPGPGQLTLR 3 --annotate --no-isotopes --format tsv
+  zav spectrum LQSRPAAPPAPGPGQLTLR 3 --plot mirror.svg --against run.mzML --scan 30069
+  zav spectrum --peptides peptides.tsv --no-isotopes -o library.msp
+  cut -f 1,2 peptides.tsv | zav spectrum --peptides - --format json > spectra.json
+)";
+
+const std::map<std::string, OutputFormat> FORMATS = {{"json", OutputFormat::Json},
+                                                     {"mgf", OutputFormat::Mgf},
+                                                     {"msp", OutputFormat::Msp},
+                                                     {"table", OutputFormat::Table},
+                                                     {"tsv", OutputFormat::Tsv}};
+
+std::optional<OutputFormat> formatNamed(const std::string &name)
+{
+    const auto known = FORMATS.find(name);
+    return known == FORMATS.end() ? std::nullopt : std::optional(known->second);
+}
+
+} // namespace
+
+void SpectrumArguments::addTo(CLI::App *command)
+{
+    command->add_option("PEPTIDE", m_peptide, "the peptide")->type_name("");
+    command->add_option("CHARGE", m_charge, "charge of its precursor, 1 to 5")->type_name("");
+    command->add_option("--peptides", m_peptides, "a list of peptides and charges; - is standard input")
+        ->type_name("FILE.tsv");
+    command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
+    command->add_option("--cysteine", m_cysteine, "added to every cysteine, in Da [57.02146]")->type_name("MASS");
+    command->add_option("-f,--format", m_format, "tsv, msp, mgf, json or table")->type_name("FORMAT");
+    command->add_option("-o,--output", m_output, "write to FILE, which appears only when it is complete")
+        ->type_name("FILE");
+    command->add_flag("--no-isotopes", m_noIsotopes, "monoisotopic peaks only");
+    command->add_flag("--annotate", m_annotate,
+                      "name the ion of each peak, as y7-H2O++; its heavier isotopes as y7-H2O++ i1");
+    command->add_option("--plot", m_plot, "draw the spectrum: .svg, .png or .pdf")->type_name("FILE");
+    command->add_option("--against", m_against, "compare with a measured spectrum: .mzML, .mgf or .tsv")
+        ->type_name("FILE");
+    command->add_option("--scan", m_scan, "which spectrum of that file: scan number, native id or title")
+        ->type_name("SCAN");
+    command->add_option("--tolerance", m_tolerance, "for the comparison, as 20ppm or 0.02Da [20ppm]")
+        ->type_name("WIDTH");
+    command->add_flag("-v,--verbose", m_verbose, "with each failure, where in the program it passed");
+    command->footer(EXAMPLES);
+}
+
+/// What the options contradict, empty when nothing.
+QString SpectrumArguments::contradiction() const
+{
+    const bool isList = !m_peptides.empty();
+    if (isList && !(m_peptide.empty() && m_charge.empty()))
+        return QStringLiteral("PEPTIDE and --peptides exclude each other");
+    if (!isList && m_charge.empty())
+        return m_peptide.empty() ? QStringLiteral("PEPTIDE and CHARGE, or --peptides, are missing")
+                                 : QStringLiteral("CHARGE is missing");
+    if (isList && !(m_plot.empty() && m_against.empty()))
+        return QStringLiteral("--plot and --against are for one peptide, not for --peptides");
+    if (m_against.empty() && !(m_scan.empty() && m_tolerance.empty()))
+        return QStringLiteral("--scan and --tolerance belong to --against");
+    if (!m_plot.empty() && !isPicture(text(m_plot)))
+        return QStringLiteral("--plot draws a file ending in .svg, .png or .pdf, not '%1'")
+            .arg(displayText(text(m_plot)));
+    if (!std::isfinite(m_cysteine))
+        return QStringLiteral("--cysteine is not a finite mass");
+    return {};
+}
+
+/// Converts what is plain text so far; what is wrong with it, or empty.
+QString SpectrumArguments::convert(SpectrumOptions *options) const
+{
+    if (m_peptides.empty()) {
+        bool isNumber = false;
+        options->charge = text(m_charge).toInt(&isNumber);
+        if (!isNumber)
+            return QStringLiteral("CHARGE '%1' is not a whole number").arg(displayText(text(m_charge)));
+    }
+    if (!m_format.empty()) {
+        options->format = formatNamed(m_format);
+        if (!options->format)
+            return QStringLiteral("--format '%1' is none of tsv, msp, mgf, json and table")
+                .arg(displayText(text(m_format)));
+    } else if (!m_output.empty()) {
+        options->format = formatNamed(QFileInfo(text(m_output)).suffix().toLower().toStdString());
+    }
+    if (!m_tolerance.empty()) {
+        const Result<MassTolerance> tolerance = parseMassTolerance(text(m_tolerance));
+        if (tolerance.hasError())
+            return QStringLiteral("--tolerance: ") + tolerance.error().message();
+        options->tolerance = tolerance.value();
+    }
+    return {};
+}
+
+Result<CommandLine> SpectrumArguments::options() const
+{
+    SpectrumOptions options;
+    QString problem = contradiction();
+    if (problem.isEmpty())
+        problem = convert(&options);
+    if (!problem.isEmpty())
+        return wrongArgument(problem);
+    options.peptide = text(m_peptide);
+    options.peptideList = text(m_peptides);
+    options.modelFolder = text(m_models);
+    options.cysteineMass = m_cysteine;
+    options.outputPath = text(m_output);
+    options.isotopes = !m_noIsotopes;
+    options.annotate = m_annotate;
+    options.picturePath = text(m_plot);
+    options.observedPath = text(m_against);
+    options.scan = text(m_scan);
+    options.verbose = m_verbose;
+    return CommandLine(options);
+}
+
+} // namespace zav

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "MassTolerance.h"
+#include "SpectrumWriter.h"
+
+#include <QtCore/QString>
+
+#include <optional>
+
+namespace zav {
+
+/// What `zav spectrum` was asked for.
+struct SpectrumOptions
+{
+    QString peptide; ///< with `charge`, or empty and `peptideList` instead
+    int charge = 0;
+    QString peptideList;            ///< path, "-" for standard input
+    QString modelFolder;            ///< empty: where the networks are installed
+    double cysteineMass = 57.02146; ///< Da
+    std::optional<OutputFormat> format;
+    QString outputPath; ///< empty: standard output
+    bool isotopes = true;
+    bool annotate = false;
+    QString picturePath;  ///< empty: none
+    QString observedPath; ///< a measured spectrum to compare with; empty: none
+    QString scan;         ///< which of that file's spectra
+    MassTolerance tolerance;
+    bool verbose = false;
+
+    bool drawsPictures() const { return !picturePath.isEmpty(); }
+};
+
+} // namespace zav
