@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Error.h"
+
+#include <QtCore/QList>
+#include <QtCore/QPointF>
+#include <QtCore/QString>
+
+namespace zav {
+
+/// The limits of a peak and its highest point, as times in the unit of the trace.
+struct ChromatogramPlotPeak
+{
+    double start = 0;
+    double end = 0;
+    double apex = 0;
+};
+
+/// Where one peak was split from the next, in the unit of the trace.
+struct ChromatogramPlotSplit
+{
+    double time = 0;
+    double probability = 0;
+};
+
+/// What a picture shows.
+struct ChromatogramPlotData
+{
+    QString id;                          ///< of the trace: the heading, on two lines at most, then shortened
+    QString source;                      ///< the file's name and what was extracted from it; may be empty
+    QList<QPointF> points;               ///< (time, intensity) as measured, in acquisition order
+    QString timeUnit;                    ///< "min", "s" or empty where the file does not say
+    QString intensityUnit;               ///< "counts" for example; may be empty
+    QList<ChromatogramPlotPeak> peaks;   ///< shaded between their limits, in any order
+    QList<ChromatogramPlotSplit> splits; ///< dashed lines, each with its probability
+};
+
+/// True when this build can draw at all (Qt Gui and Qt Svg were there).
+bool canDrawChromatograms();
+
+/// Draws the trace, its peaks and its splits into a file whose ending says what it is: .svg, .png or .pdf. The file
+/// appears under its name only when it is complete; an older one stays on failure.
+///
+/// Points whose time or intensity is not finite break the line and are counted in the picture. Parts of peaks that lie
+/// outside the trace are not drawn, nor are peaks whose start lies after their end. Of more than 500 peaks or splits
+/// the first 500 are drawn, and the picture says so. A long trace costs a file no more than a short one: of the points
+/// that share a pixel, only those that are seen are written.
+///
+/// Needs a QGuiApplication (`createApplication`). `InvalidInput` for another ending; `Failure` when the file cannot be
+/// written, when the machine has no font, and in a build that cannot draw.
+Error drawChromatogram(const ChromatogramPlotData &data, const QString &path);
+
+} // namespace zav
