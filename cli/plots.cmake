@@ -37,15 +37,24 @@ if(TARGET Qt6::Gui AND TARGET Qt6::Svg)
         src/plots/Application.cpp
         src/plots/LabelPlacement.cpp
         src/plots/PeptideDiagram.cpp
+        src/plots/PictureFile.cpp
+        src/plots/PlotAxis.cpp
+        src/plots/PlotLegend.cpp
         src/plots/PlotPeak.cpp
         src/plots/PlotScale.cpp
         src/plots/PlotStyle.cpp
+        src/plots/PlotText.cpp
         src/plots/SpectrumFigure.cpp
         src/plots/SpectrumPanel.cpp
-        src/plots/SpectrumPlot.cpp)
+        src/plots/SpectrumPlot.cpp
+        src/plots/TickText.cpp)
     target_link_libraries(zav_program PRIVATE Qt6::Gui Qt6::Svg)
 else()
     message(STATUS "zav draws no pictures: Qt Gui or Qt Svg (qt6-base-dev, qt6-svg-dev) is missing")
     set(ZAV_DRAWS_PICTURES FALSE)
-    target_sources(zav_program PRIVATE src/plots/NoGuiApplication.cpp src/plots/NoSpectrumPlot.cpp)
+    target_sources(zav_program PRIVATE
+        src/plots/NoChromatogramPlot.cpp
+        src/plots/NoGuiApplication.cpp
+        src/plots/NoPictureFile.cpp
+        src/plots/NoSpectrumPlot.cpp)
 endif()

@@ -2,6 +2,8 @@
 #include "SpectrumFigure.h"
 
 #include "PeptideDiagram.h"
+#include "PlotAxis.h"
+#include "PlotLegend.h"
 #include "PlotStyle.h"
 #include "SpectrumPanel.h"
 
@@ -28,12 +30,8 @@ constexpr double PEPTIDE_HEIGHT = 58;
 constexpr double PLOT_TOP = 102;
 constexpr double BOTTOM_ROOM = 52;     // for tick labels, axis title and legend
 constexpr double FOOTER_DISTANCE = 38; // of the last line of text from the plot
-constexpr double TICK_LENGTH = 5;
-constexpr double TICK_TEXT_SIZE = 11;
-constexpr double TITLE_TEXT_SIZE = 12;
-constexpr double TICK_SPACING = 80;
-constexpr double LEGEND_GAP = 5;
-constexpr double LEGEND_LINE = 12;
+constexpr double SOURCE_TEXT_SIZE = 11;
+constexpr double SOURCE_GAP = 36; // to the axis title
 
 // Where the m/z axis ends when there is no peak to say so.
 constexpr double EMPTY_FROM = 100;
@@ -93,16 +91,15 @@ QSet<int> ionNumbers(const SpectrumPlotData &data, QChar ionType)
     return numbers;
 }
 
-struct LegendEntry
-{
-    QList<QColor> colors;
-    QString text;
-};
-
 template <typename Predicate>
 bool anyPredicted(const SpectrumPlotData &data, const Predicate &predicate)
 {
     return std::any_of(data.predicted.begin(), data.predicted.end(), predicate);
+}
+
+QPen legendPen(const QColor &color)
+{
+    return QPen(color, 3, Qt::SolidLine, Qt::FlatCap);
 }
 
 // The colours that the picture uses, and no others.
@@ -111,13 +108,13 @@ QList<LegendEntry> legendOf(const SpectrumPlotData &data)
     QList<LegendEntry> entries;
     for (const QChar series : {u'b', u'y', u'a'}) {
         if (anyPredicted(data, [&](const AnnotatedPeak &peak) { return peak.ionType == series; }))
-            entries.append({{plotStyle::ionColor(series)}, series});
+            entries.append({{legendPen(plotStyle::ionColor(series))}, series});
     }
     if (anyPredicted(data, [](const AnnotatedPeak &peak) { return peak.isotope || !peak.neutralLoss.isEmpty(); }))
-        entries.append({{plotStyle::lighterIonColor(u'y'), plotStyle::lighterIonColor(u'b')},
+        entries.append({{legendPen(plotStyle::lighterIonColor(u'y')), legendPen(plotStyle::lighterIonColor(u'b'))},
                         QStringLiteral("loss, isotope (thin)")});
     if (data.observed)
-        entries.append({{plotStyle::unmatchedColor()}, QStringLiteral("unmatched")});
+        entries.append({{legendPen(plotStyle::unmatchedColor())}, QStringLiteral("unmatched")});
     return entries;
 }
 
@@ -140,15 +137,12 @@ double SpectrumFigure::plotBottom() const
 
 void SpectrumFigure::paint(QPainter *painter) const
 {
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setRenderHint(QPainter::TextAntialiasing);
-    painter->fillRect(QRectF(QPointF(0, 0), size()), Qt::white);
     paintHeading(painter);
     paintPeptide(painter);
     paintPanels(painter);
-    paintMzAxis(painter);
+    BottomAxis{m_mz, plotBottom(), QStringLiteral("m/z"), FOOTER_DISTANCE, true}.paint(painter);
     paintSource(painter);
-    paintLegend(painter);
+    paintLegend(painter, legendOf(m_data), m_mz.end, plotBottom() + FOOTER_DISTANCE);
 }
 
 void SpectrumFigure::paintHeading(QPainter *painter) const
@@ -183,62 +177,16 @@ void SpectrumFigure::paintPanels(QPainter *painter) const
     painter->drawLine(QPointF(m_mz.start, middle), QPointF(m_mz.end, middle));
 }
 
-void SpectrumFigure::paintMzAxis(QPainter *painter) const
-{
-    const double y = plotBottom();
-    painter->setPen(QPen(plotStyle::axisColor(), 1));
-    painter->drawLine(QPointF(m_mz.start, y), QPointF(m_mz.end, y));
-    painter->setFont(plotStyle::font(TICK_TEXT_SIZE));
-    const QFontMetricsF metrics(painter->font());
-    const int tickCount = static_cast<int>((m_mz.end - m_mz.start) / TICK_SPACING) + 1;
-    for (const double tick : niceTicks(m_mz.from, m_mz.to, tickCount)) {
-        const double x = m_mz.at(tick);
-        painter->setPen(QPen(plotStyle::axisColor(), 1));
-        painter->drawLine(QPointF(x, y), QPointF(x, y + TICK_LENGTH));
-        const QString text = QString::number(tick);
-        painter->setPen(plotStyle::textColor());
-        painter->drawText(QPointF(x - metrics.horizontalAdvance(text) / 2, y + TICK_LENGTH + 13), text);
-    }
-    QFont italic = plotStyle::font(TITLE_TEXT_SIZE);
-    italic.setItalic(true); // a symbol, not words
-    painter->setFont(italic);
-    const QString title = QStringLiteral("m/z");
-    const double width = QFontMetricsF(painter->font()).horizontalAdvance(title);
-    painter->drawText(QPointF((m_mz.start + m_mz.end - width) / 2, y + FOOTER_DISTANCE), title);
-}
-
 void SpectrumFigure::paintSource(QPainter *painter) const
 {
     if (!m_data.observed)
         return;
-    painter->setFont(plotStyle::font(TICK_TEXT_SIZE));
+    painter->setFont(plotStyle::font(SOURCE_TEXT_SIZE));
     painter->setPen(plotStyle::textColor());
     const QString text = QFontMetricsF(painter->font())
                              .elidedText(QStringLiteral("Observed: ") + m_data.observed->title, Qt::ElideRight,
-                                         (m_mz.end - m_mz.start) / 2 - TITLE_TEXT_SIZE * 3);
+                                         (m_mz.end - m_mz.start) / 2 - SOURCE_GAP);
     painter->drawText(QPointF(LEFT, plotBottom() + FOOTER_DISTANCE), text);
-}
-
-void SpectrumFigure::paintLegend(QPainter *painter) const
-{
-    painter->setFont(plotStyle::font(TICK_TEXT_SIZE));
-    const QFontMetricsF metrics(painter->font());
-    const QList<LegendEntry> entries = legendOf(m_data);
-    const double y = plotBottom() + FOOTER_DISTANCE;
-    double x = m_mz.end;
-    for (auto entry = entries.crbegin(); entry != entries.crend(); ++entry) {
-        x -= metrics.horizontalAdvance(entry->text);
-        painter->setPen(plotStyle::textColor());
-        painter->drawText(QPointF(x, y), entry->text);
-        x -= LEGEND_GAP;
-        for (const QColor &color : entry->colors) {
-            painter->setPen(QPen(color, 3, Qt::SolidLine, Qt::FlatCap));
-            painter->drawLine(QPointF(x - LEGEND_LINE, y - metrics.capHeight() / 2),
-                              QPointF(x, y - metrics.capHeight() / 2));
-            x -= LEGEND_LINE;
-        }
-        x -= 3 * LEGEND_GAP;
-    }
 }
 
 } // namespace zav

@@ -21,6 +21,7 @@ public:
     /// Page size in page units, 1/96 inch.
     QSizeF size() const;
 
+    /// On a white page.
     void paint(QPainter *painter) const;
 
 private:
@@ -28,9 +29,7 @@ private:
     void paintHeading(QPainter *painter) const;
     void paintPeptide(QPainter *painter) const;
     void paintPanels(QPainter *painter) const;
-    void paintMzAxis(QPainter *painter) const;
     void paintSource(QPainter *painter) const;
-    void paintLegend(QPainter *painter) const;
 
     const SpectrumPlotData &m_data;
     QList<PlotPeak> m_predicted;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumPanel.h"
 
+#include "PlotAxis.h"
 #include "PlotStyle.h"
 
 #include <QtGui/QFontMetricsF>
@@ -20,21 +21,8 @@ constexpr double LABEL_GAP = 3; // free around a label, both sides together
 // Labels of smaller peaks would stand on the base line among the noise.
 constexpr double MIN_LABELLED_HEIGHT = 0.01;
 
-constexpr double TICK_LENGTH = 5;
-constexpr double TICK_TEXT_SIZE = 11;
-constexpr double TITLE_TEXT_SIZE = 12;
+constexpr double EMPTY_TEXT_SIZE = 12;
 constexpr double TITLE_DISTANCE = 44; // of the axis title's middle from the axis
-constexpr double TICK_SPACING = 34;
-
-void drawRotated(QPainter *painter, const QPointF &centre, const QString &text)
-{
-    const QFontMetricsF metrics(painter->font());
-    painter->save();
-    painter->translate(centre);
-    painter->rotate(-90);
-    painter->drawText(QPointF(-metrics.horizontalAdvance(text) / 2, metrics.capHeight() / 2), text);
-    painter->restore();
-}
 
 } // namespace
 
@@ -45,37 +33,17 @@ double SpectrumPanel::fullHeight() const
 
 void SpectrumPanel::paint(QPainter *painter) const
 {
-    paintAxis(painter);
+    const PlotScale percent{0, 100, baseline, baseline + direction() * fullHeight()};
+    LeftAxis{percent, mz.start, axisTitle, TITLE_DISTANCE}.paint(painter);
     if (peaks.isEmpty())
         paintEmpty(painter);
     paintPeaks(painter);
     paintLabels(painter);
 }
 
-void SpectrumPanel::paintAxis(QPainter *painter) const
-{
-    const double x = mz.start;
-    painter->setPen(QPen(plotStyle::axisColor(), 1));
-    painter->drawLine(QPointF(x, baseline), QPointF(x, baseline + direction() * fullHeight()));
-    painter->setFont(plotStyle::font(TICK_TEXT_SIZE));
-    const QFontMetricsF metrics(painter->font());
-    const int tickCount = std::max(2, static_cast<int>(fullHeight() / TICK_SPACING) + 1);
-    for (const double percent : niceTicks(0, 100, tickCount)) {
-        const double y = baseline + direction() * percent / 100 * fullHeight();
-        const QString text = QString::number(percent);
-        painter->setPen(QPen(plotStyle::axisColor(), 1));
-        painter->drawLine(QPointF(x - TICK_LENGTH, y), QPointF(x, y));
-        painter->setPen(plotStyle::textColor());
-        painter->drawText(QPointF(x - TICK_LENGTH - 3 - metrics.horizontalAdvance(text), y + metrics.capHeight() / 2),
-                          text);
-    }
-    painter->setFont(plotStyle::font(TITLE_TEXT_SIZE));
-    drawRotated(painter, QPointF(x - TITLE_DISTANCE, baseline + direction() * fullHeight() / 2), axisTitle);
-}
-
 void SpectrumPanel::paintEmpty(QPainter *painter) const
 {
-    painter->setFont(plotStyle::font(TITLE_TEXT_SIZE));
+    painter->setFont(plotStyle::font(EMPTY_TEXT_SIZE));
     painter->setPen(plotStyle::faintTextColor());
     const QString text = QStringLiteral("no peaks");
     const double width = QFontMetricsF(painter->font()).horizontalAdvance(text);

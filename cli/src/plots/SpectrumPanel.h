@@ -27,7 +27,6 @@ struct SpectrumPanel
 private:
     int direction() const { return farEdge < baseline ? -1 : 1; } // of taller peaks on the page
     double fullHeight() const;
-    void paintAxis(QPainter *painter) const;
     void paintEmpty(QPainter *painter) const;
     void paintPeaks(QPainter *painter) const;
     void paintLabels(QPainter *painter) const;
