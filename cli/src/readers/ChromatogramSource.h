@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Chromatogram.h"
+
+#include <zav/Result.h>
+
+#include <QtCore/QList>
+#include <QtCore/QString>
+
+#include <limits>
+#include <memory>
+#include <optional>
+
+namespace zav {
+
+/// A trace, or why it could not be read.
+struct TraceOutcome
+{
+    Chromatogram chromatogram; ///< with a problem, only its id counts
+    Error problem;             ///< of this trace alone; its message names file and trace, or file and line
+};
+
+/// The chromatograms of one file, in the file's order, one in memory at a time. One thread at a time per object.
+class ChromatogramSource
+{
+public:
+    virtual ~ChromatogramSource() = default;
+
+    /// How many outcomes `next` yields in all, -1 where only reading tells.
+    virtual qint64 count() const = 0;
+
+    /// The next one; an empty optional at the end, from then on always.
+    ///
+    /// A trace that is broken (arrays of unequal length, damaged or non-finite values) is an outcome with a problem;
+    /// the next call goes on behind it. An error is of the file: nothing more can be read, and every later call returns
+    /// it again. What was yielded before it stays valid.
+    virtual Result<std::optional<TraceOutcome>> next() = 0;
+};
+
+/// What to extract from the MS1 spectra of an mzML file: the summed intensity around one m/z over time.
+struct ExtractionTarget
+{
+    QString id;      ///< of the chromatogram that it becomes
+    double mz = 0;   ///< above 0
+    double ppm = 10; ///< half the width of the window: m/z * (1 +- ppm * 1e-6), both ends within it
+    double rtFrom = -std::numeric_limits<double>::infinity(); ///< in the file's unit of time, included
+    double rtTo = std::numeric_limits<double>::infinity();    ///< likewise
+};
+
+/// What to read.
+struct ChromatogramRequest
+{
+    QString path;                    ///< "-" is standard input, which holds no mzML
+    QString format;                  ///< "tsv" or "jsonl"; empty: by the file's ending, for standard input by its start
+    QList<ExtractionTarget> targets; ///< empty: the chromatograms as they are stored
+};
+
+/// Opens a file by its ending: .mzML; .tsv or .txt; .jsonl or .ndjson; each of them also with .gz behind. Text that is
+/// gzipped is recognised by its content, on standard input too.
+///
+/// **mzML**: every stored chromatogram counts, whatever its kind, those of the total ion current and of the base peak
+/// too: a run without others is often looked at through them. Units are those of the time and intensity arrays. One
+/// without points is yielded as such. One without a time or an intensity array is broken.
+///
+/// **mzML with targets**: one chromatogram a target, in the order of the targets, with one point for each MS1 spectrum
+/// in the target's range of time, 0 where the spectrum has nothing in the window, profile or centroided as stored. The
+/// file is read once for all targets, at the first `next`; spectra of other levels are passed over without decoding
+/// their peaks. Memory holds the extracted traces. `Failure` for a file without MS1 spectra.
+///
+/// **TSV**: a heading with the columns `rt`, `intensity` and optionally `id`, in any order and among others, separated
+/// by tabs; empty lines and lines that begin with `#` are passed over. The rows of an id follow each other; an id that
+/// comes back later is an error of the file. Without `id` the file is one trace. No units.
+///
+/// **JSON lines**: an object a line, `{"id": "a", "rt": [1, 2], "intensity": [5, 7], "rt_unit": "min"}`; `id` (text or
+/// number) and `rt_unit` ("min" or "s") may be missing.
+///
+/// Messages name the file, or "standard input". `InvalidInput` for an unknown ending or format and for targets with a
+/// file that is not mzML; `Failure` for a file that cannot be read as what its ending says, that holds no chromatogram,
+/// or that needs a library that this build was made without (ProteoWizard's for mzML, zlib for gzipped text).
+Result<std::unique_ptr<ChromatogramSource>> openChromatograms(const ChromatogramRequest &request);
+
+} // namespace zav
