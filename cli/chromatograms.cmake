@@ -4,4 +4,18 @@
 # threads.
 
 find_package(Threads REQUIRED)
+target_include_directories(zav_program PUBLIC src/chromatograms)
 target_link_libraries(zav_program PUBLIC Threads::Threads)
+target_sources(zav_program PRIVATE
+    src/RuntimeThreads.cpp
+    src/chromatograms/NetworkSize.cpp
+    src/chromatograms/PeakMeasures.cpp
+    src/chromatograms/TraceJsonWriter.cpp
+    src/chromatograms/TraceRowWriter.cpp
+    src/chromatograms/TraceTable.cpp
+    src/chromatograms/TraceTableWriter.cpp
+    src/chromatograms/TraceTally.cpp
+    src/chromatograms/TraceTsvWriter.cpp
+    src/chromatograms/TraceWriter.cpp)
+set_property(SOURCE src/chromatograms/TraceJsonWriter.cpp APPEND PROPERTY
+    COMPILE_DEFINITIONS ZAV_VERSION="${PROJECT_VERSION}")

@@ -3,30 +3,48 @@
 
 #include <zav/Result.h>
 
+#include <QtCore/QList>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 namespace zav {
 
-/// A folder of networks: `msms_charge1.pb` to `msms_charge5.pb`, each with its contract of the same name, `.json`.
+/// What the networks of a folder are for.
+enum class NetworkUse {
+    Fragmentation, ///< the spectra of peptides, one network a charge
+    PeakLimits,    ///< where the peaks of chromatograms start and end
+    PeakSplits     ///< where they are to be split
+};
+
+/// A folder of networks: `msms_charge1.pb` to `msms_charge5.pb`, `xic_limits.pb` and `xic_split.pb`, each with its
+/// contract of the same name, `.json`.
 class ModelFolder
 {
 public:
     explicit ModelFolder(const QString &path) : m_path(path) {}
 
     /// The folder that the user named, or where the networks are installed: beside the running program, in the build
-    /// folder or the prefix. `Failure` when it is no folder or holds no fragmentation network; says where was looked.
-    static Result<ModelFolder> find(const QString &asked);
+    /// folder or the prefix. `Failure` when it is no folder or holds no network for that use; says where was looked.
+    static Result<ModelFolder> find(const QString &asked, NetworkUse use = NetworkUse::Fragmentation);
 
     QString path() const { return m_path; }
 
     /// The path of the fragmentation network for a precursor charge, whether or not the file is there.
     QString fragmentationNetwork(int charge) const;
 
+    /// The path of the network for chromatograms, whether or not the file is there. Not for `Fragmentation`.
+    QString network(NetworkUse use) const;
+
+    /// A path for each of the five charges, for the predictor's `init`, which stops at the first that fails: a charge
+    /// that is not among `charges` (one at least) gets the path of one that is.
+    QStringList fragmentationNetworks(const QList<int> &charges) const;
+
     /// No error when the network's file is there and can be read.
     Error checkFragmentationNetwork(int charge) const;
 
 private:
     bool hasFragmentationNetworks() const;
+    bool holds(NetworkUse use) const;
 
     QString m_path;
 };

@@ -56,6 +56,8 @@ void Progress::clear()
 
 QString Progress::barText(qint64 done, qint64 total, const QString &unit, qint64 elapsedMs)
 {
+    if (total < 0)
+        return QStringLiteral("%1 %2, %3 s").arg(done).arg(unit).arg(elapsedMs / 1000);
     const int filled = total > 0 ? int(BAR_WIDTH * done / total) : BAR_WIDTH;
     return QStringLiteral("[%1%2] %3 of %4 %5%6")
         .arg(QString(filled, QLatin1Char('#')), QString(BAR_WIDTH - filled, QLatin1Char('.')), QString::number(done),

@@ -11,7 +11,8 @@ namespace zav {
 class Progress
 {
 public:
-    /// `total` pieces of work, called `unit` in the bar ("peptides"). `isShown` false: never writes.
+    /// `total` pieces of work, called `unit` in the bar ("peptides"); below 0: nobody knows how many. `isShown` false:
+    /// never writes.
     Progress(qint64 total, const QString &unit, bool isShown);
     ~Progress();
 
@@ -24,7 +25,8 @@ public:
     /// Takes the bar off the terminal, so that a line can be written; the next update draws it again.
     void clear();
 
-    /// The bar's text: `[######........] 1200 of 3000 peptides, 4 s left`. `elapsedMs` since the start.
+    /// The bar's text: `[######........] 1200 of 3000 peptides, 4 s left`, and without a total `1200 peptides, 3 s`.
+    /// `elapsedMs` since the start.
     static QString barText(qint64 done, qint64 total, const QString &unit, qint64 elapsedMs);
 
 private:

@@ -31,6 +31,11 @@ TEST(Progress, AFullBarHasNoDots)
     EXPECT_EQ(bar(7, 7, 1000), "[##############################] 7 of 7 peptides, 0 s left");
 }
 
+TEST(Progress, UnknownTotalHasNoBar)
+{
+    EXPECT_EQ(bar(1200, -1, 3900), "1200 peptides, 3 s");
+}
+
 TEST(Progress, WritesNothingWhenItIsNotShown)
 {
     ::testing::internal::CaptureStderr();

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "TraceTally.h"
+
+namespace zav {
+
+namespace {
+
+/// `1 trace`, `2 traces`; the name is a plural in s.
+QString counted(qint64 count, const QString &plural)
+{
+    return QStringLiteral("%1 %2").arg(count).arg(count == 1 ? plural.chopped(1) : plural);
+}
+
+} // namespace
+
+void TraceTally::addTrace(qsizetype rows)
+{
+    ++m_traces;
+    m_rows += rows;
+    m_tracesWithRows += rows > 0 ? 1 : 0;
+}
+
+void TraceTally::addFailure()
+{
+    ++m_traces;
+    ++m_failures;
+}
+
+QString TraceTally::text(const QString &rowsName) const
+{
+    QString text = QStringLiteral("%1: %2 in %3, none in %4")
+                       .arg(counted(m_traces, QStringLiteral("traces")), counted(m_rows, rowsName))
+                       .arg(m_tracesWithRows)
+                       .arg(m_traces - m_tracesWithRows - m_failures);
+    if (m_failures > 0)
+        text += QStringLiteral(", %1 failed").arg(m_failures);
+    return text;
+}
+
+} // namespace zav

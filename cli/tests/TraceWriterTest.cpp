@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "TraceWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+namespace zav {
+namespace {
+
+/// A trace of one file with a peak from 1.5 to 2.5.
+TraceRecord recordWithPeak(const QString &id, const QString &timeUnit)
+{
+    return {QStringLiteral("a.mzML"), id, timeUnit,
+            QStringLiteral("counts"), 40, {{1.5, 2.5, 2, 1234567.5, 0.125, 0.1, 9}}};
+}
+
+std::string textOf(TraceWriter *writer, const TraceRecord &record)
+{
+    const Result<QByteArray> text = writer->trace(record);
+    EXPECT_FALSE(text.hasError()) << text.error().message().toStdString();
+    return text.hasError() ? std::string() : text.value().toStdString();
+}
+
+TEST(TraceWriter, TsvHasAHeaderWithTheUnitAndARowAPeak)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Tsv, peakTable(), 0);
+    EXPECT_EQ(textOf(writer.get(), recordWithPeak("x", "min")),
+              "id\tstart_min\tend_min\tapex_min\theight\tarea\tarea_above_line\tpoints\n"
+              "x\t1.50000\t2.50000\t2.00000\t1234567.5\t0.125\t0.1\t9\n");
+    EXPECT_EQ(textOf(writer.get(), recordWithPeak("y", "min")),
+              "y\t1.50000\t2.50000\t2.00000\t1234567.5\t0.125\t0.1\t9\n");
+    EXPECT_EQ(writer->closing(), QByteArray());
+}
+
+TEST(TraceWriter, UnknownUnitLeavesTheColumnsPlain)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Tsv, splitTable(), 0);
+    EXPECT_EQ(textOf(writer.get(), {{}, "x", {}, {}, 9, {{3.25, 0.75}}}),
+              "id\tsplit\tprobability\nx\t3.25000\t0.7500\n");
+}
+
+TEST(TraceWriter, SeveralFilesAreNamedInARow)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Tsv, splitTable(), 6);
+    EXPECT_EQ(textOf(writer.get(), {"a.mzML", "x", "s", {}, 9, {{3, 0.5}, {4, 1}}}),
+              "file\tid\tsplit_s\tprobability\na.mzML\tx\t3.00000\t0.5000\na.mzML\tx\t4.00000\t1.0000\n");
+}
+
+TEST(TraceWriter, TraceWithoutRowsStillGivesTheHeader)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Tsv, splitTable(), 0);
+    EXPECT_EQ(textOf(writer.get(), {{}, "x", "min", {}, 9, {}}), "id\tsplit_min\tprobability\n");
+    EXPECT_EQ(textOf(writer.get(), {{}, "y", "min", {}, 9, {}}), "");
+}
+
+TEST(TraceWriter, LaterTracesAreConvertedToTheUnitOfTheHeader)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Tsv, peakTable(), 0);
+    EXPECT_FALSE(textOf(writer.get(), recordWithPeak("x", "s")).empty());
+    EXPECT_EQ(textOf(writer.get(), recordWithPeak("y", "min")),
+              "y\t90.00000\t150.00000\t120.00000\t1234567.5\t7.5\t6\t9\n");
+}
+
+TEST(TraceWriter, UnknownUnitDoesNotGoWithAKnownOne)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Tsv, peakTable(), 0);
+    EXPECT_FALSE(textOf(writer.get(), recordWithPeak("x", "s")).empty());
+    EXPECT_EQ(writer->trace(recordWithPeak("y", "")).error().message(),
+              "times in an unknown unit do not go with the header's, in s");
+}
+
+TEST(TraceWriter, TabsAndLineEndsInAnIdDoNotBreakTheRow)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Tsv, splitTable(), 0);
+    EXPECT_EQ(textOf(writer.get(), {{}, "a\tb\nc", {}, {}, 9, {{3, 0.5}}}),
+              "id\tsplit\tprobability\na\\x09b\\x0ac\t3.00000\t0.5000\n");
+}
+
+TEST(TraceWriter, TableHasColumnsOfFixedWidthAndTheIdLast)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Table, splitTable(), 8);
+    EXPECT_EQ(textOf(writer.get(), {"a.tsv", "peak 1", "min", {}, 9, {{3, 0.5}}}),
+              "   split_min  probability  file      id\n"
+              "     3.00000       0.5000  a.tsv     peak 1\n");
+}
+
+TEST(TraceWriter, JsonHoldsEveryTraceWithItsUnits)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Json, peakTable(), 6);
+    std::string text = textOf(writer.get(), recordWithPeak("x\t", "s"));
+    text += textOf(writer.get(), {"b.tsv", "y", {}, {}, 3, {}});
+    text += writer->closing().toStdString();
+    const nlohmann::json document = nlohmann::json::parse(text);
+    const nlohmann::json &traces = document.at("traces");
+    ASSERT_EQ(traces.size(), 2);
+    EXPECT_EQ(traces[0], nlohmann::json::parse(R"({"file": "a.mzML", "id": "x\t", "time_unit": "s",
+        "intensity_unit": "counts", "points": 40, "peaks": [{"start": 1.5, "end": 2.5, "apex": 2.0,
+        "height": 1234567.5, "area": 0.125, "area_above_line": 0.1, "points": 9}]})"));
+    EXPECT_EQ(traces[1], nlohmann::json::parse(R"({"file": "b.tsv", "id": "y", "time_unit": null,
+        "intensity_unit": null, "points": 3, "peaks": []})"));
+}
+
+TEST(TraceWriter, JsonOfOneFileDoesNotNameIt)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Json, splitTable(), 0);
+    const std::string text = textOf(writer.get(), {"a.tsv", "x", "min", {}, 9, {{3, 0.5}}});
+    const nlohmann::json trace = nlohmann::json::parse(text + writer->closing().toStdString()).at("traces").at(0);
+    EXPECT_FALSE(trace.contains("file"));
+    EXPECT_EQ(trace.at("splits"), nlohmann::json::parse(R"([{"split": 3.0, "probability": 0.5}])"));
+}
+
+} // namespace
+} // namespace zav
