@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <zav/Error.h>
+
+#include <QtCore/QByteArrayView>
+#include <QtCore/QString>
+
+#include <functional>
+
+namespace zav {
+
+/// A peptide that cannot be part of a library, at one of its places in a protein.
+struct SkippedPeptide
+{
+    QString protein; ///< accession; empty for a peptide of a list that names none
+    QString peptide;
+    QString reason; ///< "residue X at position 4", "5 residues, not 7 to 30"
+};
+
+/// What came of a digestion.
+struct DigestionCounts
+{
+    qint64 proteins = 0;           ///< read, with those below
+    qint64 repeatedAccessions = 0; ///< proteins whose accession had come before: theirs count as one
+    qint64 emptyProteins = 0;      ///< without a residue
+    qint64 skipped = 0;            ///< peptides with residues outside the 20, at each of their places
+    qint64 targets = 0;
+    qint64 decoys = 0;
+
+    /// Targets without a decoy: it equalled a target (shuffled: at the last attempt), or no attempt was different
+    /// enough from its target.
+    qint64 decoysEqualToTarget = 0;
+    qint64 decoysTooSimilar = 0;
+
+    /// Targets whose decoy is another target's as well; it occurs once, with the proteins of both. Targets are decoys
+    /// and the three kinds of targets without one of their own, summed.
+    qint64 decoysShared = 0;
+};
+
+/// What a caller wants to hear of a digestion while it runs; each may be empty. All are called by the thread that
+/// digests.
+struct DigestionHooks
+{
+    /// Every skipped peptide, in the order of the file. An error stops the digestion and is returned.
+    std::function<Error(const SkippedPeptide &)> skipped;
+
+    /// After each protein, how much of the file was read, within 0 to 1.
+    std::function<void(double)> progress;
+
+    /// Asked after each protein and peptide; true ends the digestion with the `Failure` "interrupted".
+    std::function<bool()> isInterrupted;
+
+    Error checkForInterrupt() const
+    {
+        return isInterrupted && isInterrupted() ? Error(Failure, QStringLiteral("interrupted")) : Error();
+    }
+};
+
+} // namespace zav

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "DecoyMaker.h"
+#include "PeptideDigest.h"
+#include "PeptidePages.h"
+#include "RecordSorter.h"
+
+#include <optional>
+
+namespace zav {
+
+/// Gathers the peptides of a library, in any order, and makes the ordered set of them.
+class PeptideCollector
+{
+public:
+    PeptideCollector(const PeptideRequest &request, DecoyMaker::FixedEnd fixedEnd, const DigestionHooks &hooks);
+
+    ProteinTable &proteins() { return m_proteins; }
+    DigestionCounts &counts() { return m_counts; }
+
+    /// A peptide in a protein; none: in no protein that is known. A peptide with a residue outside the 20 is skipped
+    /// and told to the hook.
+    Error add(QByteArrayView peptide, std::optional<int> protein);
+
+    /// Tells the hook of a peptide that is no part of the library.
+    Error skip(QByteArrayView peptide, std::optional<int> protein, const QString &reason);
+
+    /// Nothing may be added afterwards.
+    Result<DigestedPeptides> finish();
+
+private:
+    Result<PeptidePages> distinctTargets();
+    Result<PeptidePages> withDecoys(PeptidePages targets);
+
+    PeptideRequest m_request;
+    DecoyMaker m_maker;
+    DigestionHooks m_hooks;
+    RecordSorter m_sorter;
+    ProteinTable m_proteins;
+    DigestionCounts m_counts;
+};
+
+} // namespace zav

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "DecoyOptions.h"
+#include "DigestionOptions.h"
+#include "DigestionReport.h"
+#include "PeptideSource.h"
+#include "SortingSpace.h"
+
+#include <zav/Result.h>
+
+#include <memory>
+
+namespace zav {
+
+/// Which peptides a library is to hold.
+struct PeptideRequest
+{
+    DigestionOptions digestion;
+    DecoyOptions decoys;
+    SortingSpace space;
+};
+
+struct DigestedPeptides
+{
+    std::unique_ptr<PeptideSource> peptides;
+    DigestionCounts counts;
+};
+
+/// Digests the proteins of a FASTA file, plain or compressed with gzip ("-": standard input), into distinct peptides
+/// of the 20 amino acids, each with every protein that it was found in, and their decoys.
+///
+/// What comes out depends on file, digestion and decoy options alone; with `space.onDisk` it is the same to the byte.
+/// In memory it takes about 40 bytes for each place of a peptide in a protein while sorting, half of that later, and
+/// with decoys as much again; on disk what `SortingSpace` says, and the proteins' names.
+///
+/// `InvalidInput` for options out of range, with the field; `Failure` with file and line for a file that cannot be
+/// read or is no FASTA file, for temporary files, for an interrupt, and when the file holds no protein. No peptide at
+/// all is no failure.
+Result<DigestedPeptides> digestFasta(const QString &path, const PeptideRequest &request,
+                                     const DigestionHooks &hooks = {});
+
+/// The same for the peptides of a list (`PeptideTableReader`), which are not cut: of the digestion options only the
+/// range of lengths counts, and the enzyme for the decoys. Peptides outside that range are skipped and told to
+/// `hooks.skipped` too. `counts.proteins` counts the distinct ones.
+Result<DigestedPeptides> readPeptideTable(const QString &path, const PeptideRequest &request,
+                                          const DigestionHooks &hooks = {});
+
+} // namespace zav

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "RecordStream.h"
+#include "SortingSpace.h"
+
+#include <zav/Result.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+
+#include <memory>
+
+namespace zav {
+
+class TemporaryStore;
+
+/// Sorts any number of records, in memory or, with a bounded part of them there at a time, through sorted runs in a
+/// temporary file. The order is the same. Keys consist of the letters A to Z.
+///
+/// In memory a record needs its bytes and 20 more. On disk the memory limit holds for the run being filled, and again
+/// for the buffers that the runs are merged through.
+class RecordSorter
+{
+public:
+    explicit RecordSorter(const SortingSpace &space);
+    ~RecordSorter();
+    RecordSorter(RecordSorter &&) noexcept;
+    RecordSorter &operator=(RecordSorter &&) noexcept;
+
+    /// `Failure` when a run cannot be written.
+    Error add(const Record &record);
+
+    bool isEmpty() const { return m_places.isEmpty() && m_runs.isEmpty(); }
+
+    /// All records in order. Nothing may be added afterwards.
+    Result<std::unique_ptr<RecordStream>> finish();
+
+    /// Where a run begins and ends in the temporary file.
+    struct Run
+    {
+        qint64 begin;
+        qint64 end;
+    };
+
+    /// A record in memory: the first letters of its key, which settle most comparisons, and where it stands.
+    struct Place
+    {
+        quint64 prefix;
+        quint64 offset : 48;
+        quint64 keyLength : 16;
+    };
+
+private:
+    bool isFull() const;
+    void sortPlaces();
+    Error writeRun();
+
+    SortingSpace m_space;
+    QByteArray m_records; // of each record the payload's length, the key, the payload
+    QList<Place> m_places;
+    std::unique_ptr<TemporaryStore> m_file;
+    QList<Run> m_runs;
+};
+
+} // namespace zav
