@@ -35,10 +35,15 @@ if(TARGET Qt6::Gui AND TARGET Qt6::Svg)
     set(ZAV_DRAWS_PICTURES TRUE)
     target_sources(zav_program PRIVATE
         src/plots/Application.cpp
+        src/plots/ChromatogramFigure.cpp
+        src/plots/ChromatogramPanel.cpp
+        src/plots/ChromatogramPlot.cpp
+        src/plots/ChromatogramTrace.cpp
         src/plots/LabelPlacement.cpp
         src/plots/PeptideDiagram.cpp
         src/plots/PictureFile.cpp
         src/plots/PlotAxis.cpp
+        src/plots/PlotLabel.cpp
         src/plots/PlotLegend.cpp
         src/plots/PlotPeak.cpp
         src/plots/PlotScale.cpp

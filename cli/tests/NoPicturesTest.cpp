@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Application.h"
+#include "ChromatogramPlot.h"
 #include "SpectrumPlot.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +14,8 @@ TEST(BuildWithoutPictures, SaysSoWhenAskedForOne)
     const Error error = drawSpectrum({}, QStringLiteral("a.svg"));
     EXPECT_TRUE(error.equals(Failure));
     EXPECT_EQ(error.message(), "a.svg: this zav was built without Qt Gui and Qt Svg and draws no pictures");
+    EXPECT_FALSE(canDrawChromatograms());
+    EXPECT_EQ(drawChromatogram({}, QStringLiteral("a.svg")).message(), error.message());
 }
 
 TEST(BuildWithoutPictures, HasAnApplicationAllTheSame)

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumPlot.h"
 #include "PictureApplication.h"
+#include "SvgPicture.h"
 #include "TemporaryFiles.h"
 
-#include <QtCore/QXmlStreamReader>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QImage>
 
@@ -18,59 +18,6 @@ const auto *const APPLICATION = testing::AddGlobalTestEnvironment(new PictureApp
 constexpr char BLUE[] = "#0072b2";
 constexpr char VERMILION[] = "#d55e00";
 constexpr char UNMATCHED_GREY[] = "#bebebe";
-
-struct Line
-{
-    QString color;
-    QPointF from;
-    QPointF to;
-
-    bool isVertical() const { return from.x() == to.x() && from.y() != to.y(); }
-};
-
-// The texts and straight lines of a picture.
-struct Picture
-{
-    QStringList texts;
-    QList<Line> lines;
-    QByteArray source;
-
-    QList<Line> verticals(const QString &color) const
-    {
-        QList<Line> found;
-        std::copy_if(lines.begin(), lines.end(), std::back_inserter(found),
-                     [&](const Line &line) { return line.isVertical() && line.color == color; });
-        return found;
-    }
-};
-
-QPointF parsePoint(const QString &text)
-{
-    return {text.section(u',', 0, 0).toDouble(), text.section(u',', 1, 1).toDouble()};
-}
-
-Picture parseSvg(const QByteArray &source)
-{
-    Picture picture;
-    picture.source = source;
-    QXmlStreamReader xml(source);
-    QString color;
-    while (!xml.atEnd()) {
-        if (xml.readNext() != QXmlStreamReader::StartElement)
-            continue;
-        if (xml.name() == u"g" && xml.attributes().hasAttribute("stroke"))
-            color = xml.attributes().value("stroke").toString();
-        if (xml.name() == u"polyline") {
-            const QStringList points = xml.attributes().value("points").toString().split(u' ', Qt::SkipEmptyParts);
-            if (points.size() == 2)
-                picture.lines.append({color, parsePoint(points[0]), parsePoint(points[1])});
-        }
-        if (xml.name() == u"text")
-            picture.texts.append(xml.readElementText().trimmed());
-    }
-    EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
-    return picture;
-}
 
 AnnotatedPeak ion(QChar type, int number, double mz, double intensity, int charge = 1, const QString &loss = {})
 {
@@ -107,7 +54,7 @@ struct SpectrumPlot : testing::Test
 {
     TemporaryFiles files;
 
-    Picture draw(const SpectrumPlotData &data)
+    SvgPicture draw(const SpectrumPlotData &data)
     {
         const Error error = drawSpectrum(data, files.path("a.svg"));
         EXPECT_FALSE(error.hasError()) << error.toString().toStdString();
@@ -117,7 +64,7 @@ struct SpectrumPlot : testing::Test
 
 TEST_F(SpectrumPlot, SaysItsPeptidePrecursorAxesAndIonsInText)
 {
-    const Picture picture = draw(peptidek());
+    const SvgPicture picture = draw(peptidek());
     for (const char *text : {"2+, m/z 464.7347", "Predicted intensity (%)", "m/z", "100", "b2", "y3", "y6²⁺", "y5-H2O"})
         EXPECT_TRUE(picture.texts.contains(QString::fromUtf8(text))) << text;
     const QString letters = picture.texts.join(QString());
@@ -130,13 +77,13 @@ TEST_F(SpectrumPlot, SaysItsPeptidePrecursorAxesAndIonsInText)
 TEST_F(SpectrumPlot, PeaksStandWhereTheAxisSaysAtTheirRelativeHeights)
 {
     const SpectrumPlotData data = peptidek();
-    const Picture picture = draw(data);
+    const SvgPicture picture = draw(data);
     QList<double> tickXs;
     double bottom = 0;
-    for (const Line &line : picture.lines)
+    for (const SvgLine &line : picture.lines)
         bottom =
             std::max(bottom, line.from.y() == line.to.y() && line.to.x() - line.from.x() > 500 ? line.to.y() : 0.0);
-    for (const Line &line : picture.lines) {
+    for (const SvgLine &line : picture.lines) {
         if (line.isVertical() && line.from.y() == bottom && line.to.y() > bottom)
             tickXs.append(line.from.x());
     }
@@ -155,7 +102,7 @@ TEST_F(SpectrumPlot, PeaksStandWhereTheAxisSaysAtTheirRelativeHeights)
     const auto expectedX = [&](double mz) { return tickXs.constFirst() + (mz - tickMzs.constFirst()) * scale; };
 
     const auto peakAt = [&](double mz, const char *color) {
-        for (const Line &line : picture.verticals(color)) {
+        for (const SvgLine &line : picture.verticals(color)) {
             if (std::abs(line.from.x() - expectedX(mz)) < 0.05 && line.from.y() == bottom)
                 return bottom - line.to.y();
         }
@@ -171,14 +118,14 @@ TEST_F(SpectrumPlot, PeaksStandWhereTheAxisSaysAtTheirRelativeHeights)
 TEST_F(SpectrumPlot, MarksTheBondsThatFragmentsComeFrom)
 {
     // b2, y3, y6 2+ and no loss: numbers 2 below, 3 and 6 above, each once, besides no other ion numbers.
-    const Picture picture = draw(peptidek());
+    const SvgPicture picture = draw(peptidek());
     for (const auto &[number, count] : {std::pair("2", 1), {"3", 1}, {"6", 1}, {"5", 0}, {"1", 0}, {"4", 0}, {"7", 0}})
         EXPECT_EQ(picture.texts.count(QString(number)), count) << number;
 }
 
 TEST_F(SpectrumPlot, MirrorPlotShowsTheObservedAboveThePredicted)
 {
-    const Picture picture = draw(mirrored());
+    const SvgPicture picture = draw(mirrored());
     EXPECT_TRUE(picture.texts.contains("Observed (%)"));
     EXPECT_TRUE(picture.texts.contains("Predicted (%)"));
     EXPECT_TRUE(picture.texts.contains("Observed: run.mzML, scan 7"));
@@ -187,7 +134,7 @@ TEST_F(SpectrumPlot, MirrorPlotShowsTheObservedAboveThePredicted)
     EXPECT_EQ(picture.texts.count(QString::fromUtf8("y6²⁺")), 1);
     int above = 0;
     int below = 0;
-    for (const Line &line : picture.verticals(VERMILION)) {
+    for (const SvgLine &line : picture.verticals(VERMILION)) {
         if (std::abs(line.to.y() - line.from.y()) > 30)
             (line.to.y() < line.from.y() ? above : below)++;
     }
@@ -209,7 +156,7 @@ TEST_F(SpectrumPlot, MirrorPlotSaysHowWellTheSpectraAgree)
 
 TEST_F(SpectrumPlot, LegendNamesOnlyWhatIsDrawn)
 {
-    const Picture single = draw(peptidek());
+    const SvgPicture single = draw(peptidek());
     EXPECT_TRUE(single.texts.contains("b"));
     EXPECT_TRUE(single.texts.contains("y"));
     EXPECT_FALSE(single.texts.contains("a"));
@@ -226,13 +173,13 @@ TEST_F(SpectrumPlot, LabelStandsAboveTheIsotopeEnvelope)
     isotope.mz += 1.00335;
     isotope.intensity = 1.0;
     data.predicted.append(isotope);
-    const Picture picture = draw(data);
+    const SvgPicture picture = draw(data);
     EXPECT_EQ(picture.texts.count("b2"), 1);
     const QByteArray label = picture.source.left(picture.source.indexOf(">b2</text>"));
     const QByteArray y = label.mid(label.lastIndexOf(" y=\"") + 4);
     const double labelY = y.left(y.indexOf('"')).toDouble();
     double envelopeTop = 1e9;
-    for (const Line &line : picture.verticals("#73b1d5")) // blue, 45 % of the way to white
+    for (const SvgLine &line : picture.verticals("#73b1d5")) // blue, 45 % of the way to white
         envelopeTop = std::min(envelopeTop, line.to.y());
     EXPECT_LT(labelY, envelopeTop);
     EXPECT_GT(labelY, envelopeTop - 20);
@@ -259,7 +206,7 @@ TEST_F(SpectrumPlot, SinglePeakStandsInTheMiddleOfAReadableAxis)
 {
     SpectrumPlotData data = peptidek();
     data.predicted = {ion(u'y', 1, 147.113, 1)};
-    const QList<Line> peaks = draw(data).verticals(VERMILION);
+    const QList<SvgLine> peaks = draw(data).verticals(VERMILION);
     ASSERT_FALSE(peaks.isEmpty());
     EXPECT_NEAR(peaks.constLast().from.x(), (68 + 900 - 24) / 2.0, 1);
 }

@@ -17,6 +17,12 @@ endif()
 zav_add_test(zav_observed_spectrum_tests SOURCES ${spectrum_tests} LIBRARIES zav_program)
 
 if(ZAV_DRAWS_PICTURES)
-    zav_add_test(zav_plot_tests SOURCES PlotLayoutTest.cpp SpectrumPlotTest.cpp LIBRARIES zav_program Qt6::Gui)
+    zav_add_test(zav_plot_tests
+        SOURCES
+            ChromatogramPlotTest.cpp
+            ChromatogramTraceTest.cpp
+            PlotLayoutTest.cpp
+            SpectrumPlotTest.cpp
+        LIBRARIES zav_program Qt6::Gui)
     zav_add_test(zav_fontless_plot_tests SOURCES FontlessPlotTest.cpp LIBRARIES zav_program Qt6::Gui)
 endif()

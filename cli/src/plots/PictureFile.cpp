@@ -39,7 +39,7 @@ bool writeSvg(const Picture &picture, QIODevice *device)
 {
     QSvgGenerator generator;
     generator.setOutputDevice(device);
-    generator.setTitle(picture.title);
+    generator.setTitle(picture.title.toHtmlEscaped()); // Qt 6.4 writes it as it is
     generator.setDescription(picture.description);
     generator.setResolution(static_cast<int>(PAGE_UNITS_PER_INCH));
     generator.setSize(picture.size.toSize());

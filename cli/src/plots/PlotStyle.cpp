@@ -24,6 +24,16 @@ QColor lighterIonColor(QChar ionType)
     return QColor(lighter(full.red()), lighter(full.green()), lighter(full.blue()));
 }
 
+QColor peakColor(qsizetype number)
+{
+    return number % 2 == 0 ? QColor(0x00, 0x72, 0xB2) : QColor(0x56, 0xB4, 0xE9);
+}
+
+QColor splitColor()
+{
+    return QColor(0xD5, 0x5E, 0x00);
+}
+
 QColor unmatchedColor()
 {
     return QColor(0xBE, 0xBE, 0xBE);

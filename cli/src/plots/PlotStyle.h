@@ -14,6 +14,12 @@ QColor ionColor(QChar ionType);
 /// The same colour, lighter: ions that lost water or ammonia, and heavier isotopes.
 QColor lighterIonColor(QChar ionType);
 
+/// Chromatographic peaks: blue and sky blue of the same palette in turn, so that neighbours differ.
+QColor peakColor(qsizetype number);
+
+/// Where peaks are split: vermilion.
+QColor splitColor();
+
 QColor unmatchedColor();
 QColor axisColor();
 QColor textColor();

@@ -2,6 +2,7 @@
 #include "SpectrumPanel.h"
 
 #include "PlotAxis.h"
+#include "PlotLabel.h"
 #include "PlotStyle.h"
 
 #include <QtGui/QFontMetricsF>
@@ -16,7 +17,6 @@ namespace {
 
 constexpr double LABEL_ROOM = 40; // above the tallest peak
 constexpr double LABEL_SIZE = 10;
-constexpr double LABEL_GAP = 3; // free around a label, both sides together
 
 // Labels of smaller peaks would stand on the base line among the noise.
 constexpr double MIN_LABELLED_HEIGHT = 0.01;
@@ -75,27 +75,15 @@ void SpectrumPanel::paintLabels(QPainter *painter) const
         sticks.append({mz.at(peak.mz), peak.height * fullHeight()});
         if (peak.label.isEmpty() || peak.labelHeight < MIN_LABELLED_HEIGHT)
             continue;
-        const QSizeF size(metrics.horizontalAdvance(peak.label) + LABEL_GAP, metrics.capHeight() + LABEL_GAP);
-        requests.append({{mz.at(peak.mz), peak.labelHeight * fullHeight()}, size, peak.isLoss ? 1 : 0});
+        requests.append(
+            {{mz.at(peak.mz), peak.labelHeight * fullHeight()}, labelSize(peak.label, metrics), peak.isLoss ? 1 : 0});
         labelled.append(peak);
     }
-    for (const LabelPlace &place : placeLabels(requests, sticks, mz.start, mz.end, std::abs(baseline - farEdge)))
-        paintLabel(painter, requests[place.request], place, labelled[place.request]);
-}
-
-void SpectrumPanel::paintLabel(QPainter *painter, const LabelRequest &request, const LabelPlace &place,
-                               const PlotPeak &peak) const
-{
-    if (place.needsLeader) {
-        painter->setPen(QPen(plotStyle::unmatchedColor(), 0.6));
-        painter->drawLine(QPointF(request.stick.x, baseline + direction() * (request.stick.height + 1)),
-                          QPointF(place.x, baseline + direction() * (place.height - 1)));
+    const LabelBase base{baseline, direction()};
+    for (const LabelPlace &place : placeLabels(requests, sticks, mz.start, mz.end, std::abs(baseline - farEdge))) {
+        const PlotPeak &peak = labelled[place.request];
+        paintLabel(painter, base, requests[place.request], place, peak.label, peak.color);
     }
-    const double middle = baseline + direction() * (place.height + request.size.height() / 2);
-    const QPointF start(place.x - (request.size.width() - LABEL_GAP) / 2,
-                        middle + QFontMetricsF(painter->font()).capHeight() / 2);
-    painter->setPen(peak.color.darker(115));
-    painter->drawText(start, peak.label);
 }
 
 } // namespace zav

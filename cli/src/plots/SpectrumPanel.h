@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "LabelPlacement.h"
 #include "PlotPeak.h"
 #include "PlotScale.h"
 
@@ -30,8 +29,6 @@ private:
     void paintEmpty(QPainter *painter) const;
     void paintPeaks(QPainter *painter) const;
     void paintLabels(QPainter *painter) const;
-    void paintLabel(QPainter *painter, const LabelRequest &request, const LabelPlace &place,
-                    const PlotPeak &peak) const;
 };
 
 } // namespace zav
