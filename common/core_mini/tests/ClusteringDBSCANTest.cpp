@@ -220,5 +220,15 @@ TEST(ClusteringDBSCAN, LongLinesAreNotQuadratic)
         ASSERT_EQ(static_cast<int>(i / 9), labels[i]);
 }
 
+// Their pairs would take minutes.
+TEST(ClusteringDBSCAN, ManyRowsOfALineWithinOneEpsAreOneClusterAtOnce)
+{
+    Eigen::MatrixXd rows(200000, 2);
+    rows.col(0).setOnes();
+    rows.col(1).setLinSpaced(0.0, 199999.0);
+    for (const double eps : {1e6, std::numeric_limits<double>::infinity()})
+        EXPECT_TRUE((ClusteringDBSCAN(eps, 2).performDBSCAN(rows).array() == 0).all());
+}
+
 } // namespace
 } // namespace zav

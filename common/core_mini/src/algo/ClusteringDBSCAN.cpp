@@ -2,6 +2,7 @@
 #include "ClusteringDBSCAN.h"
 
 #include <algorithm>
+#include <numeric>
 #include <vector>
 
 namespace zav {
@@ -39,65 +40,110 @@ public:
     SortedRows(const Eigen::MatrixXd &rows, double eps) : m_eps(eps), m_placeOf(static_cast<std::size_t>(rows.rows()))
     {
         std::vector<Index> rowAt(m_placeOf.size());
-        for (std::size_t place = 0; place < rowAt.size(); ++place)
-            rowAt[place] = static_cast<Index>(place);
+        std::iota(rowAt.begin(), rowAt.end(), Index(0));
         const Eigen::VectorXd keys = widestColumn(rows);
         std::stable_sort(rowAt.begin(), rowAt.end(), [&](Index a, Index b) { return keys[a] < keys[b]; });
         for (std::size_t place = 0; place < rowAt.size(); ++place)
             m_placeOf[static_cast<std::size_t>(rowAt[place])] = static_cast<Index>(place);
-        m_keys = keys(rowAt);
         m_points = rows(rowAt, Eigen::all).transpose();
+        findStretches(keys(rowAt));
     }
 
-    Index size() const { return m_keys.size(); }
+    Index size() const { return m_points.cols(); }
     Index placeOf(Index row) const { return m_placeOf[static_cast<std::size_t>(row)]; }
 
-    // Calls visit(place) for each neighbour, itself included, until it returns false.
-    template <typename Visit>
-    void forEachNeighbour(Index place, const Visit &visit) const
-    {
-        Index other = place;
-        while (other > 0 && m_keys[place] - m_keys[other - 1] <= m_eps)
-            --other;
-        for (; other < size() && m_keys[other] - m_keys[place] <= m_eps; ++other)
-            if ((m_points.col(other) - m_points.col(place)).norm() <= m_eps && !visit(other))
-                return;
-    }
+    // All neighbours of a place lie from here to before there.
+    Index firstNear(Index place) const { return m_firstNear[static_cast<std::size_t>(place)]; }
+    Index endNear(Index place) const { return m_endNear[static_cast<std::size_t>(place)]; }
+
+    bool areNeighbours(Index a, Index b) const { return (m_points.col(a) - m_points.col(b)).norm() <= m_eps; }
 
 private:
+    void findStretches(const Eigen::VectorXd &keys)
+    {
+        Index first = 0;
+        Index end = 0;
+        for (Index place = 0; place < keys.size(); ++place) {
+            while (first < place && !(keys[place] - keys[first] <= m_eps))
+                ++first;
+            end = std::max(end, place);
+            while (end < keys.size() && keys[end] - keys[place] <= m_eps)
+                ++end;
+            m_firstNear.push_back(first);
+            m_endNear.push_back(end);
+        }
+    }
+
     double m_eps;
     std::vector<Index> m_placeOf; // by row
-    Eigen::VectorXd m_keys;       // ascending
-    Eigen::MatrixXd m_points;     // [columns, places]: one row after the other in memory
+    std::vector<Index> m_firstNear;
+    std::vector<Index> m_endNear;
+    Eigen::MatrixXd m_points; // [columns, places]: one row after the other in memory
 };
+
+// The places without a label. Finding the next one costs next to nothing however many have theirs already: a chain of
+// labelled places is shortened whenever it is followed (Tarjan, J. ACM 22, 215, 1975).
+class UnlabelledPlaces
+{
+public:
+    explicit UnlabelledPlaces(Index count) : m_next(static_cast<std::size_t>(count) + 1)
+    {
+        std::iota(m_next.begin(), m_next.end(), std::size_t(0));
+    }
+
+    // The first at `from` or later; the number of places when there is none.
+    Index next(Index from)
+    {
+        auto place = static_cast<std::size_t>(from);
+        while (m_next[place] != place) {
+            m_next[place] = m_next[m_next[place]];
+            place = m_next[place];
+        }
+        return static_cast<Index>(place);
+    }
+
+    void remove(Index place) { m_next[static_cast<std::size_t>(place)] = static_cast<std::size_t>(place) + 1; }
+
+private:
+    std::vector<std::size_t> m_next; // itself while unlabelled, else a later place
+};
+
+bool isCore(const SortedRows &rows, Index place, int minPoints)
+{
+    int missing = std::max(minPoints, 1);
+    for (Index other = rows.firstNear(place); other < rows.endNear(place) && missing > 0; ++other)
+        missing -= rows.areNeighbours(place, other) ? 1 : 0;
+    return missing == 0;
+}
 
 std::vector<bool> coresOf(const SortedRows &rows, int minPoints)
 {
     std::vector<bool> cores(static_cast<std::size_t>(rows.size()));
-    for (Index place = 0; place < rows.size(); ++place) {
-        int missing = std::max(minPoints, 1);
-        rows.forEachNeighbour(place, [&](Index) { return --missing > 0; });
-        cores[static_cast<std::size_t>(place)] = missing == 0;
-    }
+    for (Index place = 0; place < rows.size(); ++place)
+        cores[static_cast<std::size_t>(place)] = isCore(rows, place, minPoints);
     return cores;
 }
 
 // Gives `label` to every row without one that is reached from the core at `seed`, from core to core.
-void flood(const SortedRows &rows, const std::vector<bool> &cores, Index seed, int label, Eigen::VectorXi &labels)
+void flood(const SortedRows &rows, const std::vector<bool> &cores, Index seed, int label, Eigen::VectorXi &labels,
+           UnlabelledPlaces &unlabelled)
 {
-    std::vector<Index> frontier{seed};
-    labels[seed] = label;
+    std::vector<Index> frontier;
+    const auto reach = [&](Index place) {
+        labels[place] = label;
+        unlabelled.remove(place);
+        if (cores[static_cast<std::size_t>(place)])
+            frontier.push_back(place);
+    };
+    reach(seed);
     while (!frontier.empty()) {
         const Index core = frontier.back();
         frontier.pop_back();
-        rows.forEachNeighbour(core, [&](Index place) {
-            if (labels[place] == NOISE) {
-                labels[place] = label;
-                if (cores[static_cast<std::size_t>(place)])
-                    frontier.push_back(place);
-            }
-            return true;
-        });
+        const Index end = rows.endNear(core);
+        for (Index place = unlabelled.next(rows.firstNear(core)); place < end; place = unlabelled.next(place + 1)) {
+            if (rows.areNeighbours(core, place))
+                reach(place);
+        }
     }
 }
 
@@ -107,11 +153,12 @@ Eigen::VectorXi cluster(const Eigen::MatrixXd &finite, double eps, int minPoints
     const SortedRows rows(finite, eps);
     const std::vector<bool> cores = coresOf(rows, minPoints);
     Eigen::VectorXi labelAt = Eigen::VectorXi::Constant(rows.size(), NOISE);
+    UnlabelledPlaces unlabelled(rows.size());
     int clusters = 0;
     for (Index row = 0; row < rows.size(); ++row) {
         const Index place = rows.placeOf(row);
         if (cores[static_cast<std::size_t>(place)] && labelAt[place] == NOISE)
-            flood(rows, cores, place, clusters++, labelAt);
+            flood(rows, cores, place, clusters++, labelAt, unlabelled);
     }
 
     Eigen::VectorXi labels(rows.size());
