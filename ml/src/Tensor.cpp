@@ -3,6 +3,8 @@
 
 #include "LcMl.h"
 
+#include <QtCore/QLibrary>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -54,6 +56,16 @@ bool isCountable(const std::vector<std::int64_t> &dimensions, std::size_t elemen
     return true;
 }
 
+/// TensorFlow does not check that the operation has the output it is asked about. The function that tells is no part of
+/// the table; a runtime that lacks it is trusted.
+bool hasOutput(TF_Operation *operation)
+{
+    using OutputCount = int (*)(TF_Operation *);
+    const auto outputCount =
+        reinterpret_cast<OutputCount>(QLibrary::resolve(TfApi::runtimeFileName(), "TF_OperationNumOutputs"));
+    return outputCount == nullptr || outputCount(operation) > 0;
+}
+
 } // namespace
 
 Tensor::Tensor() = default;
@@ -72,8 +84,11 @@ Error Tensor::init(TF_Graph *graph, TF_Status *status, const std::string &operat
 
     output.oper = graph != nullptr ? api.TF_GraphOperationByName(graph, operationName.c_str()) : nullptr;
     output.index = 0;
-    const QString message = QStringLiteral("No operation named %1 exists").arg(QString::fromStdString(operationName));
-    ZAV_RETURN_IF_ERROR(errorCheck(output.oper != nullptr, message), __LINE__);
+    const QString name = QString::fromStdString(operationName);
+    ZAV_RETURN_IF_ERROR(errorCheck(output.oper != nullptr, QStringLiteral("No operation named %1 exists").arg(name)),
+                        __LINE__);
+    ZAV_RETURN_IF_ERROR(
+        errorCheck(hasOutput(output.oper), QStringLiteral("Operation named %1 has no output").arg(name)), __LINE__);
 
     const int dimensionCount = api.TF_GraphGetTensorNumDims(graph, output, status);
     type = api.TF_OperationOutputType(output);

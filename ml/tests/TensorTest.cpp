@@ -130,6 +130,16 @@ TEST_F(TensorTest, InitOfAMissingOperationNamesItAndInvalidatesTheTensor)
     EXPECT_EQ(-1, TensorInspector::state(x));
 }
 
+TEST_F(TensorTest, InitOfAnOperationWithoutOutputNamesItAndInvalidatesTheTensor)
+{
+    graph.noOp("nothing");
+    loadPlaceholder(Shape{2});
+    const MessageRecorder recorder;
+    EXPECT_TRUE(bind(&x, "nothing").equals(Failure));
+    EXPECT_EQ(QList<QString>{QStringLiteral("Operation named nothing has no output")}, recorder.criticalTexts());
+    EXPECT_EQ(-1, TensorInspector::state(x));
+}
+
 TEST_F(TensorTest, InitKeepsTheShapeWhereTheNewOneIsUnknownOrScalar)
 {
     graph.placeholder("unknown", std::nullopt).placeholder("scalar", Shape{});
