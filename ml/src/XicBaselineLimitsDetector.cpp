@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -22,24 +23,23 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "ml/src/XicBaselineLimitsDetector";
 
-constexpr double SMOOTHING_SIGMA = 4.0; // points
 constexpr double PADDING = -1.0;
-constexpr int THINNING_MARGIN = 200; // points
 constexpr int MAXIMUM_SCALE = 10000;
 constexpr double CLUSTERED_ABOVE = 0.9;
 constexpr double NO_HINT = -1.0; // retention time
 constexpr int MAXIMUM_RETRIES = 3;
 constexpr double AMPLIFICATION = 10.0;
 
-bool isHigher(const QPointF &a, const QPointF &b)
+/// NaN is the lowest of all: it must not decide where the others are clipped.
+bool isLower(const QPointF &a, const QPointF &b)
 {
-    return a.y() < b.y();
+    return a.y() < b.y() || (std::isnan(a.y()) && !std::isnan(b.y()));
 }
 
 /// Tenfold, clipped at the highest point, so that a faint peak beside a large one grows into the network's sight.
 QList<QPointF> amplified(const QList<QPointF> &points)
 {
-    const double ceiling = std::max_element(points.cbegin(), points.cend(), isHigher)->y();
+    const double ceiling = std::max_element(points.cbegin(), points.cend(), isLower)->y();
     QList<QPointF> result;
     result.reserve(points.size());
     for (const QPointF &point : points)
@@ -123,8 +123,7 @@ Error XicBaselineLimitsDetector::Private::init(const XicBaselineLimitsDetectorOp
     options = newOptions;
     ZAV_RETURN_IF_ERROR(options.checkForParameterErrors(), 79);
     ZAV_RETURN_IF_ERROR(model.init(options.modelFilePath.toStdString(), {}), 81);
-    smoothingKernel =
-        EigenUtilities::buildGaussianFilter1D(options.gaussianFilterSize, SMOOTHING_SIGMA, true).reverse();
+    smoothingKernel = buildSmoothingKernel(options.gaussianFilterSize);
     initialised = true;
     return Error();
 }
@@ -134,7 +133,7 @@ Result<Eigen::VectorXf> XicBaselineLimitsDetector::Private::buildInputVector(con
 {
     QList<QPointF> thinned = points;
     if (thinned.size() > options.maxPointCount)
-        removeLowIntensePoints(thinned, options.maxPointCount - THINNING_MARGIN, true);
+        removeLowIntensePoints(thinned, thinningTarget(options.maxPointCount), true);
     const Error tooMany =
         ErrorUtils::belowThreshold<int>(static_cast<int>(thinned.size()), options.maxPointCount, Inclusive,
                                         Error(Failure, QStringLiteral("Points list exceeds Tensor max index limit")));
@@ -163,7 +162,8 @@ XicBaselineLimitsDetector::Private::integrateXIC(const QList<QPointF> &points, d
     std::vector<float> values;
     ZAV_RETURN_IF_ERROR(probabilities.getData<float>(&values), 157);
 
-    const qsizetype used = std::min<qsizetype>(options.maxPointCount, points.size());
+    // Options that were refused are in force all the same: their count can be below 0.
+    const qsizetype used = std::clamp<qsizetype>(options.maxPointCount, 0, points.size());
     if (used <= options.minPointCount)
         return QList<Interval<double>>();
     ZAV_RETURN_IF_ERROR(holdsAtLeast(values, used), __LINE__);
@@ -175,7 +175,9 @@ XicBaselineLimitsDetector::Private::integrateXIC(const QList<QPointF> &points, d
         retentionTimeHint > NO_HINT && retryDepth < MAXIMUM_RETRIES && !anyContains(found.value(), retentionTimeHint);
     if (!retry)
         return found;
-    Result<QList<Interval<double>>> retried = integrateXIC(amplified(points), retentionTimeHint, retryDepth + 1);
+    // A depth below 0 is no licence for more retries.
+    Result<QList<Interval<double>>> retried =
+        integrateXIC(amplified(points), retentionTimeHint, std::max(retryDepth, 0) + 1);
     ZAV_RETURN_IF_ERROR(retried.error(), 194);
     return retried;
 }

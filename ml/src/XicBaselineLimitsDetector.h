@@ -18,11 +18,13 @@ namespace zav {
 /// by a walk outward from the local maxima.
 ///
 /// Points are (retention time, intensity) in acquisition order; limits come back in the same unit of time. The times
-/// must not descend within a peak (`InvalidInput` "Start is greater than end").
+/// must not descend within a peak: a call that meets an interval whose start is later than its end fails as a whole
+/// (`InvalidInput` "Start is greater than end"). Infinite and NaN intensities are taken; +infinity hides the others.
+/// An interval beyond the end of the list is left out.
 ///
-/// A call costs what `maxPointCount` asks, whatever the length of the XIC. A longer XIC is thinned before the network
-/// sees it, and the limits are then read at the network's positions in the caller's list: choose `maxPointCount` to
-/// hold the XIC where the limits matter.
+/// A network run costs what `maxPointCount` asks, whatever the length of the XIC, and a longer XIC the time to thin it
+/// (n log n, about 50 ms for a million points). The limits are then read at the network's positions in the caller's
+/// list: choose `maxPointCount` to hold the XIC where the limits matter.
 ///
 /// One thread at a time per object; separate objects are independent and may be used in parallel.
 class ZAV_ML_EXPORT XicBaselineLimitsDetector
@@ -38,17 +40,26 @@ public:
     /// Stores the options, checks them and loads the network that they name.
     ///
     /// The options replace the stored ones even when they are refused. After a failure a detector that worked before
-    /// goes on with the new options, and without a network if it was the loading that failed.
+    /// goes on with them, except that the smoothing filter and, where the options were refused, the network stay the
+    /// old ones. Where it was the loading that failed, the network is gone, or it is the new one if only its operation
+    /// "init" was missing or failed.
     Error init(const XicBaselineLimitsDetectorOptions &options);
 
-    /// The limits of the peaks that the walk finds, the highest apex first. No network is run. Intervals may overlap.
+    /// The limits of the peaks that the walk finds, the highest apex first. No network is run. Intervals may overlap; a
+    /// maximum of height 0 between negative intensities gives an interval from the first point to the first point.
+    ///
+    /// `Failure` before the first `init`.
     Result<QList<Interval<double>>> integrateXIC(const QList<QPointF> &points);
 
     /// The limits of the peaks that the network finds, in acquisition order.
     ///
     /// With a `retentionTimeHint` above -1.0 that lies in none of them, the search is repeated on the XIC amplified
     /// tenfold and clipped at its highest point, three times at most; `retryDepth` counts the repetitions already
-    /// done, and callers pass 0. One network run, and one more per repetition.
+    /// done, and callers pass 0 (below 0 counts as 0). One network run, and one more per repetition.
+    ///
+    /// `Failure` before the first `init`, for a network without the operations "import/img" and
+    /// "import/conv2d_19/Sigmoid" of floats, for one that takes another number of values than `maxPointCount` or
+    /// returns fewer than there are points, and when its run fails.
     Result<QList<Interval<double>>> integrateXIC(const QList<QPointF> &points, double retentionTimeHint,
                                                  int retryDepth);
 

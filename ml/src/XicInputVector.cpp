@@ -3,6 +3,7 @@
 
 #include "EigenUtilities.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -11,6 +12,8 @@ namespace zav {
 namespace {
 
 constexpr double SMALLEST_DIVISOR = 1e-12;
+constexpr int THINNING_MARGIN = 200;    // points
+constexpr double SMOOTHING_SIGMA = 4.0; // points
 
 void smoothVector(int passes, const Eigen::VectorXd &kernel, Eigen::VectorXd &vector)
 {
@@ -27,9 +30,21 @@ void normalise(Eigen::VectorXd &vector)
 
 } // namespace
 
+Eigen::VectorXd buildSmoothingKernel(int size)
+{
+    return EigenUtilities::buildGaussianFilter1D(size, SMOOTHING_SIGMA, true).reverse();
+}
+
+int thinningTarget(int maxPointCount)
+{
+    return std::max(maxPointCount, THINNING_MARGIN) - THINNING_MARGIN;
+}
+
 Eigen::VectorXf buildXicInputVector(const QList<QPointF> &points, const Eigen::VectorXd &kernel,
                                     const XicInputVectorSettings &settings)
 {
+    if (settings.length <= 0)
+        return {};
     Eigen::VectorXd vector = Eigen::VectorXd::Constant(settings.length, settings.padding);
     for (qsizetype i = 0; i < points.size(); ++i)
         vector[i] = static_cast<float>(points.at(i).y());

@@ -16,9 +16,16 @@ struct XicInputVectorSettings
     int smoothingPassCount = 0; ///< convolutions with the kernel; none if 0 or negative
 };
 
+/// The kernel that chromatograms are smoothed with: a normalised Gaussian of `size` taps and a sigma of 4 points,
+/// mirrored as a convolution asks.
+Eigen::VectorXd buildSmoothingKernel(int size);
+
+/// How many points are left of a chromatogram that does not fit into `maxPointCount`: 200 fewer than that, not below 0.
+int thinningTarget(int maxPointCount);
+
 /// The intensities (y) of the points, rounded to float, padded, smoothed together with the padding, and divided by the
 /// largest element. Where that is 0 (magnitude up to 1e-12) the divisor is the smallest normal double: zeros stay
-/// zeros, and what is tiny becomes huge.
+/// zeros, and what is tiny becomes huge. Empty for a length of 0 or less.
 Eigen::VectorXf buildXicInputVector(const QList<QPointF> &points, const Eigen::VectorXd &kernel,
                                     const XicInputVectorSettings &settings);
 

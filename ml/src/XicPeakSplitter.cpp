@@ -20,26 +20,19 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "ml/src/XicPeakSplitter";
 
-constexpr double SMOOTHING_SIGMA = 4.0; // points
 constexpr double PADDING = 0.0;
-constexpr int THINNING_MARGIN = 200; // points
 constexpr int FEWEST_POINTS = 5;
 constexpr double HIGHEST_PROBABILITY = 1.0;
 constexpr int MOST_SPLITS = 4;
 
 const Error xicPredictionMismatchError(InvalidInput, QStringLiteral("xic and prediction not equal"));
 
-Eigen::VectorXd buildSmoothingKernel(int size)
-{
-    return EigenUtilities::buildGaussianFilter1D(size, SMOOTHING_SIGMA, true).reverse();
-}
-
 Eigen::VectorXf buildInputVector(const QList<QPointF> &points, const XicPeakSplitterOptions &options,
                                  const Eigen::MatrixXd &kernel)
 {
     QList<QPointF> thinned = points;
     if (thinned.size() > options.maxPointCount)
-        removeLowIntensePoints(thinned, options.maxPointCount - THINNING_MARGIN, true);
+        removeLowIntensePoints(thinned, thinningTarget(options.maxPointCount), true);
     const Error tooMany =
         ErrorUtils::belowThreshold<int>(static_cast<int>(thinned.size()), options.maxPointCount, Inclusive, Failure);
     if (tooMany.hasError()) {

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace zav {
@@ -83,7 +85,24 @@ TEST_F(XicBaselineLimitsDetectorTest, NonFiniteAndNegativeProbabilitiesAreNoPeak
     expectIntervals({{9, 11}}, found(std::vector<double>(40, 1.0)));
 }
 
-TEST_F(XicBaselineLimitsDetectorTest, NonFiniteAndNegativeIntensitiesAndTimesAreTaken)
+void expectTimesOf(const QList<QPointF> &points, const Intervals &intervals)
+{
+    if (intervals.hasError()) {
+        EXPECT_EQ(QStringLiteral("Start is greater than end"), intervals.error().message());
+        return;
+    }
+    const auto isTime = [&](double time) {
+        return std::any_of(points.cbegin(), points.cend(), [&](const QPointF &point) {
+            return point.x() == time || (std::isnan(point.x()) && std::isnan(time));
+        });
+    };
+    for (const Interval<double> &interval : intervals.value()) {
+        EXPECT_TRUE(isTime(interval.start));
+        EXPECT_TRUE(isTime(interval.end));
+    }
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, NonFiniteAndNegativeIntensitiesAndTimesGiveTimesOfThePointsOrAnError)
 {
     XicBaselineLimitsDetectorOptions options = plainOptions(Network::identity());
     options.smoothingPassCount = 2;
@@ -94,18 +113,44 @@ TEST_F(XicBaselineLimitsDetectorTest, NonFiniteAndNegativeIntensitiesAndTimesAre
         for (const int count : {1, 2, 40, LENGTH, LENGTH + 50}) {
             QList<QPointF> points = Network::chromatogram(std::vector<double>(count, 1.0));
             points[count / 2].setY(odd);
-            static_cast<void>(detector.integrateXIC(points, 100.0, 0));
-            static_cast<void>(detector.integrateXIC(points));
+            expectTimesOf(points, detector.integrateXIC(points, 100.0, 0));
+            expectTimesOf(points, detector.integrateXIC(points));
             points[count / 3].setX(odd);
-            static_cast<void>(detector.integrateXIC(points, odd, 0));
-            static_cast<void>(detector.integrateXIC(points));
+            expectTimesOf(points, detector.integrateXIC(points, odd, 0));
+            expectTimesOf(points, detector.integrateXIC(points));
         }
     }
-    expectIntervals({{1, 39}}, [&] {
-        XicBaselineLimitsDetectorOptions plain = plainOptions(Network::identity());
-        EXPECT_FALSE(detector.init(plain).hasError());
-        return found(std::vector<double>(40, 1.0));
-    }());
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, OperationsWithoutAnOutputAreTagged)
+{
+    const MessageRecorder silence;
+    GraphDefBuilder noInput;
+    noInput.noOp(Network::INPUT).constant(Network::OUTPUT, {1}, {1.0F}).noOp("init");
+    initialise(noInput);
+    expectFailure(Failure, QString(), {"XicBaselineLimitsDetector:149"}, found(markedAt({3, 4})));
+    GraphDefBuilder noOutput;
+    noOutput.placeholder(Network::INPUT, {{-1, 1, 1}}).noOp(Network::OUTPUT).noOp("init");
+    initialise(noOutput);
+    expectFailure(Failure, QString(), {"XicBaselineLimitsDetector:152"}, found(markedAt({3, 4})));
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, RefusedPointCountsInForceFindNothing)
+{
+    for (const int count : {0, -1, -5, std::numeric_limits<int>::min()}) {
+        initialise();
+        XicBaselineLimitsDetectorOptions refused = plainOptions(Network::identity());
+        refused.maxPointCount = count;
+        EXPECT_TRUE(detector.init(refused).equals(InvalidInput));
+        expectIntervals({}, found(markedAt({3, 4, 5})));
+        expectIntervals({}, detector.integrateXIC(Network::chromatogram(markedAt({3, 4, 5}))));
+        refused.minPointCount = -10;
+        EXPECT_TRUE(detector.init(refused).equals(InvalidInput));
+        const Intervals intervals = found(markedAt({3, 4, 5}));
+        expectFailure(InvalidInput, intervals.error().message(), {"XicBaselineLimitsDetector:436"},
+                      inside().processPrediction({}, Network::chromatogram({1, 2})));
+        EXPECT_TRUE(intervals.hasError());
+    }
 }
 
 TEST_F(XicBaselineLimitsDetectorTest, MillionPointsAreThinnedAndDetected)

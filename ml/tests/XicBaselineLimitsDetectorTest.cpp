@@ -71,6 +71,39 @@ TEST_F(XicBaselineLimitsDetectorTest, SecondInitReplacesOptionsAndKernel)
         EXPECT_NEAR(expected[i], inside().smoothingKernel[6 - i], 1e-15);
 }
 
+TEST_F(XicBaselineLimitsDetectorTest, RefusedOptionsAreNotedBeforeTheirNetworkIsLookedFor)
+{
+    initialise();
+    XicBaselineLimitsDetectorOptions refused = plainOptions(Network::identity());
+    refused.modelFilePath = QStringLiteral("no such file.pb");
+    refused.limitThreshold = 1.0;
+    EXPECT_EQ(QStringLiteral("XicBaselineLimitsDetector:79"), linesOf(detector.init(refused)).last());
+    expectIntervals({{2, 5}}, found(markedAt({3, 4, 5}))); // by the old network
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, KernelStaysEmptyUntilAnInitSucceeds)
+{
+    XicBaselineLimitsDetectorOptions missing = plainOptions(Network::identity());
+    missing.modelFilePath = QStringLiteral("no such file.pb");
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(detector.init(missing).hasError());
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(0, inside().smoothingKernel.size());
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, NetworkThatLacksOnlyItsInitOperationIsLoadedAllTheSame)
+{
+    initialise(Network::constant(std::vector<float>(LENGTH, 0.0F)));
+    GraphDefBuilder uninitialised;
+    uninitialised.placeholder(Network::INPUT, {{-1, 1, 1}}).identity(Network::OUTPUT, Network::INPUT);
+    testing::internal::CaptureStderr();
+    const MessageRecorder silence;
+    EXPECT_EQ(QStringLiteral("XicBaselineLimitsDetector:81"),
+              linesOf(detector.init(plainOptions(uninitialised))).last());
+    testing::internal::GetCapturedStderr();
+    expectIntervals({{2, 5}}, found(markedAt({3, 4, 5})));
+}
+
 TEST_F(XicBaselineLimitsDetectorTest, FailingSecondInitLeavesItInitialisedWithTheNewOptions)
 {
     initialise();
@@ -110,6 +143,15 @@ TEST_F(XicBaselineLimitsDetectorTest, MinPointCountOrFewerPointsGiveNoIntervals)
     initialise(options);
     expectIntervals({}, found({0, 1, 1, 1, 0}, 101.0));
     expectIntervals({{0, 3}}, found({0, 1, 1, 1, 0, 0}));
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, MinPointCountIsLookedAtAfterTheNetworkRan)
+{
+    GraphDefBuilder graph;
+    graph.placeholder(Network::INPUT, {{-1, 1, 1}}).placeholder("unfed", {{1}});
+    graph.identity(Network::OUTPUT, "unfed").noOp("init");
+    initialise(graph);
+    expectFailure(Failure, QString(), {"XicBaselineLimitsDetector:156"}, found({0.0, 1.0}));
 }
 
 TEST_F(XicBaselineLimitsDetectorTest, ClusterStartsOneIndexEarly)
@@ -153,6 +195,16 @@ TEST_F(XicBaselineLimitsDetectorTest, LoneSelectedPointThatIsAClusterReachesNoIn
     expectIntervals({}, found(markedAt({20})));
 }
 
+TEST_F(XicBaselineLimitsDetectorTest, LoneFirstPointThatIsAClusterFailsTheWholeCall)
+{
+    XicBaselineLimitsDetectorOptions options = plainOptions(Network::identity());
+    options.dbscanMinPoints = 1;
+    initialise(options);
+    // It starts at 1, as every cluster that begins at 0, and ends at 0.
+    expectFailure(InvalidInput, QStringLiteral("Start is greater than end"),
+                  {"XicBaselineLimitsDetector:450", "XicBaselineLimitsDetector:166"}, found(markedAt({0, 20, 21, 22})));
+}
+
 TEST_F(XicBaselineLimitsDetectorTest, OnePointReachesNoIndexOutsideTheList)
 {
     XicBaselineLimitsDetectorOptions options = plainOptions(Network::constant({1.0F, 1.0F, 1.0F}));
@@ -184,6 +236,18 @@ TEST_F(XicBaselineLimitsDetectorTest, AllIntensitiesZeroFindNothing)
     ASSERT_FALSE(input.hasError());
     EXPECT_EQ(0.0F, input.value()[0]) << "divided by the smallest normal double, not by zero";
     EXPECT_EQ(-std::numeric_limits<float>::infinity(), input.value()[20]) << "the padding over that divisor";
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, InputIsRoundedToFloatAndDividedByTheLargestThatIsANumber)
+{
+    initialise();
+    const auto inputOf = [&](const std::vector<double> &intensities) {
+        return inside().buildInputVector(Network::chromatogram(intensities), inside().smoothingKernel).value();
+    };
+    EXPECT_EQ(1.0F, inputOf({16777216, 16777217})[0]); // the same float
+    EXPECT_EQ(0.5F, inputOf({std::numeric_limits<double>::quiet_NaN(), 1, 2})[1]);
+    EXPECT_EQ(0.5F, inputOf({5e-12, 1e-11})[0]);
+    EXPECT_EQ(std::numeric_limits<float>::infinity(), inputOf({0, 1e-13})[1]); // over the smallest normal double
 }
 
 TEST_F(XicBaselineLimitsDetectorTest, ExactlyMaxPointCountPointsAreNotThinned)
@@ -249,6 +313,8 @@ TEST_F(XicBaselineLimitsDetectorTest, EqualTimesAreAccepted)
     ASSERT_FALSE(intervals.hasError());
     ASSERT_EQ(1, intervals.value().size());
     EXPECT_EQ(7.0, intervals.value()[0].start);
+    const QList<QPointF> hill{{7.0, 1.0}, {7.0, 3.0}, {7.0, 2.0}, {7.0, 1.0}};
+    EXPECT_FALSE(detector.integrateXIC(hill).hasError());
 }
 
 TEST_F(XicBaselineLimitsDetectorTest, EmptyProbabilityVectorIsAFailureOfTheClustering)
@@ -264,6 +330,14 @@ TEST_F(XicBaselineLimitsDetectorTest, PredictionThatCannotBeThresholdedIsTagged)
 {
     const Intervals empty = inside().processPrediction({}, Network::chromatogram({1, 2}));
     expectFailure(InvalidInput, empty.error().message(), {"XicBaselineLimitsDetector:436"}, empty);
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, ClustersNeedAProbabilityAtTheThreshold)
+{
+    inside().options.probabilityTolerance = 0.01;
+    const Result<QList<Interval<int>>> clusters = inside().clusterPrediction(Eigen::VectorXf::Constant(3, 0.95F));
+    ASSERT_FALSE(clusters.hasError());
+    EXPECT_TRUE(clusters.value().isEmpty());
 }
 
 TEST_F(XicBaselineLimitsDetectorTest, SelectionNeedsMoreThanNineTenths)
@@ -318,6 +392,25 @@ TEST_F(XicBaselineLimitsDetectorTest, RetriesAlreadyDoneCount)
     expectIntervals({{9, 11}}, found(faintPeak(60.0), Network::timeOf(30), 100));
 }
 
+TEST_F(XicBaselineLimitsDetectorTest, RetryDepthBelowZeroCountsAsZero)
+{
+    initialise();
+    for (const int depth : {-1, std::numeric_limits<int>::min()}) {
+        expectIntervals({{9, 11}, {29, 31}}, found(faintPeak(0.6), Network::timeOf(30), depth));
+        expectIntervals({{9, 11}}, found(faintPeak(0.06), Network::timeOf(30), depth));
+    }
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, IntensityThatIsNoNumberDoesNotDecideWhereAmplificationClips)
+{
+    initialise();
+    for (const int index : {0, 5, 39}) {
+        std::vector<double> trace = faintPeak(60.0);
+        trace[index] = std::numeric_limits<double>::quiet_NaN();
+        expectIntervals({{9, 11}, {29, 31}}, found(trace, Network::timeOf(30)));
+    }
+}
+
 TEST_F(XicBaselineLimitsDetectorTest, HintOfMinusOneOrLessOrNaNSwitchesTheRetryOff)
 {
     initialise();
@@ -338,6 +431,13 @@ TEST_F(XicBaselineLimitsDetectorTest, FailureOfARetryIsTagged)
 }
 
 // The walk
+
+TEST_F(XicBaselineLimitsDetectorTest, WalkGivesTheFirstPointForEachMaximumOfHeightZero)
+{
+    initialise();
+    const QList<QPointF> points = Network::chromatogram({-0.5, 0, -0.5, 0, -0.5, 0, 1, 0, -0.5});
+    expectIntervals({{5, 7}, {0, 0}, {0, 0}}, detector.integrateXIC(points));
+}
 
 TEST_F(XicBaselineLimitsDetectorTest, WalkGivesTheHighestPeakFirst)
 {

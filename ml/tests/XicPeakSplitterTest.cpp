@@ -1,97 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "XicPeakSplitter.h"
 
-#include "ChromatogramNetwork.h"
 #include "MessageRecorder.h"
 #include "NaiveChromatogram.h"
-#include "Trail.h"
-#include "XicPeakSplitter_p.h"
+#include "XicPeakSplitterFixture.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <random>
 
 namespace zav {
 
-/// The unit tests' view of Private.
-class XicPeakSplitterInspector
-{
-public:
-    using Private = XicPeakSplitter::Private;
-    static Private &of(XicPeakSplitter &splitter) { return *splitter.d; }
-};
-
 namespace {
-
-using Network = ChromatogramNetwork;
-using Splits = Result<QList<std::pair<double, double>>>;
-
-constexpr int LENGTH = 256;
-
-/// The lines of the trail that belong to the splitter.
-QList<int> linesOf(const Error &error)
-{
-    QList<int> lines;
-    for (const CaughtAt &place : error.trail()) {
-        if (place.sourceFile == QStringLiteral("ml/src/XicPeakSplitter"))
-            lines.append(place.line);
-    }
-    return lines;
-}
-
-class XicPeakSplitterTest : public ::testing::Test
-{
-protected:
-    /// Raw intensities, so that the network's probabilities are the intensities over their maximum.
-    XicPeakSplitterOptions plainOptions(const GraphDefBuilder &graph, double probabilityTolerance = 0.25)
-    {
-        XicPeakSplitterOptions options;
-        options.modelFilePath = network.write(graph);
-        options.maxPointCount = LENGTH;
-        options.smoothingPassCount = 0;
-        options.probabilityTolerance = probabilityTolerance;
-        return options;
-    }
-
-    void initialise(const XicPeakSplitterOptions &options)
-    {
-        const Error error = splitter.init(options);
-        ASSERT_FALSE(error.hasError()) << error.toString().toStdString();
-    }
-
-    /// With a network that always answers these probabilities, 0 behind them.
-    void initialise(std::vector<float> probabilities, double probabilityTolerance = 0.25)
-    {
-        probabilities.resize(LENGTH, 0.0F);
-        initialise(plainOptions(Network::constant(probabilities), probabilityTolerance));
-    }
-
-    Splits splitFlat(int size = 20) { return splitter.splitXIC(Network::chromatogram(std::vector<double>(size, 1.0))); }
-
-    XicPeakSplitterInspector::Private &inside() { return XicPeakSplitterInspector::of(splitter); }
-
-    Network network;
-    XicPeakSplitter splitter;
-};
-
-void expectSplits(const std::vector<std::pair<int, float>> &expected, const Splits &actual)
-{
-    ASSERT_FALSE(actual.hasError()) << actual.error().toString().toStdString();
-    ASSERT_EQ(static_cast<qsizetype>(expected.size()), actual.value().size());
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(Network::timeOf(expected[i].first), actual.value()[i].first) << "split " << i;
-        EXPECT_EQ(static_cast<double>(expected[i].second), actual.value()[i].second) << "split " << i;
-    }
-}
-
-void expectFailure(const QList<int> &lines, const Splits &actual)
-{
-    ASSERT_TRUE(actual.hasError());
-    EXPECT_TRUE(actual.error().equals(Failure));
-    EXPECT_TRUE(actual.error().message().isEmpty());
-    EXPECT_EQ(lines, linesOf(actual.error())) << actual.error().toString();
-}
 
 // Lifecycle
 
@@ -110,7 +32,7 @@ TEST_F(XicPeakSplitterTest, RefusedOptionsAreTaggedStoredAndLeaveItUnusable)
     options.maxPointCount = 200;
     const Error error = splitter.init(options);
     EXPECT_TRUE(error.equals(InvalidInput));
-    EXPECT_EQ((QList<int>{62, 253}), linesOf(error));
+    EXPECT_EQ((QList<int>{62, 253}), splitterLinesOf(error));
     EXPECT_EQ(200, inside().options.maxPointCount);
     expectFailure({184}, splitFlat());
 }
@@ -123,7 +45,7 @@ TEST_F(XicPeakSplitterTest, UnreadableNetworkIsTagged)
     const Error error = splitter.init(options);
     EXPECT_NE(std::string::npos, testing::internal::GetCapturedStderr().find("Unable to open file: no such file.pb\n"));
     EXPECT_TRUE(error.equals(Failure));
-    EXPECT_EQ((QList<int>{63, 253}), linesOf(error));
+    EXPECT_EQ((QList<int>{63, 253}), splitterLinesOf(error));
     EXPECT_FALSE(inside().initialised);
 }
 
@@ -138,6 +60,26 @@ TEST_F(XicPeakSplitterTest, SecondInitReplacesTheKernelWhichIsTheMirroredFilter)
     ASSERT_EQ(9, inside().smoothingKernel.size());
     for (int i = 0; i < 9; ++i)
         EXPECT_NEAR(filter[8 - i], inside().smoothingKernel[i], 1e-15);
+}
+
+TEST_F(XicPeakSplitterTest, RefusedOptionsAreNotedBeforeTheirNetworkIsLookedFor)
+{
+    initialise({0.0F, 0.97F});
+    XicPeakSplitterOptions refused = plainOptions(Network::identity());
+    refused.modelFilePath = QStringLiteral("no such file.pb");
+    refused.gaussianFilterSize = 0;
+    EXPECT_EQ((QList<int>{62, 253}), splitterLinesOf(splitter.init(refused)));
+    expectSplits({{1, 0.97F}}, splitFlat()); // the old network
+}
+
+TEST_F(XicPeakSplitterTest, KernelStaysEmptyUntilAnInitSucceeds)
+{
+    XicPeakSplitterOptions missing = plainOptions(Network::identity());
+    missing.modelFilePath = QStringLiteral("no such file.pb");
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(splitter.init(missing).hasError());
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(0, inside().smoothingKernel.size());
 }
 
 TEST_F(XicPeakSplitterTest, FailingSecondInitLeavesItInitialisedWithTheNewOptions)
@@ -199,6 +141,21 @@ TEST_F(XicPeakSplitterTest, AllZeroIntensitiesGiveAnAllZeroInputAndNoSplit)
     expectSplits({}, splitter.splitXIC(Network::chromatogram(std::vector<double>(20, 0.0))));
 }
 
+TEST_F(XicPeakSplitterTest, IntensitiesAreRoundedToFloatBeforeTheyAreScaled)
+{
+    initialise(plainOptions(Network::identity(), 1.0));
+    // 2^24 and 2^24 + 1 are the same float: no point is higher than both its neighbours.
+    expectSplits({}, splitter.splitXIC(Network::chromatogram({1, 16777216, 16777217, 1, 1})));
+}
+
+TEST_F(XicPeakSplitterTest, LargestIntensityOfATrillionthCountsAsZeroAndALargerOneDoesNot)
+{
+    initialise(plainOptions(Network::identity(), 1.0));
+    const float infinity = std::numeric_limits<float>::infinity();
+    expectSplits({{1, infinity}, {3, infinity}}, splitter.splitXIC(Network::chromatogram({0, 1e-13, 0, 1e-14, 0})));
+    expectSplits({{1, 1.0F}, {3, 0.8F}}, splitter.splitXIC(Network::chromatogram({0, 1e-11, 0, 8e-12, 0})));
+}
+
 TEST_F(XicPeakSplitterTest, LongerChromatogramIsThinnedAndSplitTimesComeFromTheThinnedList)
 {
     initialise(plainOptions(Network::identity(), 0.5));
@@ -215,54 +172,6 @@ TEST_F(XicPeakSplitterTest, CallersListStaysAsItIs)
     const QList<QPointF> before = points;
     expectSplits({}, splitter.splitXIC(points));
     EXPECT_EQ(before, points);
-}
-
-TEST_F(XicPeakSplitterTest, MissingOperationsAreTagged)
-{
-    const MessageRecorder silence;
-    GraphDefBuilder noInput;
-    noInput.constant(Network::OUTPUT, {1}, {1.0F}).noOp("init");
-    initialise(plainOptions(noInput));
-    expectFailure({204}, splitFlat());
-    GraphDefBuilder noOutput;
-    noOutput.placeholder(Network::INPUT, {{-1, 1, 1}}).noOp("init");
-    initialise(plainOptions(noOutput));
-    expectFailure({210}, splitFlat());
-}
-
-TEST_F(XicPeakSplitterTest, InputOfAnotherLengthIsTagged)
-{
-    const MessageRecorder silence;
-    GraphDefBuilder graph;
-    graph.placeholder(Network::INPUT, {{-1, 1000, 1, 1}}).identity(Network::OUTPUT, Network::INPUT).noOp("init");
-    initialise(plainOptions(graph));
-    expectFailure({213}, splitFlat());
-}
-
-TEST_F(XicPeakSplitterTest, RunThatFailsIsTagged)
-{
-    GraphDefBuilder graph;
-    graph.placeholder(Network::INPUT, {{-1, 1, 1}}).placeholder("unfed", {{1}});
-    graph.identity(Network::OUTPUT, "unfed").noOp("init");
-    initialise(plainOptions(graph));
-    expectFailure({214}, splitFlat());
-}
-
-TEST_F(XicPeakSplitterTest, OutputOfAnotherTypeIsTagged)
-{
-    const MessageRecorder silence;
-    GraphDefBuilder graph;
-    graph.placeholder(Network::INPUT, {{-1, 1, 1}});
-    graph.cast(Network::OUTPUT, Network::INPUT, GraphDefBuilder::FLOAT, GraphDefBuilder::INT32).noOp("init");
-    initialise(plainOptions(graph));
-    expectFailure({215}, splitFlat());
-}
-
-TEST_F(XicPeakSplitterTest, FewerProbabilitiesThanPointsAreAFailure)
-{
-    initialise(plainOptions(Network::constant(std::vector<float>(19, 0.0F))));
-    expectFailure({218}, splitFlat(20));
-    expectSplits({}, splitFlat(19));
 }
 
 // Split points
@@ -318,42 +227,6 @@ TEST_F(XicPeakSplitterTest, NegativeProbabilitiesAtTheEndsReportThePaddingWhichI
     probabilities[10] = 0.9F;
     initialise(probabilities, 1.0);
     expectSplits({{10, 0.9F}}, splitFlat(20));
-}
-
-TEST_F(XicPeakSplitterTest, NonFiniteProbabilitiesReachNoIndexOutsideTheList)
-{
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const float infinity = std::numeric_limits<float>::infinity();
-    initialise({nan, nan, 0.0F, infinity, 0.0F, -infinity, nan});
-    expectSplits({{3, infinity}}, splitFlat());
-    initialise(std::vector<float>(20, nan));
-    expectSplits({}, splitFlat(20));
-}
-
-TEST_F(XicPeakSplitterTest, NonFiniteAndNegativeIntensitiesAreTaken)
-{
-    XicPeakSplitterOptions options = plainOptions(Network::identity(), 1.0);
-    options.smoothingPassCount = 2;
-    initialise(options);
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const double infinity = std::numeric_limits<double>::infinity();
-    for (const double odd : {nan, infinity, -infinity, -1e300, 1e300}) {
-        for (const int count : {5, 40, LENGTH, LENGTH + 50}) {
-            QList<QPointF> points = Network::chromatogram(std::vector<double>(count, 1.0));
-            points[count / 2].setY(odd);
-            const Splits splits = splitter.splitXIC(points);
-            ASSERT_FALSE(splits.hasError());
-            EXPECT_LE(splits.value().size(), 4);
-        }
-    }
-}
-
-TEST_F(XicPeakSplitterTest, MillionPointsAreThinnedAndSplit)
-{
-    initialise(plainOptions(Network::identity()));
-    std::vector<double> trace(1000000, 0.01);
-    trace[700000] = 1.0;
-    expectSplits({{700000, 1.0F}}, splitter.splitXIC(Network::chromatogram(trace)));
 }
 
 // Against a naive implementation, on random traces, for a network whose probabilities are its input

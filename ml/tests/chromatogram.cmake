@@ -4,6 +4,7 @@ zav_add_test(ml_chromatogram_tests
         XicBaselineLimitsDetectorComparisonTest.cpp
         XicBaselineLimitsDetectorHostileTest.cpp
         XicBaselineLimitsDetectorTest.cpp
+        XicPeakSplitterHostileTest.cpp
         XicPeakSplitterTest.cpp
         XicPeakWalkTest.cpp
     LIBRARIES zav_ml_static zav_ml_test_support Eigen3::Eigen)

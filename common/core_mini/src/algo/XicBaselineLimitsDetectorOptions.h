@@ -17,7 +17,7 @@ struct XicBaselineLimitsDetectorOptions
 
     /// Length of the network's input in points, which the network must accept; above 200. A longer chromatogram is
     /// thinned to 200 points less.
-    int maxPointCount = 4096;
+    int maxPointCount = 8192;
 
     /// A point belongs to a peak where the network gives a probability of 1 - this or more. Within 0 to 1: the higher,
     /// the more and the wider the peaks.
@@ -27,7 +27,7 @@ struct XicBaselineLimitsDetectorOptions
     double dbscanEpsilon = 1.5;
 
     /// Points within `dbscanEpsilon` of a point, itself included, that make it the core of a peak. 1 or more; with 2
-    /// a lone point is noise.
+    /// a lone point is noise. With 1 a lone first point is a peak whose limits cannot be told, and the call fails.
     int dbscanMinPoints = 2;
 
     /// A chromatogram of this many points or fewer has no peaks for the network. 0 or more.
