@@ -1,36 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "MzMlText.h"
 #include "ObservedSpectrum.h"
 #include "TemporaryFiles.h"
 
-#include <QtCore/QtEndian>
-
-#include <array>
-#include <cstring>
+#include <algorithm>
+#include <limits>
 
 namespace zav {
 namespace {
-
-QByteArray littleEndian(const QList<double> &values)
-{
-    QByteArray bytes(values.size() * 8, '\0');
-    for (qsizetype i = 0; i < values.size(); ++i)
-        qToLittleEndian(values[i], bytes.data() + 8 * i);
-    return bytes;
-}
-
-QByteArray dataArray(const char *accession, const char *name, const QList<double> &values, bool isCompressed)
-{
-    QByteArray bytes = littleEndian(values);
-    if (isCompressed)
-        bytes = qCompress(bytes).mid(4); // Qt puts the length in front of the zlib stream
-    const QByteArray text = bytes.toBase64();
-    return "<binaryDataArray encodedLength=\"" + QByteArray::number(text.size()) +
-           "\"><cvParam cvRef=\"MS\" accession=\"MS:1000523\" name=\"64-bit float\"/>" +
-           (isCompressed ? "<cvParam cvRef=\"MS\" accession=\"MS:1000574\" name=\"zlib compression\"/>"
-                         : "<cvParam cvRef=\"MS\" accession=\"MS:1000576\" name=\"no compression\"/>") +
-           "<cvParam cvRef=\"MS\" accession=\"" + accession + "\" name=\"" + name + "\"/><binary>" + text +
-           "</binary></binaryDataArray>";
-}
 
 struct SpectrumText
 {
@@ -52,38 +29,17 @@ QByteArray spectrumXml(const SpectrumText &spectrum, int index)
            "<cvParam cvRef=\"MS\" accession=\"MS:1000041\" name=\"charge state\" value=\"3\"/>"
            "</selectedIon></selectedIonList><activation/></precursor></precursorList><binaryDataArrayList "
            "count=\"2\">" +
-           dataArray("MS:1000514", "m/z array", spectrum.mzs, spectrum.isCompressed) +
-           dataArray("MS:1000515", "intensity array", spectrum.intensities, spectrum.isCompressed) +
+           dataArray("MS:1000514", "m/z array", spectrum.mzs, {spectrum.isCompressed}) +
+           dataArray("MS:1000515", "intensity array", spectrum.intensities, {spectrum.isCompressed}) +
            "</binaryDataArrayList></spectrum>\n";
 }
 
 QByteArray mzMl(const QList<SpectrumText> &spectra)
 {
-    QByteArray text = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-                      "<mzML xmlns=\"http://psi.hupo.org/ms/mzml\" id=\"x\" version=\"1.1.0\">\n"
-                      "<cvList count=\"1\"><cv id=\"MS\" fullName=\"PSI-MS\" URI=\"x\"/></cvList>\n"
-                      "<fileDescription><fileContent/></fileDescription>\n"
-                      "<run id=\"x\"><spectrumList count=\"" +
-                      QByteArray::number(spectra.size()) + "\">\n";
+    QByteArray list = "<spectrumList count=\"" + QByteArray::number(spectra.size()) + "\">\n";
     for (int i = 0; i < spectra.size(); ++i)
-        text += spectrumXml(spectra[i], i);
-    return text + "</spectrumList></run></mzML>\n";
-}
-
-// RFC 1952: a gzip member around the deflate stream that qCompress wraps as zlib.
-QByteArray gzip(const QByteArray &content)
-{
-    quint32 crc = 0xFFFFFFFFU;
-    for (const char byte : content) {
-        crc ^= static_cast<quint8>(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc >> 1) ^ (0xEDB88320U & (0U - (crc & 1U)));
-    }
-    const QByteArray zlib = qCompress(content).mid(4);
-    QByteArray trailer(8, '\0');
-    qToLittleEndian(~crc, trailer.data());
-    qToLittleEndian(static_cast<quint32>(content.size()), trailer.data() + 4);
-    return QByteArray("\x1f\x8b\x08\0\0\0\0\0\0\x03", 10) + zlib.mid(2, zlib.size() - 6) + trailer;
+        list += spectrumXml(spectra[i], i);
+    return mzMlDocument(list + "</spectrumList>");
 }
 
 struct MzMlReader : testing::Test
@@ -179,22 +135,12 @@ TEST_F(MzMlReader, DamagedPeaksAreErrorsThatNameTheSpectrum)
     EXPECT_TRUE(message(read(damaged)).starts_with("a.mzML: is not mzML that can be read")) << message(read(damaged));
 }
 
-QByteArray indexed(const QByteArray &text, const QByteArray &index, const QByteArray &indexOffset = QByteArray())
-{
-    QByteArray wrapped =
-        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<indexedmzML xmlns=\"http://psi.hupo.org/ms/mzml\">\n" +
-        text.mid(text.indexOf("<mzML"));
-    const QByteArray offset = indexOffset.isEmpty() ? QByteArray::number(wrapped.size()) : indexOffset;
-    return wrapped + "<indexList count=\"1\">" + index + "</indexList>\n<indexListOffset>" + offset +
-           "</indexListOffset>\n<fileChecksum>0</fileChecksum>\n</indexedmzML>\n";
-}
-
 TEST_F(MzMlReader, WrongIndexOffsetDoesNotCrash)
 {
     for (const QByteArray offset : {"1", "99999999", "-5", "x"}) {
         const QByteArray index = "<index name=\"spectrum\"><offset idRef=\"scan=7\">" + offset + "</offset></index>";
         for (const QByteArray &content :
-             {indexed(mzMl({{"scan=7"}}), index, offset), indexed(mzMl({{"scan=7"}}), index)}) {
+             {indexedMzMl(mzMl({{"scan=7"}}), index, offset), indexedMzMl(mzMl({{"scan=7"}}), index)}) {
             const auto spectrum = read(content);
             if (spectrum.hasError())
                 EXPECT_TRUE(message(spectrum).starts_with("a.mzML: ")) << message(spectrum);
@@ -207,7 +153,7 @@ TEST_F(MzMlReader, WrongIndexOffsetDoesNotCrash)
 TEST_F(MzMlReader, FileOfChromatogramsAloneHoldsNoSpectrum)
 {
     const QByteArray index = "<index name=\"chromatogram\"><offset idRef=\"TIC\">300</offset></index>";
-    EXPECT_EQ(message(read(indexed(mzMl({}), index))), "a.mzML: holds no spectrum");
+    EXPECT_EQ(message(read(indexedMzMl(mzMl({}), index))), "a.mzML: holds no spectrum");
 }
 
 // A measured file. What is expected stands in the file's own metadata, written by the instrument's software.

@@ -27,7 +27,8 @@ class ChromatogramSource
 public:
     virtual ~ChromatogramSource() = default;
 
-    /// How many outcomes `next` yields in all, -1 where only reading tells.
+    /// How many outcomes `next` yields in all, -1 where only reading tells. For stored chromatograms of an mzML file it
+    /// is what the file declares, which may be wrong: good for showing progress.
     virtual qint64 count() const = 0;
 
     /// The next one; an empty optional at the end, from then on always.
@@ -51,8 +52,8 @@ struct ExtractionTarget
 /// What to read.
 struct ChromatogramRequest
 {
-    QString path;                    ///< "-" is standard input, which holds no mzML
-    QString format;                  ///< "tsv" or "jsonl"; empty: by the file's ending, for standard input by its start
+    QString path;                    ///< "-" is standard input
+    QString format;                  ///< "mzml", "tsv", "jsonl"; empty: by the ending, for standard input by its start
     QList<ExtractionTarget> targets; ///< empty: the chromatograms as they are stored
 };
 
@@ -61,12 +62,14 @@ struct ChromatogramRequest
 ///
 /// **mzML**: every stored chromatogram counts, whatever its kind, those of the total ion current and of the base peak
 /// too: a run without others is often looked at through them. Units are those of the time and intensity arrays. One
-/// without points is yielded as such. One without a time or an intensity array is broken.
+/// without points is yielded as such. One without a time or an intensity array is broken. An index is not read: a wrong
+/// or missing one does no harm.
 ///
 /// **mzML with targets**: one chromatogram a target, in the order of the targets, with one point for each MS1 spectrum
 /// in the target's range of time, 0 where the spectrum has nothing in the window, profile or centroided as stored. The
 /// file is read once for all targets, at the first `next`; spectra of other levels are passed over without decoding
-/// their peaks. Memory holds the extracted traces. `Failure` for a file without MS1 spectra.
+/// their peaks. Memory holds the extracted traces. `Failure` for a file without MS1 spectra and for one with a damaged
+/// one: every trace would have a hole there.
 ///
 /// **TSV**: a heading with the columns `rt`, `intensity` and optionally `id`, in any order and among others, separated
 /// by tabs; empty lines and lines that begin with `#` are passed over. The rows of an id follow each other; an id that
@@ -77,7 +80,7 @@ struct ChromatogramRequest
 ///
 /// Messages name the file, or "standard input". `InvalidInput` for an unknown ending or format and for targets with a
 /// file that is not mzML; `Failure` for a file that cannot be read as what its ending says, that holds no chromatogram,
-/// or that needs a library that this build was made without (ProteoWizard's for mzML, zlib for gzipped text).
+/// or that needs a library that this build was made without (ProteoWizard's for mzML, zlib for what is gzipped).
 Result<std::unique_ptr<ChromatogramSource>> openChromatograms(const ChromatogramRequest &request);
 
 } // namespace zav

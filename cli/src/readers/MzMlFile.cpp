@@ -2,14 +2,13 @@
 #include "MzMlFile.h"
 
 #include "PeakLine.h"
+#include "ProteoWizard.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>
 
 #include <pwiz/data/msdata/MSDataFile.hpp>
-
-#include <exception>
 
 namespace zav {
 
@@ -19,20 +18,6 @@ using pwiz::msdata::BinaryDataArrayPtr;
 using pwiz::msdata::MSDataFile;
 using pwiz::msdata::Spectrum;
 using pwiz::msdata::SpectrumPtr;
-
-// The one place where ProteoWizard's exceptions become errors: runs `step` and returns what it returns.
-template <typename Step>
-auto caught(const QString &path, const Step &step) -> decltype(step())
-{
-    try {
-        return step();
-    } catch (const std::exception &exception) {
-        return Error(Failure, QStringLiteral("%1: is not mzML that can be read: %2")
-                                  .arg(path, QString::fromUtf8(exception.what()).simplified()));
-    } catch (...) {
-        return Error(Failure, path + QStringLiteral(": is not mzML that can be read"));
-    }
-}
 
 int scanNumberOf(const QString &nativeId)
 {
@@ -128,17 +113,6 @@ private:
     MSDataFile m_file;
     pwiz::msdata::SpectrumListPtr m_spectra;
 };
-
-// ProteoWizard's own messages for these name its sources rather than the file.
-Error checkFile(const QString &path)
-{
-    QFile file(path);
-    if (QFileInfo(path).isDir())
-        return Error(Failure, path + QStringLiteral(": is a folder"));
-    if (!file.open(QIODevice::ReadOnly))
-        return Error(Failure, path + QStringLiteral(": cannot be read: ") + file.errorString());
-    return file.size() > 0 ? Error() : Error(Failure, path + QStringLiteral(": is empty"));
-}
 
 } // namespace
 

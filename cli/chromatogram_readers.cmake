@@ -1,0 +1,39 @@
+# SPDX-License-Identifier: Apache-2.0
+#
+# The parts of the program that read chromatograms. Two needs are optional: without ProteoWizard's library (looked for in
+# plots.cmake, which has to come first) no mzML is read, without zlib nothing gzipped; the program says so.
+
+target_sources(zav_program PRIVATE
+    src/readers/ByteStream.cpp
+    src/readers/ChromatogramJsonLines.cpp
+    src/readers/ChromatogramSource.cpp
+    src/readers/ChromatogramTable.cpp
+    src/readers/ExtractedTraces.cpp
+    src/readers/LineStream.cpp
+    src/readers/MzMlElements.cpp
+    src/readers/TableHeading.cpp
+    src/readers/TargetList.cpp
+    src/readers/XmlTagStream.cpp
+    src/readers/XmlText.cpp)
+
+if(ZAV_READS_MZML)
+    target_sources(zav_program PRIVATE
+        src/readers/MzMlArrays.cpp
+        src/readers/MzMlChromatograms.cpp
+        src/readers/MzMlExtraction.cpp
+        src/readers/ProteoWizard.cpp)
+else()
+    target_sources(zav_program PRIVATE src/readers/NoMzMlChromatograms.cpp)
+endif()
+
+find_package(ZLIB QUIET)
+if(TARGET ZLIB::ZLIB)
+    message(STATUS "zav reads gzipped chromatograms: zlib found")
+    set(ZAV_READS_GZIP TRUE)
+    target_sources(zav_program PRIVATE src/readers/GzipInflater.cpp)
+    target_link_libraries(zav_program PRIVATE ZLIB::ZLIB)
+else()
+    message(STATUS "zav reads no gzipped chromatograms: zlib (zlib1g-dev) is missing")
+    set(ZAV_READS_GZIP FALSE)
+    target_sources(zav_program PRIVATE src/readers/NoGzipInflater.cpp)
+endif()

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "ByteStream.h"
+
+#include <QtCore/QByteArrayView>
+
+#include <string>
+
+namespace zav {
+
+/// The tags of an XML file from first to last, in the memory of a few tags. Comments, processing instructions and the
+/// like are passed over. It finds tags and no more: whether they nest is for the caller to judge.
+class XmlTagStream
+{
+public:
+    explicit XmlTagStream(std::unique_ptr<ByteStream> bytes);
+
+    /// Moves to the next tag; false at the end and after a failure, which `error` tells apart.
+    ///
+    /// Where `text` is not null, what stands in front of the tag since the last one is appended to it.
+    bool next(std::string *text = nullptr);
+
+    QString name() const { return m_bytes->name(); }
+    Error error() const { return m_error; }
+
+    QByteArrayView tag() const { return m_tag; }         ///< `<scan id="1">` whole; lasts until `next`
+    QByteArrayView tagName() const { return m_tagName; } ///< `scan`; lasts until `next`
+    bool isEnd() const;                                  ///< `</scan>`
+    bool isEmpty() const;                                ///< `<scan/>`: both start and end
+
+    /// The value of the tag's attribute, without entities, in the file's encoding read as UTF-8 or Latin-1; null where
+    /// it has none of that name.
+    QString attribute(QByteArrayView name) const;
+
+    Error errorHere(const QString &what) const; ///< `Failure` with the file's name and `what`
+
+private:
+    bool findTag(std::string *text);
+    bool takeMarkup(qsizetype *size);
+    bool refill();
+    void readMarkup(qsizetype size);
+    bool fail(const QString &what);
+
+    std::unique_ptr<ByteStream> m_bytes;
+    QByteArray m_buffer;
+    qsizetype m_at = 0; // of what is not taken yet
+    QByteArrayView m_tag;
+    QByteArrayView m_tagName;
+    bool m_isLatin1 = false;
+    Error m_error;
+};
+
+} // namespace zav
