@@ -4,11 +4,14 @@
 
 zav_add_test(zav_digestion_tests
     SOURCES
+        DecoyGenerationTest.cpp
         DecoyMakerTest.cpp
         DigesterTest.cpp
+        DigestionFuzzTest.cpp
         EnzymeTest.cpp
         FastaReaderTest.cpp
         PeptideDigestTest.cpp
+        PeptideOrderTest.cpp
         PeptideTableReaderTest.cpp
         ProteinTableTest.cpp
         RecordSorterTest.cpp

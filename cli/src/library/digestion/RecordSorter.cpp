@@ -52,7 +52,16 @@ private:
 
 } // namespace
 
-RecordSorter::RecordSorter(const SortingSpace &space) : m_space(space) {}
+RecordSorter::RecordSorter(const SortingSpace &space) : m_space(space)
+{
+    if (!m_space.onDisk)
+        return;
+    // Only what is filled becomes resident, and all of it goes back to the system at the end; memory that grows in
+    // steps would stay with the heap in pieces.
+    m_records.reserve(m_space.memoryLimit);
+    m_places.reserve(m_space.memoryLimit / qsizetype(sizeof(Place)));
+}
+
 RecordSorter::~RecordSorter() = default;
 RecordSorter::RecordSorter(RecordSorter &&) noexcept = default;
 RecordSorter &RecordSorter::operator=(RecordSorter &&) noexcept = default;
@@ -77,6 +86,8 @@ Result<std::unique_ptr<RecordStream>> RecordSorter::finish()
     }
     if (Error error = writeRun(); error.hasError())
         return error;
+    m_records = {};
+    m_places = {};
     return std::unique_ptr<RecordStream>(
         std::make_unique<RunMerger>(std::move(m_file), std::exchange(m_runs, {}), m_space.memoryLimit));
 }
@@ -116,8 +127,9 @@ Error RecordSorter::writeRun()
         return error;
     run.end = m_file->size();
     m_runs.append(run);
-    m_records.clear();
-    m_places.clear();
+    // Their capacity stays for the next run.
+    m_records.resize(0);
+    m_places.resize(0);
     return {};
 }
 

@@ -9,14 +9,14 @@ namespace zav {
 namespace {
 
 constexpr qint64 SMALLEST_BUFFER = 1 << 12;
-constexpr qint64 LARGEST_BUFFER = 1 << 20;
+constexpr qint64 LARGEST_BUFFER = 1 << 18;
 constexpr qsizetype LENGTHS_SIZE = sizeof(quint16) + sizeof(quint32);
 
 } // namespace
 
 RunMerger::RunMerger(std::unique_ptr<TemporaryStore> file, const QList<Run> &runs, qint64 memoryLimit)
     : m_file(std::move(file)),
-      m_bufferSize(std::clamp(memoryLimit / std::max<qint64>(runs.size(), 1), SMALLEST_BUFFER, LARGEST_BUFFER))
+      m_bufferSize(std::clamp(memoryLimit / std::max<qint64>(2 * runs.size(), 1), SMALLEST_BUFFER, LARGEST_BUFFER))
 {
     for (const Run &run : runs)
         m_cursors.push_back({run.begin, run.end, {}, 0, 0, {}});
