@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # The parts of the program that read chromatograms. Two needs are optional: without ProteoWizard's library (looked for in
-# plots.cmake, which has to come first) no mzML is read, without zlib nothing gzipped; the program says so.
+# plots.cmake, which has to come first) no mzML is read, without zlib (library_digestion.cmake) nothing gzipped; the
+# program says so.
 
 target_sources(zav_program PRIVATE
     src/readers/ByteStream.cpp
@@ -24,16 +25,4 @@ if(ZAV_READS_MZML)
         src/readers/ProteoWizard.cpp)
 else()
     target_sources(zav_program PRIVATE src/readers/NoMzMlChromatograms.cpp)
-endif()
-
-find_package(ZLIB QUIET)
-if(TARGET ZLIB::ZLIB)
-    message(STATUS "zav reads gzipped chromatograms: zlib found")
-    set(ZAV_READS_GZIP TRUE)
-    target_sources(zav_program PRIVATE src/readers/GzipInflater.cpp)
-    target_link_libraries(zav_program PRIVATE ZLIB::ZLIB)
-else()
-    message(STATUS "zav reads no gzipped chromatograms: zlib (zlib1g-dev) is missing")
-    set(ZAV_READS_GZIP FALSE)
-    target_sources(zav_program PRIVATE src/readers/NoGzipInflater.cpp)
 endif()

@@ -12,7 +12,7 @@ TEST(BuildWithoutZlib, ReadsPlainTextAndSaysSoWhenItMeetsGzip)
     };
     EXPECT_EQ(read("rt\tintensity\n1\t2\n").outcomes.size(), 1);
     EXPECT_EQ(read("\x1f\x8b rest").error,
-              "a.tsv.gz: this zav was built without zlib and reads nothing gzipped; gunzip the file, or rebuild");
+              "a.tsv.gz: is gzipped, and this zav was built without zlib; gunzip it, or rebuild");
 }
 
 } // namespace

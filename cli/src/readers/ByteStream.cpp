@@ -5,12 +5,14 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 namespace zav {
 
 namespace {
 
-constexpr qint64 PIECE_BYTES = 1 << 18;
+// Gzip makes a thousand bytes of one at most: 64 MB of a piece.
+constexpr qint64 PIECE_BYTES = 1 << 16;
 
 constexpr char GZIP_MAGIC[] = "\x1f\x8b";
 
@@ -47,12 +49,10 @@ Error ByteStream::start()
         return failure(QStringLiteral("is empty"));
     if (!m_next.startsWith(GZIP_MAGIC))
         return {};
-    if (const QString why = GzipInflater::whyNot(); !why.isEmpty())
-        return failure(why);
-    m_raw = m_next;
-    m_rawLeft = m_raw;
-    m_inflater.emplace();
-    if (Error error = refill(); error.hasError())
+    if (!decodesGzip())
+        return failure(QStringLiteral("is gzipped, and this zav was built without zlib; gunzip it, or rebuild"));
+    m_decoder.emplace();
+    if (Error error = decode(); error.hasError())
         return error;
     return m_next.isEmpty() ? failure(QStringLiteral("is empty")) : Error();
 }
@@ -73,7 +73,25 @@ Error ByteStream::read(QByteArray *piece)
 
 Error ByteStream::refill()
 {
-    return m_inflater ? readInflated(&m_next) : readRaw(&m_next);
+    if (Error error = readRaw(&m_next); error.hasError())
+        return error;
+    return m_decoder ? decode() : Error();
+}
+
+// Puts decoded bytes in place of encoded ones, of which it reads more until some come out.
+Error ByteStream::decode()
+{
+    for (;;) {
+        if (m_next.isEmpty())
+            return m_decoder->isComplete() ? Error() : failure(QStringLiteral("ends within its gzipped data"));
+        const QByteArray encoded = std::exchange(m_next, {});
+        if (const Error error = m_decoder->decode(encoded, &m_next); error.hasError())
+            return failure(error.message());
+        if (!m_next.isEmpty())
+            return {};
+        if (Error error = readRaw(&m_next); error.hasError())
+            return error;
+    }
 }
 
 Error ByteStream::readRaw(QByteArray *piece)
@@ -82,26 +100,6 @@ Error ByteStream::readRaw(QByteArray *piece)
     const qint64 count = m_file.read(piece->data(), PIECE_BYTES);
     piece->resize(std::max(count, qint64{0}));
     return count < 0 ? failure(QStringLiteral("cannot be read: ") + m_file.errorString()) : Error();
-}
-
-Error ByteStream::readInflated(QByteArray *piece)
-{
-    for (;;) {
-        piece->resize(PIECE_BYTES);
-        const qint64 count = m_inflater->inflate(&m_rawLeft, piece->data(), PIECE_BYTES);
-        piece->resize(std::max(count, qint64{0}));
-        if (count < 0)
-            return failure(QStringLiteral("its gzipped data is damaged"));
-        if (count > 0)
-            return {};
-        if (!m_rawLeft.isEmpty())
-            continue; // another member begins
-        if (Error error = readRaw(&m_raw); error.hasError())
-            return error;
-        if (m_raw.isEmpty())
-            return m_inflater->isWhole() ? Error() : failure(QStringLiteral("ends within its gzipped data"));
-        m_rawLeft = m_raw;
-    }
 }
 
 Error ByteStream::failure(const QString &what) const

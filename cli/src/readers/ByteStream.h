@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "GzipInflater.h"
+#include "GzipDecoder.h"
 
 #include <zav/Result.h>
 
 #include <QtCore/QByteArray>
+#include <QtCore/QByteArrayView>
 #include <QtCore/QFile>
 #include <QtCore/QString>
 
@@ -36,16 +37,14 @@ private:
 
     Error start();
     Error refill();
+    Error decode();
     Error readRaw(QByteArray *piece);
-    Error readInflated(QByteArray *piece);
     Error failure(const QString &what) const;
 
     QString m_name;
     QFile m_file;
-    std::optional<GzipInflater> m_inflater;
-    QByteArray m_raw;         // read from the file
-    QByteArrayView m_rawLeft; // not inflated yet
-    QByteArray m_next;        // what `read` gives next
+    std::optional<GzipDecoder> m_decoder;
+    QByteArray m_next; // what `read` gives next
     Error m_error;
 };
 
