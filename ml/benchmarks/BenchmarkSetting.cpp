@@ -72,7 +72,7 @@ void require(bool condition, const char *failure)
 {
     if (condition)
         return;
-    std::fprintf(stderr, "%s: nothing is timed\n", failure);
+    std::fprintf(stderr, "%s: nothing more is timed\n", failure);
     std::exit(EXIT_FAILURE);
 }
 

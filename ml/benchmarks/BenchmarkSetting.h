@@ -20,7 +20,7 @@ public:
     }
 };
 
-/// What the benchmarks of the fragmentation prediction share. Each ends the program with a message where a step fails.
+/// What the benchmarks share. Each ends the program with a message where a step fails.
 namespace benchmarkSetting {
 
 /// Seconds on a clock that only runs forward, and seconds that all threads of this program have computed. On a machine

@@ -3,6 +3,7 @@
 // What a prediction of one peptide costs beside a bare run of the same session (feed, run, read) and nothing else.
 // Refuses to time wrong answers. Usage: one_peptide_benchmark [folder of the networks]
 #include "BenchmarkSetting.h"
+#include "CallComparison.h"
 #include "MsMsFragmentationPredictomatic.h"
 #include "PeptideVocabulary.h"
 #include "Tensor.h"
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
-#include <iterator>
 
 namespace zav {
 namespace {
@@ -68,33 +68,9 @@ void refuseWrongAnswers(MsMsFragmentationPredictomatic *predictor, BareRun *bare
     require(std::equal(predicted.begin(), predicted.begin() + 5, expected.begin()), "The prediction is wrong");
 }
 
-template <typename Call>
-Moment timeRound(Call &&call)
+void report(const char *clock, double bare, double whole, double ratio)
 {
-    const Moment start = Moment::now();
-    for (int i = 0; i < CALLS_PER_ROUND; ++i)
-        require(call(), "A call failed");
-    const Moment spent = Moment::now().since(start);
-    return {spent.wall / CALLS_PER_ROUND * 1e6, spent.computed / CALLS_PER_ROUND * 1e6};
-}
-
-struct Samples
-{
-    std::vector<double> wall, computed; // microseconds per call
-
-    void add(const Moment &moment)
-    {
-        wall.push_back(moment.wall);
-        computed.push_back(moment.computed);
-    }
-};
-
-/// The ratio is the median of those of the rounds: other work on the machine disturbs neighbours in time alike.
-void report(const char *what, const std::vector<double> &bare, const std::vector<double> &whole)
-{
-    std::vector<double> ratios;
-    std::transform(whole.begin(), whole.end(), bare.begin(), std::back_inserter(ratios), std::divides<>());
-    std::printf("%-16s %8.1f   %8.1f   %7.3f\n", what, median(bare), median(whole), median(ratios));
+    std::printf("%-16s %8.1f   %8.1f   %7.3f\n", clock, bare, whole, ratio);
 }
 
 int run(const QString &folder)
@@ -112,15 +88,10 @@ int run(const QString &folder)
 
     QList<QPointF> spectrum;
     const auto predict = [&] { return !predictor.predictMsMsFragmentation(PEPTIDE, CHARGE, &spectrum).hasError(); };
-    Samples bare;
-    Samples whole;
-    for (int round = 0; round < ROUNDS; ++round) {
-        bare.add(timeRound(bareRun));
-        whole.add(timeRound(predict));
-    }
+    const auto cost = compareCalls(ROUNDS, CALLS_PER_ROUND, std::ref(bareRun), predict);
     std::printf("us per call      bare run   prediction   ratio\n");
-    report("wall clock", bare.wall, whole.wall);
-    report("processor time", bare.computed, whole.computed);
+    report("wall clock", cost.part.wall, cost.whole.wall, cost.ratio.wall);
+    report("processor time", cost.part.computed, cost.whole.computed, cost.ratio.computed);
     return 0;
 }
 

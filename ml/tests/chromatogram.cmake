@@ -4,6 +4,7 @@ zav_add_test(ml_chromatogram_tests
         XicBaselineLimitsDetectorComparisonTest.cpp
         XicBaselineLimitsDetectorHostileTest.cpp
         XicBaselineLimitsDetectorTest.cpp
+        XicHostileSizeTest.cpp
         XicPeakSplitterHostileTest.cpp
         XicPeakSplitterTest.cpp
         XicPeakWalkTest.cpp
