@@ -26,18 +26,4 @@ AnnotatedPeak isotopeOf(const AnnotatedPeak &monoisotopic, int isotopeNumber)
     return peak;
 }
 
-QString libraryIonName(const AnnotatedPeak &peak)
-{
-    if (peak.ionType.isNull())
-        return QStringLiteral("?");
-    QString name = peak.ionType + QString::number(peak.ionNumber) + peak.neutralLoss;
-    if (peak.isotopeNumber == 1)
-        name += QStringLiteral("+i");
-    else if (peak.isotopeNumber > 1)
-        name += QStringLiteral("+%1i").arg(peak.isotopeNumber);
-    if (peak.charge > 1)
-        name += QStringLiteral("^%1").arg(peak.charge);
-    return name;
-}
-
 } // namespace zav

@@ -16,8 +16,4 @@ AnnotatedPeak annotatedPeak(const FragmentPeak &fragment);
 /// intensity are to be set by the caller.
 AnnotatedPeak isotopeOf(const AnnotatedPeak &monoisotopic, int isotopeNumber);
 
-/// The ion as spectral libraries write it (mzPAF of HUPO-PSI): neutral loss, isotope as `+i` or `+2i`, charge as `^2`
-/// when it is over 1: `y7-H2O+i^2`. "?" for an unknown ion.
-QString libraryIonName(const AnnotatedPeak &peak);
-
 } // namespace zav

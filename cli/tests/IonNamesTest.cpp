@@ -32,16 +32,5 @@ TEST(IonNames, IsotopeKeepsTheIonAndSaysHowManyNeutronsItIsAbove)
     EXPECT_EQ(isotope.ionNumber, 7);
 }
 
-TEST(IonNames, LibraryFormWritesChargesOverOneAndIsotopesAsTheFieldDoes)
-{
-    const AnnotatedPeak single = annotatedPeak(fragment('b', 3, 1));
-    const AnnotatedPeak loss = annotatedPeak(fragment('y', 7, 2, "-NH3"));
-    EXPECT_EQ(libraryIonName(single).toStdString(), "b3");
-    EXPECT_EQ(libraryIonName(loss).toStdString(), "y7-NH3^2");
-    EXPECT_EQ(libraryIonName(isotopeOf(loss, 1)).toStdString(), "y7-NH3+i^2");
-    EXPECT_EQ(libraryIonName(isotopeOf(single, 2)).toStdString(), "b3+2i");
-    EXPECT_EQ(libraryIonName(AnnotatedPeak()).toStdString(), "?");
-}
-
 } // namespace
 } // namespace zav

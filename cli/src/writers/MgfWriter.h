@@ -5,8 +5,7 @@
 
 namespace zav {
 
-/// Mascot generic format: TITLE is `PEPTIDE/charge`, PEPMASS the precursor's m/z, intensities are scaled so that 1
-/// becomes 10000. A peak has two columns: an ion name as a third one is taken for a charge by readers.
+/// Mascot generic format, as a library has it: `MgfLibraryFormat`.
 class MgfWriter : public SpectrumWriter
 {
 public:

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "BlibLibrary.h"
+
+#include "BlibReader.h"
+#include "CysteineModification.h"
+#include "PeakArrays.h"
+
+namespace zav {
+
+namespace {
+
+constexpr int MASS_DECIMALS = 5;
+
+// Columns, their types and the fixed rows are those of BiblioSpec's own reference files.
+constexpr char TABLES[] =
+    "CREATE TABLE LibInfo (libLSID TEXT, createTime TEXT, numSpecs INTEGER, majorVersion INTEGER,"
+    " minorVersion INTEGER);"
+    "CREATE TABLE SpectrumSourceFiles (id INTEGER PRIMARY KEY AUTOINCREMENT NOT NULL, fileName VARCHAR(512),"
+    " idFileName VARCHAR(512), cutoffScore REAL);"
+    "CREATE TABLE ScoreTypes (id INTEGER PRIMARY KEY, scoreType VARCHAR(128), probabilityType VARCHAR(128));"
+    "CREATE TABLE IonMobilityTypes (id INTEGER PRIMARY KEY, ionMobilityType VARCHAR(128));"
+    "CREATE TABLE RefSpectra (id INTEGER PRIMARY KEY AUTOINCREMENT NOT NULL, peptideSeq VARCHAR(150),"
+    " precursorMZ REAL, precursorCharge INTEGER, peptideModSeq VARCHAR(200), prevAA CHAR(1), nextAA CHAR(1),"
+    " copies INTEGER, numPeaks INTEGER, ionMobility REAL, collisionalCrossSectionSqA REAL,"
+    " ionMobilityHighEnergyOffset REAL, ionMobilityType TINYINT, retentionTime REAL, startTime REAL, endTime REAL,"
+    " totalIonCurrent REAL, moleculeName VARCHAR(128), chemicalFormula VARCHAR(128), precursorAdduct VARCHAR(128),"
+    " inchiKey VARCHAR(128), otherKeys VARCHAR(128), fileID INTEGER, SpecIDinFile VARCHAR(256), score REAL,"
+    " scoreType TINYINT);"
+    "CREATE TABLE RefSpectraPeaks (RefSpectraID INTEGER, peakMZ BLOB, peakIntensity BLOB);"
+    "CREATE TABLE Modifications (id INTEGER PRIMARY KEY AUTOINCREMENT NOT NULL, RefSpectraID INTEGER,"
+    " position INTEGER, mass REAL);"
+    "CREATE TABLE Proteins (id INTEGER PRIMARY KEY AUTOINCREMENT NOT NULL, accession VARCHAR(200));"
+    "CREATE TABLE RefSpectraProteins (RefSpectraId INTEGER NOT NULL, ProteinId INTEGER NOT NULL);"
+    "INSERT INTO ScoreTypes VALUES (0, 'UNKNOWN', 'NOT_A_PROBABILITY_VALUE');"
+    "INSERT INTO IonMobilityTypes VALUES (0, 'none'), (1, 'driftTime(msec)'), (2, 'inverseK0(Vsec/cm^2)'),"
+    " (3, 'compensation(V)');"
+    "INSERT INTO SpectrumSourceFiles VALUES (1, 'predicted', NULL, 0)";
+
+constexpr char INDICES[] = "CREATE INDEX idxPeptide ON RefSpectra (peptideSeq, precursorCharge);"
+                           "CREATE INDEX idxPeptideMod ON RefSpectra (peptideModSeq, precursorCharge);"
+                           "CREATE INDEX idxRefIdPeaks ON RefSpectraPeaks (RefSpectraID)";
+
+constexpr char INSERT_SPECTRUM[] =
+    "INSERT INTO RefSpectra (id, peptideSeq, precursorMZ, precursorCharge, peptideModSeq, prevAA, nextAA, copies,"
+    " numPeaks, ionMobility, collisionalCrossSectionSqA, ionMobilityHighEnergyOffset, ionMobilityType, retentionTime,"
+    " totalIonCurrent, moleculeName, chemicalFormula, precursorAdduct, inchiKey, otherKeys, fileID, SpecIDinFile,"
+    " score, scoreType)"
+    " VALUES (?, ?, ?, ?, ?, '-', '-', 1, ?, 0, 0, 0, 0, 0, ?, '', '', '', '', '', 1, ?, 0, 0)";
+
+constexpr char INSERT_INFO[] = "INSERT INTO LibInfo VALUES (?, 'Thu Jan 01 00:00:00 1970', ?, 1, 10)";
+
+QByteArray packed(const QByteArray &array)
+{
+    QByteArray stream = compressed(array);
+    return stream.size() < array.size() ? stream : array;
+}
+
+} // namespace
+
+EncodedEntry BlibLibrary::encode(const LibraryEntry &entry) const
+{
+    EncodedEntry encoded = encodedPeptide(entry, MASS_DECIMALS);
+    encoded.totalIonCurrent = storedIntensity(entry.peaks);
+    encoded.masses = packed(massArray(entry.peaks, QSysInfo::LittleEndian));
+    encoded.intensities = packed(intensityArray(entry.peaks, QSysInfo::LittleEndian));
+    return encoded;
+}
+
+Error BlibLibrary::createTables(SqliteDatabase *database, const LibraryInfo &info)
+{
+    m_identifier = "urn:lsid:proteome.gs.washington.edu:spectral_library:bibliospec:nr:" + info.name.toUtf8();
+    if (Error error = database->run(TABLES); error.hasError())
+        return error;
+    if (Error error = m_spectrum.prepare(database, INSERT_SPECTRUM); error.hasError())
+        return error;
+    if (Error error = m_peaks.prepare(database, "INSERT INTO RefSpectraPeaks VALUES (?, ?, ?)"); error.hasError())
+        return error;
+    if (Error error = m_modification.prepare(database, "INSERT INTO Modifications (RefSpectraID, position, mass)"
+                                                       " VALUES (?, ?, ?)");
+        error.hasError())
+        return error;
+    if (Error error = m_protein.prepare(database, "INSERT INTO Proteins VALUES (?, ?)"); error.hasError())
+        return error;
+    return m_proteinLink.prepare(database, "INSERT INTO RefSpectraProteins VALUES (?, ?)");
+}
+
+Error BlibLibrary::insert(const EncodedEntry &entry)
+{
+    ++m_count;
+    if (Error error = m_spectrum.run(m_count, entry.peptide, entry.precursorMz, entry.charge, entry.modifiedPeptide,
+                                     entry.peakCount, entry.totalIonCurrent, QByteArray::number(m_count));
+        error.hasError())
+        return error;
+    if (Error error = m_peaks.run(m_count, SqliteBlob{entry.masses}, SqliteBlob{entry.intensities}); error.hasError())
+        return error;
+    if (Error error = insertModifications(entry); error.hasError())
+        return error;
+    return insertProteins(entry);
+}
+
+// Positions count from 1.
+Error BlibLibrary::insertModifications(const EncodedEntry &entry)
+{
+    if (!isCysteineModified(entry.cysteineMass))
+        return {};
+    for (qsizetype i = entry.peptide.indexOf('C'); i >= 0; i = entry.peptide.indexOf('C', i + 1)) {
+        if (Error error = m_modification.run(m_count, qint64(i + 1), entry.cysteineMass); error.hasError())
+            return error;
+    }
+    return {};
+}
+
+Error BlibLibrary::insertProteins(const EncodedEntry &entry)
+{
+    for (const QByteArray &accession : entry.proteins) {
+        qint64 &id = m_proteinIds[accession];
+        if (id == 0) {
+            id = m_proteinIds.size();
+            if (Error error = m_protein.run(id, accession); error.hasError())
+                return error;
+        }
+        if (Error error = m_proteinLink.run(m_count, id); error.hasError())
+            return error;
+    }
+    return {};
+}
+
+Error BlibLibrary::insertEnd(SqliteDatabase *database)
+{
+    for (SqliteStatement *statement : {&m_spectrum, &m_peaks, &m_modification, &m_protein, &m_proteinLink})
+        statement->release();
+    SqliteStatement info;
+    if (Error error = info.prepare(database, INSERT_INFO); error.hasError())
+        return error;
+    if (Error error = info.run(m_identifier, m_count); error.hasError())
+        return error;
+    return database->run(INDICES);
+}
+
+Error BlibLibrary::read(SqliteDatabase *other, const EntryTaker &take) const
+{
+    BlibReader reader;
+    if (Error error = reader.prepare(other); error.hasError())
+        return error;
+    for (;;) {
+        EncodedEntry entry;
+        const Result<bool> hasEntry = reader.next(&entry);
+        if (hasEntry.hasError())
+            return hasEntry.error();
+        if (!hasEntry.value())
+            return {};
+        if (Error error = take(entry); error.hasError())
+            return error;
+    }
+}
+
+} // namespace zav

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "LibraryEntry.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+
+namespace zav {
+
+/// An entry as a `SqliteLibrary` stores it: what takes time (arrays packed, peptide with its masses) is done.
+struct EncodedEntry
+{
+    QByteArray peptide;         ///< one-letter code
+    QByteArray modifiedPeptide; ///< `AC[+57.021464]DEFGHK`
+    int charge = 0;
+    double precursorMz = 0.0;  ///< m/z
+    double cysteineMass = 0.0; ///< Da added to every cysteine, 0 for none
+    int peakCount = 0;
+    double totalIonCurrent = 0.0; ///< sum of the stored intensities
+    QByteArray masses;            ///< m/z values, packed as the file has them
+    QByteArray intensities;       ///< packed likewise
+    QList<QByteArray> proteins;   ///< accessions
+    bool isDecoy = false;
+};
+
+/// All but the arrays and their sum; the masses in the peptide with `massDecimals` digits behind the point.
+EncodedEntry encodedPeptide(const LibraryEntry &entry, int massDecimals);
+
+} // namespace zav

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "LibraryFileKind.h"
+
+namespace zav {
+
+namespace {
+
+struct NamedKind
+{
+    const char *name;
+    const char *ending;
+    LibraryFileKind kind;
+};
+
+constexpr NamedKind KINDS[] = {
+    {"msp", ".msp", LibraryFileKind::Msp},    {"tsv", ".tsv", LibraryFileKind::Tsv},
+    {"mgf", ".mgf", LibraryFileKind::Mgf},    {"mzspeclib", ".mzspeclib.txt", LibraryFileKind::MzSpecLib},
+    {"dlib", ".dlib", LibraryFileKind::Dlib}, {"blib", ".blib", LibraryFileKind::Blib}};
+
+} // namespace
+
+std::optional<LibraryFileKind> libraryFileKindOfPath(const QString &path)
+{
+    for (const NamedKind &known : KINDS) {
+        if (path.endsWith(QLatin1String(known.ending), Qt::CaseInsensitive))
+            return known.kind;
+    }
+    return std::nullopt;
+}
+
+std::optional<LibraryFileKind> libraryFileKindOfName(const QString &name)
+{
+    for (const NamedKind &known : KINDS) {
+        if (name.compare(QLatin1String(known.name), Qt::CaseInsensitive) == 0)
+            return known.kind;
+    }
+    return std::nullopt;
+}
+
+QStringList libraryFileKindNames()
+{
+    QStringList names;
+    for (const NamedKind &known : KINDS)
+        names.append(QString::fromLatin1(known.name));
+    return names;
+}
+
+bool isSqlite(LibraryFileKind kind)
+{
+    return kind == LibraryFileKind::Dlib || kind == LibraryFileKind::Blib;
+}
+
+} // namespace zav

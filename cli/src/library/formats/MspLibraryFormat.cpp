@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MspLibraryFormat.h"
+
+#include "CysteineModification.h"
+#include "PeptideMasses.h"
+#include "PeptideNotation.h"
+
+namespace zav {
+
+namespace {
+
+constexpr qsizetype ENTRY_SIZE = 300;
+constexpr qsizetype PEAK_SIZE = 44;
+
+void addModifications(TextBuffer *text, const LibraryEntry &entry)
+{
+    const qsizetype count = isCysteineModified(entry.cysteineMass) ? entry.peptide.count(QLatin1Char('C')) : 0;
+    text->add(" Mods=").addInteger(count);
+    if (count == 0)
+        return;
+    const CysteineModification *known = knownCysteineModification(entry.cysteineMass);
+    const QByteArray name = known ? QByteArray(known->name) : signedMass(entry.cysteineMass, 5);
+    for (qsizetype i = 0; i < entry.peptide.size(); ++i) {
+        if (entry.peptide[i] == QLatin1Char('C'))
+            text->add('/').addInteger(i).add(",C,").add(name);
+    }
+}
+
+void addComment(TextBuffer *text, const LibraryEntry &entry)
+{
+    text->add("\nComment: Parent=").addFixed(entry.precursorMz, 5);
+    addModifications(text, entry);
+    if (const QByteArray proteins = joinedNames(entry.proteins); !proteins.isEmpty())
+        text->add(" Protein=").add(proteins);
+    if (const QByteArray genes = joinedNames(entry.genes); !genes.isEmpty())
+        text->add(" Gene=").add(genes);
+    if (entry.isDecoy)
+        text->add(" Remark=DECOY");
+}
+
+} // namespace
+
+QByteArray MspLibraryFormat::entry(const LibraryEntry &entry, qint64) const
+{
+    if (entry.peaks.isEmpty())
+        return {};
+    TextBuffer text(ENTRY_SIZE + PEAK_SIZE * entry.peaks.size());
+    text.add("Name: ").add(QStringView(entry.peptide)).add('/').addInteger(entry.charge);
+    text.add("\nMW: ").addFixed(peptideMasses::neutralMass(entry.peptide, entry.cysteineMass), 5);
+    text.add("\nPrecursorMZ: ").addFixed(entry.precursorMz, 5);
+    text.add("\nCharge: ").addInteger(entry.charge);
+    addComment(&text, entry);
+    text.add("\nNum peaks: ").addInteger(entry.peaks.size()).add('\n');
+    for (const LibraryPeak &peak : entry.peaks) {
+        text.addFixed(peak.mz, 5).add('\t').addFixed(peak.intensity * 10000, 1).add("\t\"");
+        addIonWithError(&text, peak);
+        text.add("\"\n");
+    }
+    return text.add('\n').take();
+}
+
+} // namespace zav

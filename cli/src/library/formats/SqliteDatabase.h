@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <zav/Error.h>
+#include <zav/Result.h>
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+#include <cstddef>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace zav {
+
+/// An open SQLite database. Its errors name the file: `what` ("cannot write"), the file's name, SQLite's words.
+class SqliteDatabase
+{
+public:
+    SqliteDatabase(const QString &name, const char *what) : m_name(name), m_what(what) {}
+    ~SqliteDatabase();
+    SqliteDatabase(const SqliteDatabase &) = delete;
+    SqliteDatabase &operator=(const SqliteDatabase &) = delete;
+
+    /// An existing file, which may be empty.
+    Error open(const QString &path, bool isReadOnly);
+
+    /// One or more statements without results.
+    Error run(const char *sql);
+
+    /// Every statement has to be gone.
+    Error close();
+
+    Error failure() const;
+
+private:
+    friend class SqliteStatement;
+
+    QString m_name;
+    const char *m_what;
+    sqlite3 *m_handle = nullptr;
+};
+
+/// A value that is stored as bytes rather than as text.
+struct SqliteBlob
+{
+    const QByteArray &bytes;
+};
+
+/// A prepared statement. It has to go before its database.
+class SqliteStatement
+{
+public:
+    SqliteStatement() = default;
+    ~SqliteStatement();
+    SqliteStatement(const SqliteStatement &) = delete;
+    SqliteStatement &operator=(const SqliteStatement &) = delete;
+
+    Error prepare(SqliteDatabase *database, const char *sql);
+
+    /// Lets the database go.
+    void release();
+
+    /// Runs a statement without results with these values for its parameters.
+    template <typename... Values>
+    Error run(const Values &...values)
+    {
+        bindAll(values...);
+        return finishRun();
+    }
+
+    /// Binds the parameters of a query, whose rows `next` gives.
+    template <typename... Values>
+    void ask(const Values &...values)
+    {
+        reset();
+        bindAll(values...);
+    }
+
+    /// Whether there is another row; columns count from 0.
+    Result<bool> next();
+    qint64 integer(int column) const;
+    double real(int column) const;
+    QByteArray bytes(int column) const;
+
+private:
+    template <typename... Values>
+    void bindAll(const Values &...values)
+    {
+        int parameter = 0;
+        (bind(++parameter, values), ...);
+    }
+
+    // Bytes are not copied: they live until the statement has run.
+    void bind(int parameter, std::nullptr_t);
+    void bind(int parameter, int value);
+    void bind(int parameter, qint64 value);
+    void bind(int parameter, double value);
+    void bind(int parameter, const QByteArray &text);
+    void bind(int parameter, const SqliteBlob &blob);
+
+    Error finishRun();
+    void reset();
+
+    SqliteDatabase *m_database = nullptr;
+    sqlite3_stmt *m_statement = nullptr;
+};
+
+} // namespace zav

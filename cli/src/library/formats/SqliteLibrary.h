@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "EncodedEntry.h"
+#include "LibraryFormat.h"
+
+#include <zav/Error.h>
+
+#include <functional>
+#include <memory>
+
+namespace zav {
+
+class SqliteDatabase;
+
+/// A spectral library that is an SQLite database: `open`, each entry by `encode` and `add` in order, `finish`.
+///
+/// The file is written under a name of its own beside the final one, which it gets with `finish` only: until then an
+/// older file of that name stays, and an object that goes without `finish`, or after a failure, leaves nothing behind.
+/// The same entries in the same order give the same bytes (with one version of SQLite and of zlib): one transaction,
+/// no dates, indices made at the end. Memory does not grow with the entries, but for the accessions of proteins.
+///
+/// After an error the object is of no use. Errors name the file. All but `encode` belong to one thread at a time.
+class SqliteLibrary
+{
+public:
+    SqliteLibrary();
+    virtual ~SqliteLibrary();
+    SqliteLibrary(const SqliteLibrary &) = delete;
+    SqliteLibrary &operator=(const SqliteLibrary &) = delete;
+
+    /// Creates the file. Has to come first and succeed. A device, a pipe or "-" cannot hold a database:
+    /// `InvalidInput`.
+    Error open(const QString &path, const LibraryInfo &info);
+
+    /// The entry as `add` takes it; any thread, several at once. `peakCount` is 0 for an entry without peaks, which
+    /// `add` leaves out.
+    virtual EncodedEntry encode(const LibraryEntry &entry) const = 0;
+
+    /// Appends an entry. The charges of a peptide follow each other.
+    Error add(const EncodedEntry &entry);
+
+    /// Appends the entries of a finished library of the same kind. The error names that library when it is at fault.
+    Error append(const QString &path);
+
+    /// Completes the file and gives it its name.
+    Error finish();
+
+protected:
+    using EntryTaker = std::function<Error(const EncodedEntry &)>;
+
+    virtual Error createTables(SqliteDatabase *database, const LibraryInfo &info) = 0;
+    virtual Error insert(const EncodedEntry &entry) = 0;
+    virtual Error insertEnd(SqliteDatabase *database) = 0;
+
+    /// Gives the entries of another library, in order.
+    virtual Error read(SqliteDatabase *other, const EntryTaker &take) const = 0;
+
+private:
+    Error createFile(const QString &path);
+    Error giveName();
+
+    QString m_path;
+    QString m_temporaryPath;
+    std::unique_ptr<SqliteDatabase> m_database;
+};
+
+/// The library of a SQLite kind; null for a text kind. In a program built without SQLite or zlib its `open` says so.
+std::unique_ptr<SqliteLibrary> makeSqliteLibrary(LibraryFileKind kind);
+
+} // namespace zav

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SpectrumEntry.h"
+
+namespace zav {
+
+LibraryEntry libraryEntry(const PredictedSpectrum &spectrum)
+{
+    LibraryEntry entry;
+    entry.peptide = spectrum.precursor.peptide;
+    entry.charge = spectrum.precursor.charge;
+    entry.precursorMz = spectrum.precursorMz;
+    entry.cysteineMass = spectrum.cysteineMass;
+    entry.peaks.reserve(spectrum.peaks.size());
+    for (const AnnotatedPeak &peak : spectrum.peaks) {
+        entry.peaks.append(
+            {peak.mz, peak.intensity, peak.ionType, peak.ionNumber, peak.charge, peak.neutralLoss, peak.isotopeNumber});
+    }
+    return entry;
+}
+
+} // namespace zav

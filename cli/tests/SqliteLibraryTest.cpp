@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SqliteLibrary.h"
+
+#include "TemporaryFiles.h"
+
+#include <gtest/gtest.h>
+
+#ifdef Q_OS_UNIX
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
+// What stands in the files is compared by the tests of tests/readback, with programs that are not ours.
+namespace zav {
+namespace {
+
+constexpr LibraryFileKind KINDS[] = {LibraryFileKind::Dlib, LibraryFileKind::Blib};
+
+/// Peptides of different lengths and proteins at two charges.
+QList<LibraryEntry> entries(int peptideCount)
+{
+    QList<LibraryEntry> all;
+    for (int i = 0; i < 2 * peptideCount; ++i) {
+        LibraryEntry entry;
+        entry.peptide =
+            QString(i / 2 % 20 + 1, QLatin1Char('A')) + QStringLiteral("CCK") + QString(i / 40, QLatin1Char('G'));
+        entry.charge = 2 + i % 2;
+        entry.precursorMz = 400.0 + i;
+        entry.cysteineMass = 57.02146;
+        entry.proteins = QStringList{QStringLiteral("P%1").arg(i / 2 % 7), QStringLiteral("Q%1").arg(i / 2 % 3)};
+        entry.isDecoy = i % 4 > 1;
+        for (int peak = 0; peak <= i % 50; ++peak)
+            entry.peaks.append({150.0 + 13.7 * peak, 1.0 / (peak + 1), QLatin1Char('y'), peak + 1, 1, {}, 0});
+        all.append(entry);
+    }
+    return all;
+}
+
+class SqliteLibraryTest : public ::testing::TestWithParam<LibraryFileKind>
+{
+protected:
+    std::unique_ptr<SqliteLibrary> library() const { return makeSqliteLibrary(GetParam()); }
+    QString path(const QString &name) const { return m_files.path(name); }
+    QStringList files() const
+    {
+        return QDir(m_files.path(QString())).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+
+    void write(const QString &name, const QList<LibraryEntry> &all) const
+    {
+        const auto written = library();
+        ASSERT_EQ(written->open(path(name), info()).message(), QString());
+        for (const LibraryEntry &entry : all)
+            ASSERT_EQ(written->add(written->encode(entry)).message(), QString());
+        ASSERT_EQ(written->finish().message(), QString());
+    }
+
+    static LibraryInfo info() { return {QStringLiteral("test"), QStringLiteral("1.0")}; }
+
+    TemporaryFiles m_files;
+};
+
+TEST_P(SqliteLibraryTest, TwoRunsWriteTheSameBytes)
+{
+    write(QStringLiteral("a"), entries(1000));
+    write(QStringLiteral("b"), entries(1000));
+    EXPECT_GT(m_files.read(QStringLiteral("a")).size(), 100000);
+    EXPECT_TRUE(m_files.read(QStringLiteral("a")) == m_files.read(QStringLiteral("b")));
+}
+
+TEST_P(SqliteLibraryTest, LibraryAppendedFromPartsIsThatWrittenAtOnce)
+{
+    const QList<LibraryEntry> all = entries(700);
+    write(QStringLiteral("whole"), all);
+    write(QStringLiteral("first"), all.mid(0, 3));
+    write(QStringLiteral("none"), {});
+    write(QStringLiteral("last"), all.mid(3));
+
+    const auto merged = library();
+    ASSERT_FALSE(merged->open(path(QStringLiteral("merged")), info()).hasError());
+    for (const char *part : {"first", "none", "last"})
+        ASSERT_EQ(merged->append(path(QString::fromUtf8(part))).message(), QString());
+    ASSERT_FALSE(merged->finish().hasError());
+    EXPECT_TRUE(m_files.read(QStringLiteral("merged")) == m_files.read(QStringLiteral("whole")));
+}
+
+TEST_P(SqliteLibraryTest, EntriesWithoutPeaksAreLeftOut)
+{
+    QList<LibraryEntry> all = entries(20);
+    write(QStringLiteral("with"), all);
+    LibraryEntry empty = all.last();
+    empty.peaks.clear();
+    all.insert(7, empty);
+    write(QStringLiteral("without"), all);
+    EXPECT_TRUE(m_files.read(QStringLiteral("with")) == m_files.read(QStringLiteral("without")));
+}
+
+TEST_P(SqliteLibraryTest, OlderFileStaysUntilTheLibraryIsFinished)
+{
+    m_files.write(QStringLiteral("a"), "old");
+    {
+        const auto unfinished = library();
+        ASSERT_FALSE(unfinished->open(path(QStringLiteral("a")), info()).hasError());
+        ASSERT_FALSE(unfinished->add(unfinished->encode(entries(1).first())).hasError());
+        EXPECT_EQ(files().size(), 2);
+    }
+    EXPECT_EQ(m_files.read(QStringLiteral("a")), "old");
+    EXPECT_EQ(files(), QStringList{QStringLiteral("a")});
+    write(QStringLiteral("a"), entries(1));
+    EXPECT_TRUE(m_files.read(QStringLiteral("a")).startsWith("SQLite format 3"));
+    EXPECT_EQ(files(), QStringList{QStringLiteral("a")});
+}
+
+TEST_P(SqliteLibraryTest, MissingFolderIsSaidWithTheNameOfTheFile)
+{
+    const Error error = library()->open(path(QStringLiteral("nowhere/a")), info());
+    EXPECT_EQ(m_files.withoutFolder(error.message()), "cannot write nowhere/a: No such file or directory");
+}
+
+TEST_P(SqliteLibraryTest, WhatIsNoRegularFileIsRefused)
+{
+    for (const QString &target : {QStringLiteral("-"), QStringLiteral("/dev/null"), path(QString())}) {
+        const Error error = library()->open(target, info());
+        EXPECT_EQ(error.code(), InvalidInput);
+        EXPECT_TRUE(error.message().endsWith(QStringLiteral(": this format needs a regular file")));
+    }
+}
+
+TEST_P(SqliteLibraryTest, AppendedFileThatIsNoLibraryIsNamed)
+{
+    m_files.write(QStringLiteral("text"), "no database at all, but long enough to be one, with a header of its own\n");
+    const auto merged = library();
+    ASSERT_FALSE(merged->open(path(QStringLiteral("merged")), info()).hasError());
+    EXPECT_EQ(m_files.withoutFolder(merged->append(path(QStringLiteral("text"))).message()),
+              "cannot read text: file is not a database");
+    EXPECT_EQ(m_files.withoutFolder(merged->append(path(QStringLiteral("absent"))).message()),
+              "cannot read absent: unable to open database file");
+}
+
+#ifdef Q_OS_UNIX
+TEST_P(SqliteLibraryTest, FileThatCannotGrowIsSaidAndLeavesNothing)
+{
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small{100000, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+
+    auto written = library();
+    Error error = written->open(path(QStringLiteral("a")), info());
+    for (const LibraryEntry &entry : entries(1000)) {
+        if (!error.hasError())
+            error = written->add(written->encode(entry));
+    }
+    if (!error.hasError())
+        error = written->finish();
+    written.reset();
+
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(m_files.withoutFolder(error.message()), "cannot write a: disk I/O error");
+    EXPECT_EQ(files(), QStringList());
+}
+#endif
+
+INSTANTIATE_TEST_SUITE_P(Formats, SqliteLibraryTest, ::testing::ValuesIn(KINDS), [](const auto &tested) {
+    return libraryFileKindNames()[qsizetype(tested.param)].toStdString();
+});
+
+TEST(SqliteLibrary, TextKindsHaveNone)
+{
+    EXPECT_EQ(makeSqliteLibrary(LibraryFileKind::Msp), nullptr);
+    EXPECT_EQ(makeSqliteLibrary(LibraryFileKind::MzSpecLib), nullptr);
+}
+
+} // namespace
+} // namespace zav

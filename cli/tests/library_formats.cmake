@@ -1,0 +1,13 @@
+# SPDX-License-Identifier: Apache-2.0
+#
+# Tests of the formats of spectral libraries.
+
+set(library_format_tests
+    LibraryFormatTest.cpp
+    TextBufferTest.cpp)
+if(ZAV_WRITES_SQLITE)
+    list(APPEND library_format_tests SqliteLibraryTest.cpp)
+else()
+    list(APPEND library_format_tests NoSqliteLibraryTest.cpp)
+endif()
+zav_add_test(zav_library_format_tests SOURCES ${library_format_tests} LIBRARIES zav_program)
