@@ -1,0 +1,93 @@
+# SPDX-License-Identifier: Apache-2.0
+"""mzSpecLib, read and checked by the reader and the validator of mzspeclib."""
+
+import warnings
+
+import expected
+import mzspeclib
+import mzspeclib.utils
+import mzspeclib.validate.validator as validator
+import pyteomics.proforma
+import pytest
+from mzspeclib.validate.level import RequirementLevel
+
+PROTEIN_TERMS = {
+    "proteins": "MS:1000885|protein accession",
+    "protein_names": "MS:1000886|protein name",
+    "genes": "MS:1000934|gene name",
+}
+
+
+@pytest.fixture
+def read(library):
+    with warnings.catch_warnings():
+        warnings.simplefilter("error", mzspeclib.utils.ValidationWarning)
+        yield mzspeclib.SpectrumLibrary(filename=library("mzSpecLib.txt"))
+
+
+def notation(entry):
+    record = expected.UNIMOD_RECORDS.get(entry["cysteine_mass"])
+    tag = f"[UNIMOD:{record}]" if record else f"[{entry['cysteine_mass']:+.6f}]"
+    return f"{expected.tagged(entry, tag)}/{entry['charge']}"
+
+
+def protein_groups(analyte):
+    """A dictionary of terms for each group of attributes, by the number of the group."""
+    groups = {}
+    for attribute in analyte.attributes:
+        if attribute.group_id is not None:
+            groups.setdefault(int(attribute.group_id), {})[attribute.key] = str(attribute.value)
+    return [groups[number] for number in sorted(groups)]
+
+
+def expected_groups(entry):
+    groups = []
+    for i in range(len(entry["proteins"])):
+        groups.append({term: entry[field][i] for field, term in PROTEIN_TERMS.items() if entry[field][i]})
+    return groups
+
+
+def test_library_says_what_it_is(read, set_name, entries):
+    assert str(read.get_attribute("MS:1003186|library format version")) == "1.0"
+    assert read.get_attribute("MS:1003188|library name") == set_name
+    assert len(list(read.read())) == len(entries)
+
+
+def test_every_spectrum_and_analyte(read, entries):
+    for number, (entry, spectrum) in enumerate(zip(entries, read.read()), start=1):
+        name = f"{'DECOY_' if entry['decoy'] else ''}{entry['peptide']}/{entry['charge']}"
+        origin = "MS:1003195|unnatural peptidoform decoy spectrum" if entry["decoy"] else "MS:1003074|predicted spectrum"
+        assert (spectrum.key, spectrum.name) == (number, name)
+        assert spectrum.precursor_mz == pytest.approx(entry["precursor_mz"], abs=expected.MZ)
+        assert spectrum.precursor_charge == entry["charge"]
+        assert spectrum.get_attribute("MS:1003072|spectrum origin type") == origin
+        assert spectrum.get_attribute("MS:1003059|number of peaks") == len(entry["peaks"])
+        (analyte,) = spectrum.analytes.values()
+        assert analyte.get_attribute("MS:1003270|proforma peptidoform ion notation") == notation(entry)
+        assert analyte.get_attribute("MS:1000888|stripped peptide sequence") == entry["peptide"]
+        peptide = pyteomics.proforma.ProForma.parse(notation(entry))
+        mass = analyte.get_attribute("MS:1001117|theoretical neutral mass")
+        # Unimod's masses have six digits, those of the entries five.
+        assert mass == pytest.approx(peptide.mass, abs=expected.MZ + 1e-5 * len(expected.cysteines(entry)))
+        theoretical = analyte.get_attribute("MS:1003053|theoretical monoisotopic m/z")
+        assert theoretical == pytest.approx(entry["precursor_mz"], abs=expected.MZ)
+        assert protein_groups(analyte) == expected_groups(entry)
+
+
+def test_every_peak(read, entries):
+    for entry, spectrum in zip(entries, read.read()):
+        assert len(spectrum.peak_list) == len(entry["peaks"])
+        for peak, (mz, intensity, annotations, _) in zip(entry["peaks"], spectrum.peak_list):
+            assert mz == pytest.approx(peak["mz"], abs=expected.MZ)
+            assert intensity == pytest.approx(peak["intensity"], abs=expected.INTENSITY_OF_1)
+            (annotation,) = annotations
+            assert str(annotation) == expected.ion_with_error(peak)
+            if peak["type"] is not None:
+                assert (annotation.series, annotation.position) == (peak["type"], peak["number"])
+                assert (annotation.charge, annotation.isotope or 0) == (peak["charge"], peak["isotope"])
+
+
+def test_validator_finds_nothing_that_must_or_should_be_otherwise(read):
+    chain = validator.load_default_validator() | validator.get_validator_for("peptide")
+    chain.validate_library(read)
+    assert [error.message for error in chain.error_log if error.requirement_level != RequirementLevel.may] == []
