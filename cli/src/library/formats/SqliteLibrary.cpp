@@ -86,8 +86,8 @@ Error SqliteLibrary::createFile(const QString &path)
         return cannotWrite(InvalidInput, path, QStringLiteral("this format needs a regular file"));
     m_path = existing.isSymLink() ? existing.symLinkTarget() : path;
     for (;;) {
-        const QString candidate =
-            m_path + QStringLiteral(".%1").arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'));
+        const quint32 number = QRandomGenerator::global()->bounded(0x1000000u);
+        const QString candidate = m_path + QStringLiteral(".%1").arg(number, 6, 16, QLatin1Char('0'));
         if (QFileInfo::exists(candidate))
             continue;
         QFile file(candidate);
