@@ -3,7 +3,9 @@
 
 #include "ExitCode.h"
 #include "InspectOptions.h"
+#include "LimitsOptions.h"
 #include "SpectrumOptions.h"
+#include "SplitOptions.h"
 
 #include <QtCore/QString>
 
@@ -20,7 +22,7 @@ struct EarlyExit
 };
 
 /// What the arguments ask for. The options of a command say whether it is `verbose` and whether it draws pictures.
-using CommandLine = std::variant<EarlyExit, SpectrumOptions, InspectOptions>;
+using CommandLine = std::variant<EarlyExit, SpectrumOptions, LimitsOptions, SplitOptions, InspectOptions>;
 
 /// Reads the program's arguments (UTF-8). Needs no application object.
 CommandLine parseCommandLine(int argc, const char *const *argv);

@@ -4,7 +4,9 @@
 #include "Application.h"
 #include "CommandLine.h"
 #include "InspectCommand.h"
+#include "LimitsCommand.h"
 #include "SpectrumCommand.h"
+#include "SplitCommand.h"
 
 #include <QtCore/QLoggingCategory>
 
@@ -32,6 +34,16 @@ int finish(const EarlyExit &exit)
 int run(const SpectrumOptions &options)
 {
     return SpectrumCommand(options).run();
+}
+
+int run(const LimitsOptions &options)
+{
+    return LimitsCommand(options).run();
+}
+
+int run(const SplitOptions &options)
+{
+    return SplitCommand(options).run();
 }
 
 int run(const InspectOptions &options)

@@ -2,7 +2,9 @@
 #include "CommandArguments.h"
 
 #include "InspectArguments.h"
+#include "LimitsArguments.h"
 #include "SpectrumArguments.h"
+#include "SplitArguments.h"
 
 namespace zav {
 
@@ -12,6 +14,8 @@ std::vector<std::unique_ptr<CommandArguments>> allCommandArguments()
 {
     std::vector<std::unique_ptr<CommandArguments>> commands;
     commands.push_back(std::make_unique<SpectrumArguments>());
+    commands.push_back(std::make_unique<LimitsArguments>());
+    commands.push_back(std::make_unique<SplitArguments>());
     commands.push_back(std::make_unique<InspectArguments>());
     return commands;
 }

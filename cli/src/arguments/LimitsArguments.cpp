@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "LimitsArguments.h"
+
+#include "Precursor.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+
+namespace zav {
+
+namespace {
+
+constexpr char NETWORK[] = "network";
+constexpr char WALK[] = "walk";
+
+constexpr char EXAMPLES[] =
+    R"(FILE holds chromatograms: those stored in mzML (also TIC and BPC), TSV with the columns rt, intensity and, for more
+than one trace, id, or JSON lines with id, rt and intensity. With --mz or --targets they are extracted from the MS1
+spectra of mzML; the list of targets has the columns mz and, as wanted, id, ppm, rt_from and rt_to.
+
+One line a peak: start, end and apex are times in the unit of the file, which the header names (start_min; start where
+the file does not say; of several files, that of the first). height is the intensity at the apex; area, by the
+trapezoid rule over the points within the limits, is intensity times that unit, area_above_line the part above the line
+between the first and the last of these points; points counts them. Nothing is smoothed for these measures.
+
+A trace costs what the network's input costs; one that is longer is thinned to it and said so. Without --format the
+output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON lists every
+trace, with or without peaks. A file that cannot be read to its end ends the run, and the -o FILE does not appear.
+
+Exit code: 0 every trace was searched, 1 something failed (standard error says what and why), 2 wrong usage. A trace in
+which no peak is found, or that is too short to have one, is an answer and no failure; standard error says which.
+
+Examples:
+  zav limits run.mzML -o peaks.tsv
+  zav limits run.mzML --mz 524.2648 --ppm 10 --rt 12-18 --plot trace.png
+  zav limits run.mzML.gz --targets targets.tsv --plot pictures --plot-format pdf
+  zav limits *.mzML --threads 8 --format json -o peaks.json
+  zcat traces.jsonl.gz | zav limits - --method walk
+)";
+
+} // namespace
+
+void LimitsArguments::addTo(CLI::App *command)
+{
+    addInputTo(command);
+    command
+        ->add_option("--method", m_method,
+                     std::string("network, or walk: from each highest point outward, without the network [") + NETWORK +
+                         "]")
+        ->type_name("METHOD");
+    command
+        ->add_option("--hint", m_hint,
+                     "a retention time with a peak: where none is found there, the network looks again, with faint "
+                     "peaks amplified")
+        ->type_name("RT");
+    addNetworkTo(command);
+    addDetectorTo(command);
+    addOutputTo(command, "its limits");
+    command->footer(EXAMPLES);
+}
+
+void LimitsArguments::addDetectorTo(CLI::App *command)
+{
+    addField(command, "--probability-tolerance", &m_detector.probabilityTolerance,
+             "a point belongs to a peak at a probability of 1 - this or more; the higher, the more and wider");
+    addField(command, "--dbscan-epsilon", &m_detector.dbscanEpsilon,
+             "peak points at most so many points apart belong together");
+    addField(command, "--dbscan-min-points", &m_detector.dbscanMinPoints, "so many of them make a peak");
+    addField(command, "--min-point-count", &m_detector.minPointCount,
+             "a trace of so many points or fewer has no peaks for the network");
+    addField(command, "--smoothing-pass-count", &m_detector.smoothingPassCount, "how often the trace is smoothed");
+    addField(command, "--gaussian-filter-size", &m_detector.gaussianFilterSize, "taps of the smoothing filter");
+    addField(command, "--limit-threshold", &m_detector.limitThreshold,
+             "for the walk: a peak ends where it falls to this share of its apex");
+}
+
+Result<CommandLine> LimitsArguments::options() const
+{
+    LimitsOptions options;
+    if (const Error error = convert(&options); error.hasError())
+        return error;
+    if (const Error error = convertDetector(&options); error.hasError())
+        return error;
+    return CommandLine(options);
+}
+
+Error LimitsArguments::convertDetector(LimitsOptions *options) const
+{
+    options->detector = m_detector;
+    if (!m_method.empty() && m_method != NETWORK && m_method != WALK)
+        return wrongArgument(
+            QStringLiteral("--method '%1' is neither network nor walk").arg(displayText(text(m_method))));
+    options->usesNetwork = m_method != WALK;
+    if (m_hint && !options->usesNetwork)
+        return wrongArgument(QStringLiteral("--hint belongs to --method network"));
+    if (m_hint && !(std::isfinite(*m_hint) && *m_hint > options->retentionTimeHint))
+        return wrongArgument(QStringLiteral("--hint must be above %1").arg(options->retentionTimeHint));
+    options->retentionTimeHint = m_hint.value_or(options->retentionTimeHint);
+
+    XicBaselineLimitsDetectorOptions checked = m_detector;
+    checked.modelFilePath = QStringLiteral("chosen later");
+    checked.maxPointCount = options->maxPointCount.value_or(checked.maxPointCount);
+    return inFlags(checked.checkForParameterErrors());
+}
+
+} // namespace zav

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "CommandArguments.h"
+#include "TraceOptions.h"
+
+#include <optional>
+
+namespace zav {
+
+/// The arguments that `zav limits` and `zav split` share.
+class TraceArguments : public CommandArguments
+{
+protected:
+    void addInputTo(CLI::App *command);
+    void addNetworkTo(CLI::App *command);
+    void addOutputTo(CLI::App *command, const char *shownInPictures);
+
+    /// A field of the predictor's record of options: what it holds is the default, which the help shows.
+    static void addField(CLI::App *command, const char *name, double *field, const char *description);
+    static void addField(CLI::App *command, const char *name, int *field, const char *description);
+
+    /// Sets what the shared arguments say; the error is one of usage.
+    Error convert(TraceOptions *options) const;
+
+    /// The check of an options record, in the words of the command line: `--probability-tolerance is 2, must be ...`.
+    static Error inFlags(const Error &error);
+
+private:
+    Error convertInputs(TraceOptions *options) const;
+    Error convertExtraction(TraceOptions *options) const;
+    Error convertTarget(TraceOptions *options) const;
+    Error convertOutput(TraceOptions *options) const;
+    Error convertPictures(TraceOptions *options) const;
+
+    std::vector<std::string> m_inputs;
+    std::string m_timeRange, m_targets, m_models, m_format, m_output, m_plot, m_plotFormat;
+    std::optional<double> m_mz, m_ppm;
+    std::optional<int> m_threads, m_maxPointCount;
+    bool m_verbose = false;
+};
+
+} // namespace zav

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "SplitOptions.h"
+#include "TraceCommand.h"
+
+namespace zav {
+
+/// `zav split`: finds where the peaks of chromatograms are to be split.
+class SplitCommand : public TraceCommand
+{
+public:
+    explicit SplitCommand(const SplitOptions &options) : TraceCommand(options, splitTable()), m_options(options) {}
+
+private:
+    NetworkUse networkUse() const override { return NetworkUse::PeakSplits; }
+    std::unique_ptr<TraceAnalysis> makeAnalysis(const QString &modelFilePath) const override;
+
+    SplitOptions m_options;
+};
+
+} // namespace zav

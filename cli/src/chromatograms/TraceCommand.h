@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Messages.h"
+#include "ModelFolder.h"
+#include "TraceAnalysis.h"
+#include "TraceOptions.h"
+#include "TraceOutput.h"
+#include "TracePictures.h"
+#include "TraceReport.h"
+#include "TraceStream.h"
+#include "TraceTally.h"
+
+#include <memory>
+#include <vector>
+
+namespace zav {
+
+class Progress;
+
+/// A command that looks for something in every trace of the files that were named: reads, analyses on several threads,
+/// and writes in the order of the files.
+class TraceCommand
+{
+public:
+    /// `table` is what is written of each trace.
+    TraceCommand(const TraceOptions &options, const TraceTable &table);
+    virtual ~TraceCommand();
+
+    TraceCommand(const TraceCommand &) = delete;
+    TraceCommand &operator=(const TraceCommand &) = delete;
+
+    /// Runs the command to its end. Needs the application object. The result is an `ExitCode`.
+    int run();
+
+private:
+    /// The network's file in the folder of networks.
+    virtual NetworkUse networkUse() const = 0;
+
+    /// What each thread does with the traces that it gets.
+    virtual std::unique_ptr<TraceAnalysis> makeAnalysis(const QString &modelFilePath) const = 0;
+
+    Error runSteps();
+    Error preparePictures();
+    Error openTraces();
+    Error loadNetwork();
+    Error analyseAll();
+    Error finishOutput();
+    Result<std::optional<TraceInput>> read();
+    TraceReport analyse(TraceAnalysis *analysis, TraceInput input) const;
+    Error drawReport(const TraceReport &report, const Chromatogram &chromatogram) const;
+    Error accept(const TraceReport &report, Progress *progress);
+    Error write(const TraceReport &report);
+    void tell(const TraceReport &report);
+    void fail(const Error &error, const QString &subject);
+
+    TraceOptions m_options;
+    const TraceTable &m_table;
+    Messages m_messages;
+    TracePictures m_pictures;
+    TraceTally m_tally;
+    std::unique_ptr<TraceStream> m_stream;
+    std::unique_ptr<TraceOutput> m_output;
+    std::vector<std::unique_ptr<TraceAnalysis>> m_analyses; ///< one a thread
+};
+
+} // namespace zav
