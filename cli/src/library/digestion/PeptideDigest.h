@@ -31,8 +31,8 @@ struct DigestedPeptides
 /// of the 20 amino acids, each with every protein that it was found in, and their decoys.
 ///
 /// What comes out depends on file, digestion and decoy options alone; with `space.onDisk` it is the same to the byte.
-/// In memory it takes about 40 bytes for each place of a peptide in a protein while sorting, half of that later, and
-/// with decoys as much again; on disk what `SortingSpace` says, and the proteins' names.
+/// In memory it takes about 65 bytes for each place of a peptide in a protein at its peak, twice that with decoys, and
+/// 30 for each peptide in the end; on disk the memory limit of `SortingSpace`, a few MB, and the proteins' names.
 ///
 /// `InvalidInput` for options out of range, with the field; `Failure` with file and line for a file that cannot be
 /// read or is no FASTA file, for temporary files, for an interrupt, and when the file holds no protein. No peptide at
