@@ -38,7 +38,7 @@ TEST_P(SortingOnDiskTest, GivesTheSamePeptidesInTheSameOrder)
     const QByteArray fasta = randomFasta(3, 2000, "ACDEFGHIKLMNPQRSTVWYKRX");
     PeptideRequest request = tryptic(GetParam().decoys);
     request.digestion.minimumLength = 4;
-    request.digestion.maximumLength = 15;
+    request.digestion.maximumLength = 10;
     request.digestion.semiSpecific = GetParam().semiSpecific;
     const DigestedPeptides inMemory = digest(fasta, request);
     request.space.onDisk = true;
@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, SortingOnDiskTest,
                          ::testing::Values(Sorting{DecoyKind::None, false, 20000},
                                            Sorting{DecoyKind::Reversed, false, 100000},
                                            Sorting{DecoyKind::Shuffled, false, 100000},
-                                           Sorting{DecoyKind::Shuffled, true, 3000000},
+                                           Sorting{DecoyKind::Shuffled, true, 2000000},
                                            Sorting{DecoyKind::Shuffled, false, qint64(64) << 20}));
 
 TEST_F(PeptideOrderTest, PeptidesAreInOrderAndDistinct)
