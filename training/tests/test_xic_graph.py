@@ -69,7 +69,7 @@ def test_file_gives_what_training_computes(weights: dict[str, np.ndarray], limit
     told = tf.constant([TOLD])
     logits = network.logits(weights, tf.constant(x), used, told, network.DETECTOR)
     rule = LimitsRule(TOLD)
-    joined = tf.minimum(logits[:, :, 0] - rule.inside, rule.valley - logits[:, :, 1])
+    joined = graph.part(logits[:, :, 0] - rule.inside, logits[:, :, 1] - rule.valley, used)
     final = graph.combine_limits(joined, tf.constant(x), used, rule)
     expected = tf.sigmoid(final + rule.offset).numpy()
     assert limits(x) == pytest.approx(expected, abs=FLOAT_TOLERANCE)
@@ -129,6 +129,40 @@ def test_run_that_hardly_rises_is_dropped() -> None:
     logits = [3.0, 3.0, 3.0, -9.0, 3.0, 3.0, 3.0, -9.0]
     rule = LimitsRule(TOLD, rise=0.05)
     assert np.flatnonzero(combined(logits, rule, x) > 0).tolist() == [4, 5, 6]
+
+
+def test_peak_on_the_flank_of_a_larger_one_is_kept() -> None:
+    x = [0.0, 0.2, 0.3, 0.29, 0.3, 0.3, 1.0, 0.2, 0.0]
+    logits = [3.0, 3.0, 3.0, 3.0, -9.0, 3.0, 3.0, 3.0, -9.0]
+    found = np.flatnonzero(combined(logits, LimitsRule(TOLD, rise=0.1, reach=9.0), x) > 0)
+    assert found.tolist() == [0, 1, 2, 3, 5, 6, 7]
+
+
+def parted(inside: list[float], valley: list[float], used: int) -> np.ndarray:
+    rows = [tf.constant([row], tf.float32) for row in (inside, valley)]
+    return graph.part(*rows, tf.constant([used])).numpy()[0]
+
+
+def test_valley_parts_at_its_surest_point_and_one_on_each_side() -> None:
+    valley = [-5, -5, 1, 2, 3, 4, 1, 1, -5, -5]
+    found = parted([3] * 10, valley, 10)
+    assert np.flatnonzero(found < 0).tolist() == [4, 5, 6]
+    assert np.all(found[[2, 3, 7]] == 3)
+
+
+def test_each_valley_parts_once() -> None:
+    found = parted([3] * 12, [-5, 1, 2, 1, -5, -5, -5, -5, 2, -5, -5, -5], 12)
+    assert np.flatnonzero(found < 0).tolist() == [1, 2, 3, 7, 8, 9]
+
+
+def test_valley_does_not_make_a_peak_of_what_is_none() -> None:
+    found = parted([-2] * 8, [-5, 1, 2, 1, 1, 1, -5, -5], 8)
+    assert np.all(found < 0)
+
+
+def test_valley_behind_the_used_points_does_not_count() -> None:
+    found = parted([3] * 8, [-5, -5, -5, 1, 2, 9, 9, 9], 5)
+    assert np.flatnonzero(found[:5] < 0).tolist() == [3, 4]
 
 
 def test_run_that_rises_most_is_kept_however_little_that_is() -> None:

@@ -96,3 +96,25 @@ def test_seed_fixes_the_clusters() -> None:
     for a, b in zip(first, second, strict=True):
         assert np.array_equal(a.intensity, b.intensity)
         assert a.due == b.due
+
+
+def test_split_examples_are_cut_to_a_region_with_its_targets() -> None:
+    rng = np.random.default_rng(9)
+    lengths = set()
+    for _ in range(60):
+        example = splits.simulated_split(rng, 200)
+        assert example.targets.shape == example.weights.shape == (1, len(example.intensity))
+        assert 12 <= len(example.intensity) <= 200
+        lengths.add(len(example.intensity))
+    assert min(lengths) < 150 and max(lengths) == 200
+
+
+def test_bump_of_a_shoulder_is_wider_than_that_of_a_valley() -> None:
+    valley, shoulder = border(30.0), border(12.0, (1.0, 0.25))
+    width = []
+    for each in (valley, shoulder):
+        trace = simulate.Simulated(np.zeros(150), [], [each], 3.0, 0.05, [], 1e-6)
+        targets, _ = splits.split_targets(trace, 150)
+        assert targets[0].argmax() == round(each.place)
+        width.append(float((targets[0] > 0.5).sum()) / each.distance)
+    assert width[1] > width[0]

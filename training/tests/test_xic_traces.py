@@ -126,6 +126,20 @@ def test_candidates_beside_the_label_do_not_count() -> None:
         assert not np.any(high & counted & ~wanted)
 
 
+def test_roughened_trace_keeps_its_size_and_stays_measurable() -> None:
+    y = bell(200, 100, 5)
+    rng = np.random.default_rng(2)
+    changed = 0
+    for _ in range(200):
+        rough = examples.roughened(rng, y)
+        assert rough.shape == y.shape
+        assert np.all(np.isfinite(rough)) and np.all(rough >= 0.0)
+        changed += not np.array_equal(rough, y)
+        # no kind of roughening loses or doubles the peak's area, 5 sigma wide as it is
+        assert 0.3 < rough[80:121].sum() / y[80:121].sum() < 2.0
+    assert 50 < changed < 120
+
+
 def test_simulated_example_asks_only_for_what_stands_out() -> None:
     rng = np.random.default_rng(8)
     for _ in range(50):

@@ -42,7 +42,7 @@ TEST(XicBaselineLimitsDetectorOptions, HasTheseFieldsAndDefaults)
     const auto &[modelFilePath, maxPointCount, probabilityTolerance, dbscanEpsilon, dbscanMinPoints, minPointCount,
                  smoothingPassCount, gaussianFilterSize, limitThreshold] = DetectorOptions();
     EXPECT_EQ(QString(), modelFilePath);
-    EXPECT_EQ(4096, maxPointCount);
+    EXPECT_EQ(8192, maxPointCount);
     EXPECT_EQ(0.8, probabilityTolerance);
     EXPECT_EQ(1.5, dbscanEpsilon);
     EXPECT_EQ(2, dbscanMinPoints);

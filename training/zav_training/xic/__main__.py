@@ -2,13 +2,14 @@
 """Command line: train, ship, evaluate, or build, which is all of them in one."""
 
 import argparse
+import json
 from collections.abc import Callable, Iterator
 from pathlib import Path
 
 import numpy as np
 import tensorflow as tf
 
-from zav_training.xic import evaluate, evaluate_splits, network, recipe, ship
+from zav_training.xic import evaluate, evaluate_splits, network, picks, recipe, ship
 from zav_training.xic.batches import Batch, detector_batches, splitter_batches
 from zav_training.xic.examples import Backgrounds, RealTraces
 from zav_training.xic.sets import evaluation_sets
@@ -35,11 +36,12 @@ def _parser() -> argparse.ArgumentParser:
     parser = argparse.ArgumentParser(prog="python -m zav_training.xic", description=__doc__)
     commands = parser.add_subparsers(required=True)
     steps: dict[str, tuple[tuple[Callable, ...], str]] = {
-        "build": ((_train_limits, _train_split, _ship, _evaluate), "all of the below"),
+        "build": ((_train_limits, _train_split, _ship, _evaluate), "train, ship and evaluate both"),
         "train-limits": ((_train_limits,), "train the network of peak limits"),
         "train-split": ((_train_split,), "train the splitter, which starts from it"),
         "ship": ((_ship,), "write graphs and contracts of a run"),
         "evaluate": ((_evaluate,), "figures of shipped networks, as tables"),
+        "picks": ((_picks,), "labels and found peaks of the sets as JSON lines in the run"),
     }
     for name, (functions, text) in steps.items():
         command = commands.add_parser(name, help=text, description=text)
@@ -81,16 +83,33 @@ def _train(
     options.run.mkdir(parents=True, exist_ok=True)
     steps = max(1, int(schedule.steps * options.share))
     train(trainer, batches, steps, schedule.rate, _weights(options, name))
+    made = {"trainingSeed": options.seed, "trainingSteps": steps}
+    _made(options, name).write_text(json.dumps(made))
 
 
 def _weights(options: argparse.Namespace, name: str) -> Path:
     return options.run / f"{name}.npz"
 
 
+def _made(options: argparse.Namespace, name: str) -> Path:
+    """How the weights were trained, for the contract."""
+    return options.run / f"{name}.json"
+
+
 def _ship(options: argparse.Namespace, parts: Parts) -> None:
     options.models.mkdir(parents=True, exist_ok=True)
     for name, write in ((ship.LIMITS, ship.ship_limits), (ship.SPLIT, ship.ship_split)):
-        write(dict(np.load(_weights(options, name))), options.models, parts)
+        made = json.loads(_made(options, name).read_text())
+        write(dict(np.load(_weights(options, name))), options.models, parts, made)
+
+
+def _picks(options: argparse.Namespace, parts: Parts) -> None:
+    options.run.mkdir(parents=True, exist_ok=True)
+    limits = options.models / f"{ship.LIMITS}.pb"
+    pick = evaluate.network_picker(limits, recipe.LIMITS_OPTIONS)
+    for name, traces in evaluation_sets(parts).items():
+        picks.write_labelled(options.run / f"{name}.labelled.jsonl", traces)
+        picks.write_picked(options.run / f"{name}.picked.jsonl", traces, pick)
 
 
 def _evaluate(options: argparse.Namespace, parts: Parts) -> None:

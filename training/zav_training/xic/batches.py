@@ -15,11 +15,19 @@ from zav_training.xic.examples import (
 )
 from zav_training.xic.pipeline import PADDING, LimitsOptions, gaussian_filter, prepare_rows
 from zav_training.xic.splits import RealNeighbours, simulated_split
+from zav_training.xic.traces import LEAST_POINTS
 
 #: Points a trace, traces a batch, and how often.
-SHAPES = ((512, 32, 0.75), (1024, 16, 0.18), (2048, 8, 0.07))
+SHAPES = (
+    (128, 64, 0.2),
+    (256, 48, 0.22),
+    (512, 32, 0.33),
+    (1024, 16, 0.15),
+    (2048, 8, 0.06),
+    (4096, 4, 0.04),
+)
 SIMULATED_SHARE = 0.6
-SPLIT_SIMULATED_SHARE = 0.7
+SPLIT_SIMULATED_SHARE = 0.65
 BACKGROUND_SHARE = 0.45
 #: Examples kept for each length, and the share of new ones from then on.
 POOLED, FRESH = 3000, 0.35
@@ -44,7 +52,7 @@ def detector_batches(
     def draw(points: int) -> Example:
         if len(real) and rng.random() > SIMULATED_SHARE:
             return crop(rng, real.draw(rng), points)
-        length = points if rng.random() < 0.4 else int(rng.integers(24, points + 1))
+        length = _length(rng, LEAST_POINTS, points)
         base = backgrounds.draw(rng, length) if rng.random() < BACKGROUND_SHARE else None
         return simulated_example(rng, length, base)
 
@@ -60,11 +68,16 @@ def splitter_batches(
     def draw(points: int) -> Example:
         if len(real) and rng.random() > SPLIT_SIMULATED_SHARE:
             return crop(rng, real.draw(rng), points)
-        length = points if rng.random() < 0.4 else int(rng.integers(12, points + 1))
+        length = _length(rng, LEAST_POINTS, points)
         base = backgrounds.draw(rng, length) if rng.random() < BACKGROUND_SHARE else None
         return simulated_split(rng, length, base)
 
     return _batches(rng, draw, None, 0.0)
+
+
+def _length(rng: np.random.Generator, least: int, points: int) -> int:
+    """All of the points in two cases of five, else any number, short ones as often as long ones."""
+    return points if rng.random() < 0.4 else int(np.exp(rng.uniform(*np.log((least, points + 1)))))
 
 
 def _batches(

@@ -11,7 +11,10 @@ from zav_training.xic.traces import Trace
 
 Picker = classical.Picker
 #: Settings of OpenMS's picker among which the best for a set is looked for, in seconds.
-GAUSS_WIDTHS = (5.0, 10.0, 15.0, 20.0, 30.0, 50.0, 80.0, 120.0, 160.0)
+GAUSS_WIDTHS = (
+    *(5.0, 8.0, 10.0, 12.0, 15.0, 20.0, 25.0, 30.0, 40.0, 50.0),
+    *(65.0, 80.0, 100.0, 120.0, 140.0, 160.0, 200.0, 240.0, 300.0),
+)
 #: Columns of the tables: figure, heading, decimals.
 COLUMNS = (
     ("recall", "recall", 3),

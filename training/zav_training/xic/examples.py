@@ -9,14 +9,19 @@ from dataclasses import dataclass
 import numpy as np
 
 from zav_training.xic import simulate
+from zav_training.xic.groups import agreed
 from zav_training.xic.traces import Trace
-from zav_training.xic.visible import Shape, deepest_valley, shape_of, smooth
+from zav_training.xic.visible import Shape, deepest_valley, smooth
 
 INSIDE, VALLEY = 0, 1
 #: Lower peaks, relative to the largest point, are left to the amplified second look.
 LEAST_HEIGHT = 0.01
 #: The convention assumed for limits of real traces, which do not tell theirs.
 USUAL_DEPTH = 0.25
+#: A labelled peak without a deeper valley, smoothed to a sixth of its width, stays whole.
+WHOLE = 0.2
+#: Surroundings kept on each side of a real label, in its widths.
+ROOM = (0.15, 15.0)
 
 
 @dataclass
@@ -88,8 +93,8 @@ def real_example(rng: np.random.Generator, trace: Trace, shape: Shape) -> Exampl
     """A labelled trace, cropped and stretched; what no label explains does not count."""
     y, targets, weights = trace.intensity, *_real_targets(trace, shape)
     n, width = len(y), shape.end - shape.start
-    low = max(0, int(shape.start - width * rng.uniform(0.1, 12.0)))
-    high = min(n, int(shape.end + width * rng.uniform(0.1, 12.0)) + 1)
+    left, right = width * np.exp(rng.uniform(*np.log(ROOM), 2))
+    low, high = max(0, int(shape.start - left)), min(n, int(shape.end + right) + 1)
     window = slice(low, high)
     told = conventions(min(max(shape.relative_width, 1.8), 6.0), USUAL_DEPTH)
     example = Example(y[window], targets[:, window], weights[:, window], told)
@@ -111,7 +116,8 @@ def _real_targets(trace: Trace, shape: Shape) -> tuple[np.ndarray, np.ndarray]:
     margin = max(1, int(0.08 * (shape.end - shape.start)))
     for edge in (shape.start, shape.end):
         weights[INSIDE, max(edge - margin, 0) : edge + margin + 1] = 0.15
-    if deepest_valley(y[inside]) < 0.1:
+    calm = smooth(trace.intensity, max(5, (shape.end - shape.start) // 6 | 1))
+    if deepest_valley(calm[inside]) < WHOLE:
         weights[VALLEY, shape.start + 2 : shape.end - 1] = 1.0
     _paint_touching(targets, weights, y, shape)
     return targets, weights
@@ -149,12 +155,24 @@ def stretch(rng: np.random.Generator, example: Example) -> Example:
 def vary(rng: np.random.Generator, example: Example, scale: bool) -> Example:
     """Mirrors half of the examples; roughens and rescales some."""
     y = example.intensity
-    if scale:
-        y = y * 10.0 ** rng.uniform(0.5, 8.0)
-    elif rng.random() < 0.25:
-        y = y * np.exp(rng.uniform(0.05, 0.35) * rng.standard_normal(len(y)))
+    y = y * 10.0 ** rng.uniform(0.5, 8.0) if scale else roughened(rng, y)
     example = Example(y, example.targets, example.weights, example.conventions)
     return mirrored(example) if rng.random() < 0.5 else example
+
+
+def roughened(rng: np.random.Generator, y: np.ndarray) -> np.ndarray:
+    """A real trace as a worse instrument would have measured it, in two cases of five."""
+    kind, top = rng.random(), max(float(y.max(initial=0.0)), 1e-12)
+    if kind < 0.2:
+        return y * np.exp(rng.uniform(0.05, 0.45) * rng.standard_normal(len(y)))
+    if kind < 0.3:
+        count = np.exp(rng.uniform(np.log(6.0), np.log(200.0))) / top
+        return rng.poisson(y * count) / count
+    if kind < 0.36:
+        return y * (rng.random(len(y)) > rng.uniform(0.03, 0.35))
+    if kind < 0.42:
+        return np.maximum(y + top * rng.uniform(0.01, 0.12) * rng.standard_normal(len(y)), 0.0)
+    return y
 
 
 def mirrored(example: Example) -> Example:
@@ -168,15 +186,10 @@ def mirrored(example: Example) -> Example:
 
 
 class RealTraces:
-    """Visible labelled peaks, drawn so that a large document counts by the root of its size."""
+    """Agreed labelled peaks, drawn so that a large document counts by the root of its size."""
 
     def __init__(self, traces: list[Trace]) -> None:
-        self._items = []
-        for trace in traces:
-            for peak in trace.peaks:
-                shape = shape_of(trace, peak)
-                if shape is not None and shape.visible:
-                    self._items.append((trace, shape))
+        self._items = agreed(traces)
         documents = [trace.document for trace, _ in self._items]
         size = {d: documents.count(d) for d in set(documents)}
         share = np.array([size[d] ** -0.5 for d in documents])

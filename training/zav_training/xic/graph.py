@@ -23,6 +23,8 @@ OUTPUT = "import/conv2d_19/Sigmoid"
 SHORTEST = 256
 #: Beyond any place in a trace.
 FAR = 1e9
+#: How far below the cut the points between two parted peaks are at least.
+LEAST_PARTING = 0.5
 #: Logit of a point behind the used ones.
 NOTHING = -30.0
 
@@ -31,12 +33,13 @@ NOTHING = -30.0
 class LimitsRule:
     """How the two outputs of the limits network become one probability.
 
-    A point counts as peak where its inside logit exceeds `inside` and its valley logit does not
-    exceed `valley`; its probability is then `cut` or more, and `steepness` sharpens it there. Where
+    A point counts as peak where its inside logit exceeds `inside`; its probability is then `cut` or
+    more, and `steepness` sharpens it there. Of each run whose valley logits exceed `valley`, the
+    surest point and its neighbours part two peaks: the rest of the valley belongs to them. Where
     a trace's best point fails by up to `rescue`, the whole trace is lifted so that the best point
     reaches `lifted`. No run reaches beyond its outermost points of half its height by more than
     `reach` times as many points as are that high. A run whose top rises less than `rise` (of the
-    largest value) over the higher of its ends is dropped, unless it is the one that rises most.
+    largest value) over the mean of its ends is dropped, unless it is the one that rises most.
     """
 
     told: tuple[float, float]
@@ -48,7 +51,7 @@ class LimitsRule:
     lifted: float = 1.0
     opening: int = 3
     reach: float = 2.0
-    rise: float = 0.06
+    rise: float = 0.1
 
     @property
     def offset(self) -> float:
@@ -72,9 +75,23 @@ def limits_graph(weights: dict[str, np.ndarray], rule: LimitsRule) -> tf.Graph:
         x, used, short = _input(network.DETECTOR)
         logits = network.logits(weights, short, used, _told(rule.told), network.DETECTOR)
         inside = logits[:, :, 0] - rule.inside
-        joined = tf.minimum(inside, rule.valley - logits[:, :, 1])
+        joined = part(inside, logits[:, :, 1] - rule.valley, used)
         _output(combine_limits(joined, short, used, rule) + rule.offset, x)
     return graph
+
+
+def part(inside: tf.Tensor, valley: tf.Tensor, used: tf.Tensor) -> tf.Tensor:
+    """Logits of peaks [1, n] from those of the two outputs, each 0 where it is undecided."""
+    counts = tf.range(tf.shape(valley)[1]) < used[:, None]
+    valley = tf.where(counts, valley, NOTHING)
+    runs = _numbered(valley > 0.0)
+    flat, count = tf.reshape(valley, [-1]), tf.size(valley) + 1
+    surest = tf.gather(tf.math.unsorted_segment_max(flat, runs, count), runs)
+    ridge = tf.reshape(tf.logical_and(flat >= surest, runs > 0), tf.shape(valley))
+    near = _extreme(tf.cast(ridge, tf.float32), tf.maximum) > 0.0
+    parted = tf.minimum(inside, -tf.maximum(valley, LEAST_PARTING))
+    doubted = tf.where(valley > 0.0, inside, tf.minimum(inside, -valley))
+    return tf.where(near, parted, doubted)
 
 
 def combine_limits(joined: tf.Tensor, x: tf.Tensor, used: tf.Tensor, rule: LimitsRule) -> tf.Tensor:
@@ -113,15 +130,16 @@ def cut_feet(logits: tf.Tensor, x: tf.Tensor, reach: float) -> tf.Tensor:
 
 
 def drop_flat(logits: tf.Tensor, x: tf.Tensor, rise: float) -> tf.Tensor:
-    """Logits [1, n] without the runs that hardly rise over their ends."""
+    """Logits [1, n] without the runs that hardly rise over the mean of their ends."""
     inside = logits >= 0.0
     runs = _numbered(inside)
     count, flat = tf.size(logits) + 1, tf.reshape(x, [-1])
     edges = tf.concat([runs[:1] * 0, runs, runs[:1] * 0], 0)
     is_end = tf.logical_or(tf.not_equal(edges[:-2], runs), tf.not_equal(edges[2:], runs))
     top = tf.math.unsorted_segment_max(flat, runs, count)
-    end = tf.math.unsorted_segment_max(tf.where(is_end, flat, -FAR), runs, count)
-    rises = tf.gather(top - end, runs)
+    high = tf.math.unsorted_segment_max(tf.where(is_end, flat, -FAR), runs, count)
+    low = -tf.math.unsorted_segment_max(tf.where(is_end, -flat, -FAR), runs, count)
+    rises = tf.gather(top - 0.5 * (high + low), runs)
     most = tf.reduce_max(tf.where(runs > 0, rises, -FAR))
     kept = tf.reshape(rises >= tf.minimum(rise, most), tf.shape(logits))
     return tf.where(tf.logical_and(inside, ~kept), tf.minimum(logits, 0.0) - 1.0, logits)
@@ -165,7 +183,7 @@ def _input(size: network.Size) -> tuple[tf.Tensor, tf.Tensor, tf.Tensor]:
     x = tf.reshape(image, [1, -1])
     n = tf.size(image)
     used = network.used_points(x, size.least)
-    blocks = tf.reduce_max(used) // SHORTEST
+    blocks = (tf.reduce_max(used) - 1) // SHORTEST
     doubled = sum(tf.cast(blocks >= 2**i, tf.int32) * 2**i for i in range(8)) + 1
     short = tf.slice(x, [0, 0], tf.stack([-1, tf.minimum(SHORTEST * doubled, n)]))
     return x, used, short

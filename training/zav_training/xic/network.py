@@ -17,6 +17,8 @@ STRIDE = 32
 #: Conventions that a network is told: width of a drawn peak, depth of a parting valley.
 CONVENTIONS = 2
 VIEWS = 9
+#: Views of smoothed traces, one value a place: places averaged, places whose largest counts.
+SMOOTHED = ((3, 75), (7, 75), (17, 257), (41, 257))
 
 
 @dataclass(frozen=True)
@@ -33,16 +35,16 @@ class Size:
 
 
 #: Padding is -1 before the smoothing.
-DETECTOR = Size((32, 40, 48, 64), heads=2, least=0.0, dice=0.3)
+DETECTOR = Size((32, 48, 64, 96), heads=2, least=0.0, dice=0.3)
 #: Padding is 0.
-SPLITTER = Size((32, 40, 48, 64), heads=1, least=1e-12, dice=0.0)
+SPLITTER = Size((32, 48, 64, 96), heads=1, least=1e-12, dice=0.0)
 
 
 def convolutions(size: Size) -> dict[str, tuple[int, int, int]]:
     """Taps, inputs and outputs of each convolution, by name."""
     a, b, c, d = size.channels
     return {
-        "a1": (5, VIEWS * FOLD, a),
+        "a1": (5, VIEWS * FOLD + len(SMOOTHED), a),
         "a2": (5, a, a),
         "b1": (5, a, b),
         "b2": (5, b, b),
@@ -85,10 +87,10 @@ def splitter_start(weights: dict[str, np.ndarray]) -> dict[str, np.ndarray]:
 
 
 def views(x: tf.Tensor) -> tf.Tensor:
-    """Looks at the trace [B, n] that no single scale shows, folded: [B, 1, n / 4, 36].
+    """Looks at the trace [B, n] that no single scale shows, folded: [B, 1, n / 4, 40].
 
     A small peak beside a large one is seen relative to the largest values within about 25, 100,
-    300 and 1,000 points. Values below 0 are padding.
+    300 and 1,000 points, a wide ragged one in smoothed traces. Values below 0 are padding.
     """
     n = tf.shape(x)[1]
     folded = tf.reshape(x, [-1, 1, n // FOLD, FOLD])
@@ -111,9 +113,21 @@ def views(x: tf.Tensor) -> tf.Tensor:
             tf.sqrt(wider),
             tf.sqrt(widest),
             tf.cast(folded < 0.0, tf.float32),
+            *_smoothed(clipped),
         ],
         3,
     )
+
+
+def _smoothed(clipped: tf.Tensor) -> list[tf.Tensor]:
+    """Roots of running means relative to the largest of them far around."""
+    mean = tf.reduce_mean(clipped, 3, keepdims=True)
+    result = []
+    for places, around in SMOOTHED:
+        calm = tf.nn.avg_pool2d(mean, [1, places], [1, 1], "SAME")
+        block = tf.nn.max_pool2d(calm, [1, 8], [1, 8], "SAME")
+        result.append(tf.sqrt(_relative(calm, _spread(_max(block, around // 8), 8))))
+    return result
 
 
 def _max(x: tf.Tensor, width: int) -> tf.Tensor:

@@ -27,7 +27,7 @@ Network = Callable[[np.ndarray], np.ndarray]
 class LimitsOptions:
     """Options of the limits detector that fit its network."""
 
-    maxPointCount: int = 4096
+    maxPointCount: int = 8192
     probabilityTolerance: float = 0.8
     dbscanEpsilon: float = 1.5
     dbscanMinPoints: int = 2

@@ -18,10 +18,10 @@ class Schedule:
 
 
 SEED = 4
-LIMITS_SCHEDULE = Schedule(12_000, 2e-3)
-SPLIT_SCHEDULE = Schedule(8_000, 2e-3)
-#: Peaks drawn 3.3 widths at half height wide; valleys of 25 % part them.
-LIMITS_RULE = LimitsRule(told=tuple(conventions(3.3, 0.25).tolist()), valley=1.0)
+LIMITS_SCHEDULE = Schedule(50_000, 2e-3)
+SPLIT_SCHEDULE = Schedule(16_000, 2e-3)
+#: Peaks drawn 3.45 widths at half height wide; valleys of 20 % part them.
+LIMITS_RULE = LimitsRule(told=tuple(conventions(3.45, 0.2).tolist()), inside=0.7, valley=1.0)
 SPLIT_RULE = SplitRule(told=tuple(conventions(3.7, VALLEY_DEPTH[0]).tolist()))
 LIMITS_OPTIONS = LimitsOptions()
 SPLIT_OPTIONS = SplitOptions()

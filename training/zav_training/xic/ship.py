@@ -35,14 +35,17 @@ KEPT = {"labels": "Labels", "f1": "F1", "f1_all": "F1All", "overlap": "MedianOve
 
 
 def ship_limits(
-    weights: dict[str, np.ndarray], folder: Path, traces: dict[str, list[Trace]]
+    weights: dict[str, np.ndarray],
+    folder: Path,
+    traces: dict[str, list[Trace]],
+    made: dict[str, Value],
 ) -> None:
-    """Writes the limits network; `traces` by role are for the figures."""
+    """Writes the limits network; `traces` by role are for the figures, `made` says how."""
     path = folder / f"{LIMITS}.pb"
     write_graph(graph.limits_graph(weights, recipe.LIMITS_RULE), path)
     picker = evaluate.network_picker(path, recipe.LIMITS_OPTIONS)
     sets = evaluation_sets(traces)
-    fields = _common(LIMITS, -1.0) | dict(asdict(recipe.LIMITS_OPTIONS))
+    fields = _common(LIMITS, -1.0) | made | dict(asdict(recipe.LIMITS_OPTIONS))
     for prefix, name in LIMITS_FIGURES.items():
         result = evaluate.figures(sets[name], picker)
         fields |= {f"{prefix}{KEPT[k]}": _rounded(result[k]) for k in KEPT}
@@ -50,13 +53,16 @@ def ship_limits(
 
 
 def ship_split(
-    weights: dict[str, np.ndarray], folder: Path, traces: dict[str, list[Trace]]
+    weights: dict[str, np.ndarray],
+    folder: Path,
+    traces: dict[str, list[Trace]],
+    made: dict[str, Value],
 ) -> None:
-    """Writes the splitter; `traces` by role are for the figures."""
+    """Writes the splitter; `traces` by role are for the figures, `made` says how."""
     path = folder / f"{SPLIT}.pb"
     write_graph(graph.split_graph(weights, recipe.SPLIT_RULE), path)
     splitter = evaluate_splits.network_splitter(path, recipe.SPLIT_OPTIONS)
-    fields = _common(SPLIT, 0.0) | dict(asdict(recipe.SPLIT_OPTIONS))
+    fields = _common(SPLIT, 0.0) | made | dict(asdict(recipe.SPLIT_OPTIONS))
     for prefix, cases in split_sets(traces).items():
         result = evaluate_splits.score(cases, splitter)
         keys = (

@@ -21,13 +21,18 @@ VALLEY_DEPTH = (0.05, 0.6)
 GAUSSIAN_FOOT = 2.5776
 #: Evidence of a peak: height over noise times the root of its half width. Below the first it counts
 #: as noise, from the second on it has to be found, between them neither answer is held against.
-EVIDENCE = (3.0, 7.0)
+EVIDENCE = (3.0, 6.0)
 
 
 #: A border whose signal falls by less than this is a shoulder.
 SHOULDER = 0.02
+#: Width (sigma) of the narrowest peaks in short traces, where no spikes are, and in others; of the
+#: widest; and the points from which on a trace is not short.
+NARROWEST, WIDEST, SHORT = (0.6, 0.9), 45.0, 40
+#: Distance of the apexes of a cluster, in sigma.
+APART = (2.0, 7.5)
 #: Share of traces in which single counts are seen one by one, between zeros.
-SPARSE_SHARE = 0.14
+SPARSE_SHARE = 0.18
 
 
 @dataclass
@@ -80,11 +85,15 @@ def simulate(
     length: int,
     background: np.ndarray | None = None,
     crowded: float = 0.35,
+    apart: tuple[float, float] = APART,
 ) -> Simulated:
-    """A trace of the given number of points; background: a peak-free stretch of a real trace."""
+    """A trace of the given number of points; background: a peak-free stretch of a real trace.
+
+    `crowded` is the share of clusters with more than one peak, whose apexes lie `apart` sigma.
+    """
     drawn = float(rng.uniform(*DRAWN_WIDTH))
     depth = float(np.exp(rng.uniform(*np.log(VALLEY_DEPTH))))
-    peaks = _draw_peaks(rng, length, crowded)
+    peaks = _draw_peaks(rng, length, crowded, apart)
     t = np.arange(length, dtype=np.float64)
     curves = [p.height * p.curve(t) for p in peaks]
     clean = np.sum(curves, axis=0) if curves else np.zeros(length)
@@ -102,28 +111,36 @@ def simulate(
     return result
 
 
-def _draw_peaks(rng: np.random.Generator, length: int, crowded: float) -> list[Peak]:
+def _draw_peaks(
+    rng: np.random.Generator, length: int, crowded: float, apart: tuple[float, float]
+) -> list[Peak]:
     """Clusters of one to four peaks; half of all traces have a single cluster."""
     if rng.random() < 0.04:
         return []
     peaks: list[Peak] = []
-    widest = min((0.08 if rng.random() < 0.85 else 0.2) * length, 45.0)
+    widest = min((0.08 if rng.random() < 0.85 else 0.2) * length, WIDEST)
+    narrowest = NARROWEST[int(length >= SHORT and rng.random() < 0.9)]
     for _ in range(1 + int(rng.random() < 0.5) * int(rng.integers(0, 4))):
-        sigma = float(np.exp(rng.uniform(np.log(0.9), np.log(max(widest, 1.5)))))
+        sigma = float(np.exp(rng.uniform(np.log(narrowest), np.log(max(widest, 1.5)))))
         count = 1 if rng.random() > crowded else int(rng.integers(2, 5))
         scale = 1.0 if not peaks else float(np.exp(rng.uniform(np.log(0.01), 0.0)))
         at = float(rng.uniform(-0.01, 1.01) * length)
-        peaks += _draw_cluster(rng, at, sigma, count, scale)
+        peaks += _draw_cluster(rng, at, sigma, count, scale, apart)
     return peaks
 
 
 def _draw_cluster(
-    rng: np.random.Generator, at: float, sigma: float, count: int, scale: float
+    rng: np.random.Generator,
+    at: float,
+    sigma: float,
+    count: int,
+    scale: float,
+    apart: tuple[float, float],
 ) -> list[Peak]:
     peaks = []
     for i in range(count):
         if i:
-            at += sigma * float(rng.uniform(2.0, 7.5))
+            at += sigma * float(rng.uniform(*apart))
             sigma *= float(rng.uniform(0.8, 1.25))
         height = scale * float(np.exp(rng.uniform(np.log(0.12), 0.0)) if count > 1 else 1.0)
         peaks.append(draw_peak(rng, at, sigma, height))
@@ -253,7 +270,7 @@ def _jitter(rng: np.random.Generator) -> float:
     kind = rng.random()
     if kind < 0.65:
         return float(rng.uniform(0.0, 0.08))
-    return float(rng.uniform(0.08, 0.25) if kind < 0.9 else rng.uniform(0.25, 0.6))
+    return float(rng.uniform(0.08, 0.25) if kind < 0.9 else rng.uniform(0.25, 0.7))
 
 
 def _count(rng: np.random.Generator, signal: np.ndarray, top: float) -> tuple[np.ndarray, float]:
@@ -268,7 +285,7 @@ def _count(rng: np.random.Generator, signal: np.ndarray, top: float) -> tuple[np
 def _spoil(rng: np.random.Generator, signal: np.ndarray, top: float, level: float) -> np.ndarray:
     """Spikes, dropouts, a threshold below which nothing is reported, a clipped detector."""
     n = len(signal)
-    if rng.random() < 0.25:
+    if rng.random() < 0.25 and n >= SHORT:
         places = rng.integers(0, n, rng.integers(1, 4))
         signal[places] += top * np.exp(rng.uniform(np.log(0.02), np.log(0.8), len(places)))
     if rng.random() < 0.15:

@@ -11,8 +11,15 @@ from zav_training.xic.simulate import Border, Simulated
 from zav_training.xic.traces import Trace
 from zav_training.xic.visible import Shape, deepest_valley, noise_level, shape_of, smooth
 
-#: Width of a bump: a share of the apexes' distance, within limits in points.
-BUMP, NARROWEST, WIDEST = 0.09, 1.0, 3.0
+#: Width of a bump: a share of the apexes' distance, within limits in points. A shoulder's place is
+#: less certain, and a bump narrower than that doubt would never be predicted at half its height.
+BUMP, SHOULDER_BUMP, NARROWEST, WIDEST = 0.1, 0.16, 1.0, 5.0
+#: Distance of a cluster's apexes in sigma: closer than the limits network meets them.
+APART = (1.9, 5.5)
+#: Share of simulated traces cut to one region, as the limits network would hand it over.
+CUT_SHARE = 0.4
+#: Share of the real traces that are touching neighbours.
+TOUCHING_SHARE = 0.35
 #: Shoulders count from the second resolution on and are no split below the first.
 RESOLUTION = (0.7, 0.95)
 #: Least fall of a valley, relative to the lower top.
@@ -42,10 +49,26 @@ def simulated_split(
     rng: np.random.Generator, length: int, background: np.ndarray | None = None
 ) -> Example:
     """A simulated trace of the given length, more often crowded than not."""
-    trace = simulate.simulate(rng, length, background, crowded=0.6)
+    trace = simulate.simulate(rng, length, background, crowded=0.65, apart=APART)
     targets, weights = split_targets(trace, length)
+    window = slice(0, length)
+    if trace.regions and rng.random() < CUT_SHARE:
+        window = _around(rng, trace, length)
     told = conventions(3.7, simulate.VALLEY_DEPTH[0])
-    return vary(rng, Example(trace.intensity, targets, weights, told), scale=True)
+    example = Example(trace.intensity[window], targets[:, window], weights[:, window], told)
+    return vary(rng, example, scale=True)
+
+
+def _around(rng: np.random.Generator, trace: Simulated, length: int) -> slice:
+    """The cluster of one region: its neighbours come along where they touch it."""
+    region = trace.regions[rng.integers(len(trace.regions))]
+    room = 0.5 * (region.end - region.start)
+    touching = [r for r in trace.regions if r.start < region.end + room]
+    touching = [r for r in touching if r.end > region.start - room]
+    low = min(r.start for r in touching) - rng.uniform(0.0, 3.0)
+    high = max(r.end for r in touching) + rng.uniform(0.0, 3.0)
+    first = int(np.clip(low, 0, max(length - 12, 0)))
+    return slice(first, max(int(high) + 1, first + 12))
 
 
 def split_targets(trace: Simulated, length: int) -> tuple[np.ndarray, np.ndarray]:
@@ -54,7 +77,8 @@ def split_targets(trace: Simulated, length: int) -> tuple[np.ndarray, np.ndarray
     weights = np.ones((1, length), np.float32)
     points = np.arange(length)
     for border in trace.borders:
-        sigma = float(np.clip(BUMP * border.distance, NARROWEST, WIDEST))
+        share = BUMP if border.fall >= LEAST_FALL else SHOULDER_BUMP
+        sigma = float(np.clip(share * border.distance, NARROWEST, WIDEST))
         verdict = grade(border, trace.noise)
         near = np.abs(points - border.place) <= 3.0 * sigma
         if verdict == 0.5:
@@ -99,8 +123,8 @@ class RealNeighbours:
         return len(self._touching) + len(self._whole)
 
     def draw(self, rng: np.random.Generator) -> Example:
-        """Neighbours in a quarter of the cases, else a peak that is to stay whole."""
-        if self._touching and (not self._whole or rng.random() < 0.25):
+        """Neighbours in a part of the cases, else a peak that is to stay whole."""
+        if self._touching and (not self._whole or rng.random() < TOUCHING_SHARE):
             trace, places = self._touching[rng.integers(len(self._touching))]
             return self._example(rng, trace, *_touching_targets(trace, places))
         trace, shape = self._whole[rng.integers(len(self._whole))]

@@ -42,6 +42,8 @@ class Trace:
     intensity: np.ndarray
     peaks: list[tuple[float, float]]
     candidates: list[tuple[float, float]] = field(default_factory=list)
+    #: One precursor in one run: traces of a group share their labels.
+    group: str = ""
 
     def indices(self, interval: tuple[float, float]) -> tuple[int, int]:
         """First and last point inside an interval of time; the nearest points when none is."""
@@ -72,6 +74,7 @@ def _trace(record: dict, source: str) -> Trace:
         intensity=np.maximum(np.array(record["intensity"], np.float64), 0.0),
         peaks=[(p[0] * unit, p[1] * unit) for p in record["peaks"]],
         candidates=[_candidate(c, unit) for c in record.get("candidates") or []],
+        group=record.get("group") or "",
     )
 
 
