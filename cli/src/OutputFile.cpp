@@ -33,8 +33,9 @@ Error OutputFile::open()
         m_file = std::make_unique<QFile>(m_path);
         isOpen = m_file->open(QIODevice::WriteOnly | QIODevice::Unbuffered);
     } else {
+        // Unbuffered: QSaveFile commits even when the last of its own buffer could not be written (Qt 6.4).
         m_file = std::make_unique<QSaveFile>(m_path);
-        isOpen = m_file->open(QIODevice::WriteOnly);
+        isOpen = m_file->open(QIODevice::WriteOnly | QIODevice::Unbuffered);
     }
     return isOpen ? Error() : failure("cannot write");
 }
@@ -62,7 +63,14 @@ QString OutputFile::name() const
 Error OutputFile::flush()
 {
     const QByteArray bytes = std::exchange(m_pending, {});
-    return m_file->write(bytes) == bytes.size() ? Error() : failure("cannot write");
+    // A disk that becomes full takes a part, without a reason; the attempt at the rest has it.
+    for (qsizetype done = 0; done < bytes.size();) {
+        const qint64 written = m_file->write(bytes.constData() + done, bytes.size() - done);
+        if (written <= 0)
+            return failure("cannot write");
+        done += written;
+    }
+    return {};
 }
 
 Error OutputFile::failure(const char *what) const

@@ -8,6 +8,11 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 
+#ifdef Q_OS_UNIX
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
 namespace zav {
 namespace {
 
@@ -79,6 +84,31 @@ TEST_F(OutputFileTest, FolderInPlaceOfAFileIsRefused)
     OutputFile output(m_folder.path());
     EXPECT_TRUE(output.open().hasError());
 }
+
+#ifdef Q_OS_UNIX
+TEST_F(OutputFileTest, FileThatCannotGrowIsSaidAndLeavesTheOlderOne)
+{
+    put(path("a.tsv"), "old");
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small{4096, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+
+    // Little enough to be written last of all.
+    OutputFile output(path("a.tsv"));
+    Error error = output.open();
+    if (!error.hasError())
+        error = output.write(QByteArray(9000, 'x'));
+    if (!error.hasError())
+        error = output.commit();
+
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(error.message().toStdString(), "cannot write " + path("a.tsv").toStdString() + ": File too large");
+    EXPECT_EQ(contents(path("a.tsv")), "old");
+}
+#endif
 
 TEST(OutputFile, DeviceIsWrittenAndNotReplaced)
 {
