@@ -19,6 +19,7 @@ using namespace benchmarkSetting;
 using namespace xicBenchmarkTraces;
 
 constexpr int POINTS = 200;
+constexpr int SIZES[] = {512, 1024, 2048, 4096}; // of the network's input
 constexpr int ROUNDS = 101;
 constexpr int CALLS_PER_ROUND = 5;
 constexpr int WALKED_TRACES = 200;
@@ -86,38 +87,37 @@ std::vector<float> fedBy(const QList<QPointF> &points, const Eigen::VectorXd &ke
     return {values.cbegin(), values.cend()};
 }
 
-void report(const char *what, int size, const CallComparison &cost)
+void report(const char *what, qsizetype pointCount, int size, const CallComparison &cost)
 {
-    std::printf("%-8s %6d %10.1f %10.1f %8.3f %12.1f %10.1f %8.3f\n", what, size, cost.part.wall, cost.whole.wall,
-                cost.ratio.wall, cost.part.computed, cost.whole.computed, cost.ratio.computed);
+    std::printf("%-8s %6lld %6d %10.1f %10.1f %8.3f %12.1f %10.1f %8.3f\n", what, static_cast<long long>(pointCount),
+                size, cost.part.wall, cost.whole.wall, cost.ratio.wall, cost.part.computed, cost.whole.computed,
+                cost.ratio.computed);
 }
 
-void measureLimits(const QString &folder, int size)
+void measureLimits(const QString &folder, const QList<QPointF> &points, int size)
 {
     XicBaselineLimitsDetector detector;
     load(&detector, folder, size);
     auto &inside = XicBaselineLimitsDetectorInspector::of(detector);
-    const QList<QPointF> points = twoPeaks(POINTS);
     BareRun bareRun(inside.model,
                     fedBy(points, inside.smoothingKernel, {size, -1.0, inside.options.smoothingPassCount}));
     require(bareRun(), "The bare run failed");
     refuseWrongLimits(detector.integrateXIC(points, NO_HINT, 0).value(), bareRun.probabilities);
-    report("limits", size, compareCalls(ROUNDS, CALLS_PER_ROUND, std::ref(bareRun), [&] {
+    report("limits", points.size(), size, compareCalls(ROUNDS, CALLS_PER_ROUND, std::ref(bareRun), [&] {
                return !detector.integrateXIC(points, NO_HINT, 0).hasError();
            }));
 }
 
-void measureSplits(const QString &folder, int size)
+void measureSplits(const QString &folder, const QList<QPointF> &points, int size)
 {
     XicPeakSplitter splitter;
     load(&splitter, folder, size);
     auto &inside = XicPeakSplitterInspector::of(splitter);
-    const QList<QPointF> points = twoPeaks(POINTS);
     BareRun bareRun(inside.model,
                     fedBy(points, inside.smoothingKernel, {size, 0.0, inside.options.smoothingPassCount}));
     require(bareRun(), "The bare run failed");
     refuseWrongSplits(splitter.splitXIC(points).value(), bareRun.probabilities);
-    report("splits", size, compareCalls(ROUNDS, CALLS_PER_ROUND, std::ref(bareRun), [&] {
+    report("splits", points.size(), size, compareCalls(ROUNDS, CALLS_PER_ROUND, std::ref(bareRun), [&] {
                return !splitter.splitXIC(points).hasError();
            }));
 }
@@ -161,17 +161,22 @@ void measureWalk(const QString &folder, int pointCount, int size)
 
 int run(const QString &folder)
 {
-    printSetting(QStringLiteral("One chromatogram of %1 points beside a bare run of the session, us a call; medians of "
-                                "%2 rounds of %3 calls, in turn")
+    printSetting(QStringLiteral("One chromatogram of %1 points, and one that fills the network's input, beside a bare "
+                                "run of the session, us a call; medians of %2 rounds of %3 calls, in turn")
                      .arg(POINTS)
                      .arg(ROUNDS)
                      .arg(CALLS_PER_ROUND));
-    std::printf("                -------- wall clock ---------   -------- processor time ------\n"
-                "           size   bare run       call    ratio     bare run       call    ratio\n");
-    for (const int size : {512, 1024, 2048, 4096})
-        measureLimits(folder, size);
-    for (const int size : {512, 1024, 2048, 4096})
-        measureSplits(folder, size);
+    std::printf("                       -------- wall clock ---------   -------- processor time ------\n"
+                "         points   size   bare run       call    ratio     bare run       call    ratio\n");
+    const auto fill = [](int size) { return twoPeaks(POINTS, size); };
+    for (const int size : SIZES)
+        measureLimits(folder, fill(POINTS), size);
+    for (const int size : SIZES)
+        measureLimits(folder, fill(size), size);
+    for (const int size : SIZES)
+        measureSplits(folder, fill(POINTS), size);
+    for (const int size : SIZES)
+        measureSplits(folder, fill(size), size);
     measureWalk(folder, POINTS, 512);
     measureWalk(folder, 1000, 1024);
     return 0;

@@ -32,12 +32,12 @@ double uniform(Random *random, double from, double to)
 
 } // namespace
 
-QList<QPointF> twoPeaks(int pointCount)
+QList<QPointF> twoPeaks(int pointCount, int fullCount)
 {
     std::mt19937 random(1);
     const double width = 0.03 * pointCount;
     QList<QPointF> points;
-    for (int i = 0; i < pointCount; ++i) {
+    for (int i = 0; i < fullCount; ++i) {
         const double peaks =
             10000 * gaussian(i - FIRST_APEX * pointCount, width) + 7000 * gaussian(i - SECOND_APEX * pointCount, width);
         points.append({i * SECONDS_PER_POINT, peaks + uniform(&random, 0, TYPICAL_NOISE)});

@@ -29,8 +29,8 @@ constexpr double FIRST_APEX = 0.42;
 constexpr double VALLEY = 0.5;
 constexpr double SECOND_APEX = 0.58;
 
-/// Two peaks of 10,000 and 7,000 counts that touch, on a little noise.
-QList<QPointF> twoPeaks(int pointCount);
+/// Two peaks of 10,000 and 7,000 counts that touch, on a little noise; then noise alone up to `fullCount` points.
+QList<QPointF> twoPeaks(int pointCount, int fullCount);
 
 /// As a triple quadrupole counts: zeros and a few ions between a handful of tailing peaks of any height.
 QList<QPointF> countedTrace(int pointCount, unsigned seed);
