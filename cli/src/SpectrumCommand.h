@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "SpectrumOptions.h"
 #include "Messages.h"
 #include "ObservedSpectrum.h"
 #include "PeptideList.h"
 #include "SpectrumComparison.h"
+#include "SpectrumOptions.h"
 #include "SpectrumOutput.h"
 #include "SpectrumPredictor.h"
 
