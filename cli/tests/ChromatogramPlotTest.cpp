@@ -7,9 +7,11 @@
 #include <QtGui/QImage>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <limits>
-#include <optional>
+#include <thread>
+#include <vector>
 
 namespace zav {
 namespace {
@@ -325,6 +327,29 @@ TEST_F(ChromatogramPlot, OtherEndingsAndPlacesThatCannotBeWrittenAreErrors)
         EXPECT_TRUE(error.message().startsWith(files.path(name) + ": cannot be written: "))
             << error.message().toStdString();
     }
+}
+
+TEST_F(ChromatogramPlot, ThreadsDrawSideBySide)
+{
+    draw(twoPeaks());
+    ASSERT_FALSE(drawChromatogram(twoPeaks(), files.path("a.png")).hasError());
+    std::atomic<int> same = 0;
+    const auto drawSome = [&](int thread) {
+        for (int i = 0; i < 5; ++i) {
+            for (const char *format : {"svg", "png"}) {
+                const QString name = QStringLiteral("%1_%2.%3").arg(thread).arg(i).arg(QLatin1String(format));
+                const Error error = drawChromatogram(twoPeaks(), files.path(name));
+                const QString first = QStringLiteral("a.") + QLatin1String(format);
+                same += !error.hasError() && files.read(name) == files.read(first) ? 1 : 0;
+            }
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back(drawSome, thread);
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(same, 4 * 5 * 2);
 }
 
 TEST_F(ChromatogramPlot, SamePictureIsTheSameFile)

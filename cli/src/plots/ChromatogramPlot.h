@@ -47,8 +47,9 @@ bool canDrawChromatograms();
 /// the first 500 are drawn, and the picture says so. A long trace costs a file no more than a short one: of the points
 /// that share a pixel, only those that are seen are written.
 ///
-/// Needs a QGuiApplication (`createApplication`). `InvalidInput` for another ending; `Failure` when the file cannot be
-/// written, when the machine has no font, and in a build that cannot draw.
+/// Threads may draw side by side, into different files. Needs a QGuiApplication (`createApplication`). `InvalidInput`
+/// for another ending; `Failure` when the file cannot be written, when the machine has no font, and in a build that
+/// cannot draw.
 Error drawChromatogram(const ChromatogramPlotData &data, const QString &path);
 
 } // namespace zav

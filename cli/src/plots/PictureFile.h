@@ -27,8 +27,9 @@ bool canWritePictures();
 /// Paints into a file whose ending says what it is: .svg, .png (two pixels for each page unit) or .pdf (one page). The
 /// file appears under its name only when it is complete; an older one stays on failure.
 ///
-/// Needs a QGuiApplication (`createApplication`). `InvalidInput` for another ending; `Failure` when the file cannot be
-/// written, when the machine has no font, and in a build that cannot draw.
+/// Threads may draw side by side, into different files. Needs a QGuiApplication (`createApplication`). `InvalidInput`
+/// for another ending; `Failure` when the file cannot be written, when the machine has no font, and in a build that
+/// cannot draw.
 Error writePicture(const Picture &picture, const QString &path);
 
 } // namespace zav
