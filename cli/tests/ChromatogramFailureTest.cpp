@@ -7,6 +7,9 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QProcess>
+
+#include <csignal>
 
 namespace zav {
 namespace {
@@ -152,6 +155,24 @@ TEST_P(ChromatogramFailure, FullDiskIsSaid)
     const ProgramRun outcome = run({"-", "-o", "/dev/full"}, tsvFile(TRACE));
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_NE(outcome.standardError.find("zav: cannot write /dev/full: No space left on device\n"), std::string::npos);
+}
+
+TEST_P(ChromatogramFailure, InterruptLeavesNoOutput)
+{
+    const QByteArray flat = jsonLine(QList<QPointF>(10, {1, 0}), "flat");
+    m_files.write("traces.jsonl", flat.repeated(5000));
+    QProcess process;
+    process.setWorkingDirectory(m_files.path(QString()));
+    process.start(ZAV_PROGRAM, {GetParam(), "traces.jsonl", "-o", "out.tsv"});
+    // The first of the traces is done: thousands are left.
+    process.setReadChannel(QProcess::StandardError);
+    ASSERT_TRUE(process.waitForReadyRead(60000));
+    ASSERT_EQ(kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 130);
+    EXPECT_TRUE(process.readAllStandardError().endsWith("zav: interrupted\n"));
+    EXPECT_EQ(QDir(m_files.path(QString())).entryList(QDir::Files | QDir::Hidden), QStringList({"traces.jsonl"}));
 }
 
 TEST_P(ChromatogramFailure, ReaderThatGoesAwayEndsTheRunQuietly)

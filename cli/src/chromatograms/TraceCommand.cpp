@@ -41,11 +41,18 @@ bool writesToStandardOutput(const QString &outputPath)
     return outputPath.isEmpty() || outputPath == QLatin1String("-");
 }
 
-ChromatogramPlotData plotData(const TraceReport &report, const Chromatogram &chromatogram)
+/// The file's name, and how wide the trace was extracted where that is the same for all.
+QString sourceText(const QString &file, const std::optional<ExtractionTarget> &target)
+{
+    const QString name = QFileInfo(inputName(file)).fileName();
+    return target ? QStringLiteral("%1, %2 %3 ppm").arg(name, QChar(0xb1), QString::number(target->ppm)) : name;
+}
+
+ChromatogramPlotData plotData(const TraceReport &report, const Chromatogram &chromatogram, const QString &source)
 {
     ChromatogramPlotData data;
     data.id = report.id;
-    data.source = QFileInfo(inputName(report.file)).fileName();
+    data.source = source;
     data.points = chromatogram.points;
     data.timeUnit = report.timeUnit;
     data.intensityUnit = report.intensityUnit;
@@ -82,6 +89,8 @@ int TraceCommand::run()
     const Error error = runSteps();
     if (error.hasError())
         m_messages.failure(error);
+    if (isInterrupted())
+        return m_interruption->exitCode();
     return error.hasError() || m_tally.failures() > 0 ? SomeFailed : AllDone;
 }
 
@@ -138,7 +147,10 @@ Error TraceCommand::analyseAll()
     Progress progress(m_stream->count(), QStringLiteral("traces"),
                       terminal::standardErrorIsTerminal() && !mixesWithOutput);
     m_messages.setProgress(&progress);
-    OrderedPipeline<TraceInput, TraceReport> pipeline({m_options.threads});
+    // Nothing wakes a thread that waits for standard input: there an interrupt ends the process as it stands.
+    if (!m_options.inputs.contains(QStringLiteral("-")))
+        m_interruption.emplace();
+    OrderedPipeline<TraceInput, TraceReport> pipeline({m_options.threads}, [this] { return isInterrupted(); });
     Error error = pipeline.run([this] { return read(); },
                                [this](int thread, TraceInput input) {
                                    return analyse(m_analyses[static_cast<size_t>(thread)].get(), std::move(input));
@@ -194,7 +206,9 @@ TraceReport TraceCommand::analyse(TraceAnalysis *analysis, TraceInput input) con
 
 Error TraceCommand::drawReport(const TraceReport &report, const Chromatogram &chromatogram) const
 {
-    return m_pictures.areDrawn() ? m_pictures.draw(report.number, plotData(report, chromatogram)) : Error();
+    if (!m_pictures.areDrawn())
+        return {};
+    return m_pictures.draw(report.number, plotData(report, chromatogram, sourceText(report.file, m_options.target)));
 }
 
 /// The error is one of writing.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "Interruption.h"
 #include "Messages.h"
 #include "ModelFolder.h"
 #include "TraceAnalysis.h"
@@ -12,6 +13,7 @@
 #include "TraceTally.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace zav {
@@ -30,7 +32,8 @@ public:
     TraceCommand(const TraceCommand &) = delete;
     TraceCommand &operator=(const TraceCommand &) = delete;
 
-    /// Runs the command to its end. Needs the application object. The result is an `ExitCode`.
+    /// Runs the command to its end. Needs the application object. The result is an `ExitCode`, or what a shell expects
+    /// of a program that was interrupted.
     int run();
 
 private:
@@ -48,6 +51,7 @@ private:
     Error finishOutput();
     Result<std::optional<TraceInput>> read();
     TraceReport analyse(TraceAnalysis *analysis, TraceInput input) const;
+    bool isInterrupted() const { return m_interruption && m_interruption->isRequested(); }
     Error drawReport(const TraceReport &report, const Chromatogram &chromatogram) const;
     Error accept(const TraceReport &report, Progress *progress);
     Error write(const TraceReport &report);
@@ -59,6 +63,7 @@ private:
     Messages m_messages;
     TracePictures m_pictures;
     TraceTally m_tally;
+    std::optional<Interruption> m_interruption; ///< while traces are worked on, unless a person may be typing them
     std::unique_ptr<TraceStream> m_stream;
     std::unique_ptr<TraceOutput> m_output;
     std::vector<std::unique_ptr<TraceAnalysis>> m_analyses; ///< one a thread
