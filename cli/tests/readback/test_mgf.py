@@ -1,10 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 """MGF, read by pyteomics and OpenMS."""
 
-import expected
 import pyopenms
 import pyteomics.mgf
 import pytest
+
+import expected
 
 
 def title(entry):
@@ -13,7 +14,7 @@ def title(entry):
 
 def check_peaks(entry, masses, intensities):
     assert len(masses) == len(intensities) == len(entry["peaks"])
-    for peak, mz, intensity in zip(entry["peaks"], masses, intensities):
+    for peak, mz, intensity in zip(entry["peaks"], masses, intensities, strict=True):
         assert mz == pytest.approx(peak["mz"], abs=expected.MZ)
         assert intensity == pytest.approx(10000 * peak["intensity"], abs=expected.INTENSITY_OF_10000)
 
@@ -22,7 +23,7 @@ def test_pyteomics_reads_every_value(library, entries):
     with pyteomics.mgf.read(library("mgf"), use_index=False) as reader:
         spectra = list(reader)
     assert len(spectra) == len(entries)
-    for entry, spectrum in zip(entries, spectra):
+    for entry, spectrum in zip(entries, spectra, strict=True):
         assert set(spectrum["params"]) == {"title", "pepmass", "charge"}
         assert spectrum["params"]["title"] == title(entry)
         assert spectrum["params"]["charge"] == [entry["charge"]]
@@ -34,7 +35,7 @@ def test_openms_reads_every_value(library, entries):
     spectra = pyopenms.MSExperiment()
     pyopenms.MascotGenericFile().load(library("mgf"), spectra)
     assert spectra.size() == len(entries)
-    for i, (entry, spectrum) in enumerate(zip(entries, spectra)):
+    for i, (entry, spectrum) in enumerate(zip(entries, spectra, strict=True)):
         assert spectrum.getMetaValue("TITLE") == f"{title(entry)}_index={i}"
         (precursor,) = spectrum.getPrecursors()
         assert precursor.getMZ() == pytest.approx(entry["precursor_mz"], abs=expected.MZ)

@@ -1,10 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 """MSP, read by OpenMS and matchms."""
 
-import expected
 import matchms.importing
 import pyopenms
 import pytest
+
+import expected
 
 
 def openms_library(path):
@@ -38,7 +39,7 @@ def test_openms_reads_every_value(library, entries):
         return
     identifications, spectra = openms_library(library("msp"))
     assert len(spectra) == len(identifications) == len(entries)
-    for entry, identification, spectrum in zip(entries, identifications, spectra):
+    for entry, identification, spectrum in zip(entries, identifications, spectra, strict=True):
         (hit,) = identification.getHits()
         assert hit.getSequence().toString() == openms_sequence(entry)
         assert hit.getCharge() == entry["charge"]
@@ -46,7 +47,7 @@ def test_openms_reads_every_value(library, entries):
         # OpenMS computes it from MW, whose digits count once for each charge.
         assert precursor.getMZ() == pytest.approx(entry["precursor_mz"], abs=2 * expected.MZ)
         assert spectrum.size() == len(entry["peaks"])
-        for peak, read in zip(entry["peaks"], spectrum):
+        for peak, read in zip(entry["peaks"], spectrum, strict=True):
             # OpenMS reads an MSP file's m/z as 32-bit numbers.
             assert read.getMZ() == pytest.approx(peak["mz"], abs=expected.MZ + expected.FLOAT32 * peak["mz"])
             assert read.getIntensity() == pytest.approx(10000 * peak["intensity"], abs=expected.INTENSITY_OF_10000)
@@ -75,14 +76,14 @@ def expected_comment(entry):
 def test_matchms_reads_every_value(library, entries):
     spectra = list(matchms.importing.load_from_msp(library("msp")))
     assert len(spectra) == len(entries)
-    for entry, spectrum in zip(entries, spectra):
+    for entry, spectrum in zip(entries, spectra, strict=True):
         assert spectrum.get("compound_name") == f"{entry['peptide']}/{entry['charge']}"
         assert int(spectrum.get("charge")) == entry["charge"]
         assert float(spectrum.get("precursor_mz")) == pytest.approx(entry["precursor_mz"], abs=expected.MZ)
         assert comment_fields(spectrum.get("comment")) == expected_comment(entry)
         assert int(spectrum.get("num_peaks")) == len(entry["peaks"]) == len(spectrum.peaks)
         comments = {round(mz, 5): comment for mz, comment in spectrum.get("peak_comments").items()}
-        for peak, mz, intensity in zip(entry["peaks"], spectrum.peaks.mz, spectrum.peaks.intensities):
+        for peak, mz, intensity in zip(entry["peaks"], spectrum.peaks.mz, spectrum.peaks.intensities, strict=True):
             assert mz == pytest.approx(peak["mz"], abs=expected.MZ)
             assert intensity == pytest.approx(10000 * peak["intensity"], abs=expected.INTENSITY_OF_10000)
             assert comments[round(mz, 5)] == expected.ion_with_error(peak)

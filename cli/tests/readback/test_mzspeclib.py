@@ -3,13 +3,14 @@
 
 import warnings
 
-import expected
 import mzspeclib
 import mzspeclib.utils
 import mzspeclib.validate.validator as validator
 import pyteomics.proforma
 import pytest
 from mzspeclib.validate.level import RequirementLevel
+
+import expected
 
 PROTEIN_TERMS = {
     "proteins": "MS:1000885|protein accession",
@@ -54,9 +55,11 @@ def test_library_says_what_it_is(read, set_name, entries):
 
 
 def test_every_spectrum_and_analyte(read, entries):
-    for number, (entry, spectrum) in enumerate(zip(entries, read.read()), start=1):
+    for number, (entry, spectrum) in enumerate(zip(entries, read.read(), strict=True), start=1):
         name = f"{'DECOY_' if entry['decoy'] else ''}{entry['peptide']}/{entry['charge']}"
-        origin = "MS:1003195|unnatural peptidoform decoy spectrum" if entry["decoy"] else "MS:1003074|predicted spectrum"
+        origin = (
+            "MS:1003195|unnatural peptidoform decoy spectrum" if entry["decoy"] else "MS:1003074|predicted spectrum"
+        )
         assert (spectrum.key, spectrum.name) == (number, name)
         assert spectrum.precursor_mz == pytest.approx(entry["precursor_mz"], abs=expected.MZ)
         assert spectrum.precursor_charge == entry["charge"]
@@ -75,9 +78,9 @@ def test_every_spectrum_and_analyte(read, entries):
 
 
 def test_every_peak(read, entries):
-    for entry, spectrum in zip(entries, read.read()):
+    for entry, spectrum in zip(entries, read.read(), strict=True):
         assert len(spectrum.peak_list) == len(entry["peaks"])
-        for peak, (mz, intensity, annotations, _) in zip(entry["peaks"], spectrum.peak_list):
+        for peak, (mz, intensity, annotations, _) in zip(entry["peaks"], spectrum.peak_list, strict=True):
             assert mz == pytest.approx(peak["mz"], abs=expected.MZ)
             assert intensity == pytest.approx(peak["intensity"], abs=expected.INTENSITY_OF_1)
             (annotation,) = annotations

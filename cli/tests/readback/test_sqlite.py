@@ -6,9 +6,10 @@ import struct
 import warnings
 import zlib
 
-import expected
 import mzspeclib
 import pytest
+
+import expected
 
 
 @pytest.fixture
@@ -37,7 +38,7 @@ def columns(connection, table):
 def check_peaks(entry, masses, intensities):
     assert list(masses) == [peak["mz"] for peak in entry["peaks"]]
     assert len(intensities) == len(entry["peaks"])
-    for peak, intensity in zip(entry["peaks"], intensities):
+    for peak, intensity in zip(entry["peaks"], intensities, strict=True):
         assert intensity == pytest.approx(10000 * peak["intensity"], rel=expected.FLOAT32)
 
 
@@ -80,7 +81,7 @@ def test_dlib_has_the_tables_of_encyclopedia(database):
 def test_dlib_holds_every_value(database, entries):
     rows = database("dlib").execute("SELECT * FROM entries ORDER BY rowid").fetchall()
     assert len(rows) == len(entries)
-    for entry, row in zip(entries, rows):
+    for entry, row in zip(entries, rows, strict=True):
         assert row["PrecursorMz"] == entry["precursor_mz"]
         assert row["PrecursorCharge"] == entry["charge"]
         assert row["PeptideSeq"] == entry["peptide"]
@@ -134,9 +135,11 @@ def blib_array(blob, count, letter):
 
 def test_blib_holds_every_value(database, entries):
     connection = database("blib")
-    rows = connection.execute("SELECT * FROM RefSpectra JOIN RefSpectraPeaks ON RefSpectraID = id ORDER BY id").fetchall()
+    rows = connection.execute(
+        "SELECT * FROM RefSpectra JOIN RefSpectraPeaks ON RefSpectraID = id ORDER BY id"
+    ).fetchall()
     assert len(rows) == len(entries)
-    for number, (entry, row) in enumerate(zip(entries, rows), start=1):
+    for number, (entry, row) in enumerate(zip(entries, rows, strict=True), start=1):
         assert row["id"] == number
         assert row["peptideSeq"] == entry["peptide"]
         assert row["peptideModSeq"] == modified_peptide(entry, 5)
@@ -174,7 +177,7 @@ def test_mzspeclib_reads_every_value(library, entries, ending):
         warnings.simplefilter("ignore")
         spectra = list(mzspeclib.SpectrumLibrary(filename=library(ending)).read())
     assert len(spectra) == len(entries)
-    for entry, spectrum in zip(entries, spectra):
+    for entry, spectrum in zip(entries, spectra, strict=True):
         (analyte,) = spectrum.analytes.values()
         assert spectrum.precursor_mz == entry["precursor_mz"]
         assert spectrum.precursor_charge == entry["charge"]

@@ -3,9 +3,10 @@
 
 import csv
 
-import expected
 import pyopenms
 import pytest
+
+import expected
 
 OPENMS_TYPES = {"b": pyopenms.Residue.ResidueType.BIon, "y": pyopenms.Residue.ResidueType.YIon}
 
@@ -77,10 +78,10 @@ def test_openms_reads_every_protein_once(experiment, entries):
 
 
 def test_columns_of_dia_nn_hold_the_values(rows, entries):
-    """DIA-NN itself is not free to be run here; its README says which columns it reads."""
+    """DIA-NN itself is not run; its README says which columns it reads."""
     wanted = [(entry, peak) for entry in entries for peak in written_peaks(entry)]
     assert len(rows) == len(wanted)
-    for row, (entry, peak) in zip(rows, wanted):
+    for row, (entry, peak) in zip(rows, wanted, strict=True):
         assert row["ModifiedPeptideSequence"] == modified_sequence(entry)
         assert row["PeptideSequence"] == entry["peptide"]
         assert int(row["PrecursorCharge"]) == entry["charge"]
