@@ -75,6 +75,14 @@ QList<QPointF> extremesOfColumns(const QList<QPointF> &line, double columnWidth)
     return seen;
 }
 
+QList<LineColumn> emptyColumns(qsizetype count, double origin, double columnWidth)
+{
+    QList<LineColumn> columns;
+    for (qsizetype i = 0; i < count; ++i)
+        columns.append({origin + (static_cast<double>(i) + 0.5) * columnWidth, LARGEST, -LARGEST});
+    return columns;
+}
+
 } // namespace
 
 ChromatogramTrace::ChromatogramTrace(const QList<QPointF> &points)
@@ -183,23 +191,16 @@ QList<LineColumn> columnsOf(const QList<QPointF> &line, double columnWidth)
     const Interval<double> xs = rangeOf({line}, [](const QPointF &point) { return point.x(); });
     const double origin = std::floor(xs.start / columnWidth) * columnWidth;
     const auto columnAt = [&](double x) { return static_cast<qsizetype>((x - origin) / columnWidth); };
-    QList<LineColumn> columns(columnAt(xs.end) + 1);
-    for (qsizetype i = 0; i < columns.size(); ++i)
-        columns[i] = {origin + (static_cast<double>(i) + 0.5) * columnWidth, LARGEST, -LARGEST};
+    QList<LineColumn> columns = emptyColumns(columnAt(xs.end) + 1, origin, columnWidth);
     LineColumn *const all = columns.data();
-    const auto include = [all](qsizetype column, double y) {
-        all[column].low = std::min(all[column].low, y);
-        all[column].high = std::max(all[column].high, y);
-    };
     forEachPiece(line, [&](const QPointF &a, const QPointF &b) {
-        const qsizetype first = columnAt(std::min(a.x(), b.x()));
-        const qsizetype last = columnAt(std::max(a.x(), b.x()));
-        include(columnAt(a.x()), a.y());
-        include(columnAt(b.x()), b.y());
+        const auto [first, last] = std::minmax({columnAt(a.x()), columnAt(b.x())});
+        all[columnAt(a.x())].include(a.y());
+        all[columnAt(b.x())].include(b.y());
         for (qsizetype i = first; i < last; ++i) { // where the piece leaves one column for the next
             const double y = pointAt(a, b, all[i].x + columnWidth / 2).y();
-            include(i, y);
-            include(i + 1, y);
+            all[i].include(y);
+            all[i + 1].include(y);
         }
     });
     return columns;

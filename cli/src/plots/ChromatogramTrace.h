@@ -6,6 +6,7 @@
 #include <QtCore/QList>
 #include <QtCore/QPointF>
 
+#include <algorithm>
 #include <optional>
 
 namespace zav {
@@ -58,6 +59,12 @@ struct LineColumn
     double x = 0; ///< the column's middle
     double low = 0;
     double high = 0;
+
+    void include(double y)
+    {
+        low = std::min(low, y);
+        high = std::max(high, y);
+    }
 };
 
 /// From left to right, all columns from the line's first x to its last.
