@@ -100,6 +100,14 @@ TEST(MspLibraryFormat, CommentHasModificationsProteinsAndGenes)
                                                      "\n");
 }
 
+TEST(MspLibraryFormat, NamesWithBlanksAreQuoted)
+{
+    LibraryEntry entry = decoy();
+    entry.proteins = QStringList{QStringLiteral("my protein"), QStringLiteral("P1")};
+    const std::string written = text(LibraryFileKind::Msp, entry);
+    EXPECT_NE(written.find(" Protein=\"my protein;P1\" Remark=DECOY\n"), std::string::npos);
+}
+
 TEST(MspLibraryFormat, DecoyIsRemarked)
 {
     const std::string written = text(LibraryFileKind::Msp, decoy());

@@ -26,14 +26,22 @@ void addModifications(TextBuffer *text, const LibraryEntry &entry)
     }
 }
 
+// The comment's fields end at a blank, unless they are quoted.
+void addNames(TextBuffer *text, QByteArrayView key, const QStringList &names)
+{
+    const QByteArray joined = joinedNames(names);
+    if (joined.contains(' '))
+        text->add(key).add('"').add(joined).add('"');
+    else if (!joined.isEmpty())
+        text->add(key).add(joined);
+}
+
 void addComment(TextBuffer *text, const LibraryEntry &entry)
 {
     text->add("\nComment: Parent=").addFixed(entry.precursorMz, 5);
     addModifications(text, entry);
-    if (const QByteArray proteins = joinedNames(entry.proteins); !proteins.isEmpty())
-        text->add(" Protein=").add(proteins);
-    if (const QByteArray genes = joinedNames(entry.genes); !genes.isEmpty())
-        text->add(" Gene=").add(genes);
+    addNames(text, " Protein=", entry.proteins);
+    addNames(text, " Gene=", entry.genes);
     if (entry.isDecoy)
         text->add(" Remark=DECOY");
 }
