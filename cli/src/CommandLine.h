@@ -3,6 +3,7 @@
 
 #include "ExitCode.h"
 #include "InspectOptions.h"
+#include "LibraryOptions.h"
 #include "LimitsOptions.h"
 #include "SpectrumOptions.h"
 #include "SplitOptions.h"
@@ -22,7 +23,8 @@ struct EarlyExit
 };
 
 /// What the arguments ask for. The options of a command say whether it is `verbose` and whether it draws pictures.
-using CommandLine = std::variant<EarlyExit, SpectrumOptions, LimitsOptions, SplitOptions, InspectOptions>;
+using CommandLine = std::variant<EarlyExit, SpectrumOptions, LimitsOptions, SplitOptions, InspectOptions,
+                                 LibraryOptions, LibraryMergeOptions>;
 
 /// Reads the program's arguments (UTF-8). Needs no application object.
 CommandLine parseCommandLine(int argc, const char *const *argv);

@@ -4,6 +4,8 @@
 #include "Application.h"
 #include "CommandLine.h"
 #include "InspectCommand.h"
+#include "LibraryCommand.h"
+#include "LibraryMergeCommand.h"
 #include "LimitsCommand.h"
 #include "SpectrumCommand.h"
 #include "SplitCommand.h"
@@ -49,6 +51,16 @@ int run(const SplitOptions &options)
 int run(const InspectOptions &options)
 {
     return InspectCommand(options).run();
+}
+
+int run(const LibraryOptions &options)
+{
+    return LibraryCommand(options).run();
+}
+
+int run(const LibraryMergeOptions &options)
+{
+    return LibraryMergeCommand(options).run();
 }
 
 /// Runs a command in the surroundings that it asks for.

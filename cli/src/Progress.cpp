@@ -11,6 +11,15 @@ constexpr int BAR_WIDTH = 30;
 constexpr qint64 REDRAW_INTERVAL_MS = 100;
 constexpr char ERASE_LINE[] = "\r\033[K";
 
+/// In whole pieces from ten a second on.
+QString rate(qint64 done, qint64 elapsedMs)
+{
+    if (done <= 0 || elapsedMs <= 0)
+        return {};
+    const double perSecond = 1000.0 * double(done) / double(elapsedMs);
+    return QStringLiteral(", %1 / s").arg(perSecond, 0, 'f', perSecond < 10 ? 1 : 0);
+}
+
 QString timeLeft(qint64 done, qint64 total, qint64 elapsedMs)
 {
     if (done <= 0)
@@ -59,9 +68,9 @@ QString Progress::barText(qint64 done, qint64 total, const QString &unit, qint64
     if (total < 0)
         return QStringLiteral("%1 %2, %3 s").arg(done).arg(unit).arg(elapsedMs / 1000);
     const int filled = total > 0 ? int(BAR_WIDTH * done / total) : BAR_WIDTH;
-    return QStringLiteral("[%1%2] %3 of %4 %5%6")
+    return QStringLiteral("[%1%2] %3 of %4 %5%6%7")
         .arg(QString(filled, QLatin1Char('#')), QString(BAR_WIDTH - filled, QLatin1Char('.')), QString::number(done),
-             QString::number(total), unit, timeLeft(done, total, elapsedMs));
+             QString::number(total), unit, rate(done, elapsedMs), timeLeft(done, total, elapsedMs));
 }
 
 } // namespace zav

@@ -25,8 +25,8 @@ public:
     /// Takes the bar off the terminal, so that a line can be written; the next update draws it again.
     void clear();
 
-    /// The bar's text: `[######........] 1200 of 3000 peptides, 4 s left`, and without a total `1200 peptides, 3 s`.
-    /// `elapsedMs` since the start.
+    /// The bar's text: `[######........] 1200 of 3000 peptides, 450 / s, 4 s left`, and without a total `1200 peptides,
+    /// 3 s`. `elapsedMs` since the start.
     static QString barText(qint64 done, qint64 total, const QString &unit, qint64 elapsedMs);
 
 private:

@@ -18,17 +18,6 @@ namespace zav {
 namespace {
 
 constexpr char SOURCE_FILE[] = "cli/src/SpectrumPredictor";
-constexpr int MAXIMUM_CHARGE = 5;
-
-/// A path for each of the five charges. The predictor stops at the first path that fails, so a charge that is not
-/// wanted gets a path of one that is: it is loaded there and never asked.
-QStringList pathsFor(const ModelFolder &folder, const QList<int> &charges)
-{
-    QStringList paths;
-    for (int charge = 1; charge <= MAXIMUM_CHARGE; ++charge)
-        paths.append(folder.fragmentationNetwork(charges.contains(charge) ? charge : charges.first()));
-    return paths;
-}
 
 /// Names the file, which the library's own message need not do.
 Error loadingError(const Error &error, const QString &path)
@@ -78,7 +67,7 @@ Error SpectrumPredictor::init(const ModelFolder &folder, const QList<int> &charg
     const QuietStandardError quiet(!m_content.verbose);
     m_predictor = std::make_unique<MsMsFragmentationPredictomatic>();
     m_predictor->setCysteineFixedMass(m_content.cysteineMass);
-    const QStringList paths = pathsFor(folder, charges);
+    const QStringList paths = folder.fragmentationNetworks(charges);
     return m_predictor->init(paths[0], paths[1], paths[2], paths[3], paths[4]);
 }
 

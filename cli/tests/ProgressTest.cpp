@@ -13,7 +13,7 @@ std::string bar(qint64 done, qint64 total, qint64 elapsedMs)
 
 TEST(Progress, BarFillsInProportionAndTheTimeLeftIsExtrapolated)
 {
-    EXPECT_EQ(bar(500, 2000, 3000), "[#######.......................] 500 of 2000 peptides, 9 s left");
+    EXPECT_EQ(bar(500, 2000, 3000), "[#######.......................] 500 of 2000 peptides, 167 / s, 9 s left");
 }
 
 TEST(Progress, NothingDoneSaysNoTime)
@@ -23,12 +23,12 @@ TEST(Progress, NothingDoneSaysNoTime)
 
 TEST(Progress, LongTimesAreInMinutesRoundedUp)
 {
-    EXPECT_EQ(bar(1, 101, 1000), "[..............................] 1 of 101 peptides, 2 min left");
+    EXPECT_EQ(bar(1, 101, 1000), "[..............................] 1 of 101 peptides, 1.0 / s, 2 min left");
 }
 
 TEST(Progress, AFullBarHasNoDots)
 {
-    EXPECT_EQ(bar(7, 7, 1000), "[##############################] 7 of 7 peptides, 0 s left");
+    EXPECT_EQ(bar(7, 7, 1000), "[##############################] 7 of 7 peptides, 7.0 / s, 0 s left");
 }
 
 TEST(Progress, UnknownTotalHasNoBar)

@@ -2,6 +2,7 @@
 #include "CommandArguments.h"
 
 #include "InspectArguments.h"
+#include "LibraryArguments.h"
 #include "LimitsArguments.h"
 #include "SpectrumArguments.h"
 #include "SplitArguments.h"
@@ -14,6 +15,7 @@ std::vector<std::unique_ptr<CommandArguments>> allCommandArguments()
 {
     std::vector<std::unique_ptr<CommandArguments>> commands;
     commands.push_back(std::make_unique<SpectrumArguments>());
+    commands.push_back(std::make_unique<LibraryArguments>());
     commands.push_back(std::make_unique<LimitsArguments>());
     commands.push_back(std::make_unique<SplitArguments>());
     commands.push_back(std::make_unique<InspectArguments>());

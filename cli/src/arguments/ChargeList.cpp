@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ChargeList.h"
+
+#include "Precursor.h"
+
+#include <QtCore/QSet>
+#include <QtCore/QStringList>
+
+#include <algorithm>
+
+namespace zav {
+
+namespace {
+
+constexpr int HIGHEST_CHARGE = 5;
+
+/// `3`, or the two ends of `2-4`; 0 for what is no charge.
+int chargeFrom(const QString &text)
+{
+    const int charge = text.trimmed().toInt();
+    return charge >= 1 && charge <= HIGHEST_CHARGE ? charge : 0;
+}
+
+} // namespace
+
+Result<QList<int>> parseCharges(const QString &text)
+{
+    QSet<int> charges;
+    for (const QString &part : text.split(QLatin1Char(','))) {
+        const QStringList ends = part.split(QLatin1Char('-'));
+        const int lowest = chargeFrom(ends.first());
+        const int highest = chargeFrom(ends.last());
+        if (ends.size() > 2 || lowest == 0 || highest < lowest)
+            return Error(InvalidInput,
+                         QStringLiteral("'%1' are no charges from 1 to 5, as 2,3 or 1-4").arg(displayText(text)));
+        for (int charge = lowest; charge <= highest; ++charge)
+            charges.insert(charge);
+    }
+    QList<int> sorted = charges.values();
+    std::sort(sorted.begin(), sorted.end());
+    return sorted;
+}
+
+} // namespace zav

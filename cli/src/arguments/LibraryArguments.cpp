@@ -1,0 +1,287 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "LibraryArguments.h"
+
+#include "ChargeList.h"
+#include "Enzyme.h"
+#include "Precursor.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+
+namespace zav {
+
+namespace {
+
+constexpr char SHARD_PLACEHOLDER[] = "{shard}";
+
+constexpr char EXAMPLES[] =
+    R"(PROTEINS is a FASTA file, plain or compressed with gzip, and - standard input. FILE of --peptides has a peptide a
+line, or columns named peptide, protein and gene. Every peptide appears once, with all its proteins, at each charge.
+
+The kind of library follows from the ending of -o: .msp, .tsv (OpenSWATH and DIA-NN), .mgf, .mzSpecLib.txt, .dlib
+(EncyclopeDIA) or .blib (BiblioSpec). No retention times are predicted; where a format must have one it is 0.
+Intensities are relative to the base peak of what the filters leave. The networks give no peaks over 2000 m/z or under
+0.025 of their base peak; .tsv holds neither a ions nor isotopes. Precursors without a peak are left out.
+
+Peptides with other residues than the 20, or longer than the network of a charge takes (27, 43, 50, 52, 50 residues for
+1 to 5), are left out, counted, and listed in the FILE of --skipped.
+
+The library is the same to the byte whatever --threads, --low-memory and shards. LIB.json beside it says what it was
+made from; --resume compares that and the library's SHA-256 and makes only what is not there yet. A shard is a part of
+the library; zav library merge joins them. In an array job of Slurm the shard is that of the task, unless --shard says
+otherwise. {shard} in -o and --skipped becomes 2-of-4.
+
+Exit code: 0 the library is complete, 1 it is not (standard error says why, and it does not appear), 2 wrong usage.
+
+Examples:
+  zav library human.fasta.gz -o human.tsv
+  zav library human.fasta -o human.dlib --enzyme lys-c --charges 2-4 --decoys shuffled --top 20
+  zav library --peptides peptides.txt -o some.msp --skipped left_out.tsv
+  zav library human.fasta --shard 2/4 -o human.{shard}.tsv --resume
+  zav library merge human.*-of-4.tsv -o human.tsv
+)";
+
+constexpr char MERGE_EXAMPLES[] =
+    R"(Joins all shards of a library to what one run would have written, to the byte. Their order does not matter, their
+manifests (SHARD.json) must stand beside them. Missing, doubled, damaged and foreign shards are refused by name.
+
+Exit code: 0 the library is complete, 1 it is not (standard error says why, and it does not appear), 2 wrong usage.
+
+Example:
+  zav library merge human.1-of-2.tsv human.2-of-2.tsv -o human.tsv
+)";
+
+bool isWithin(double value, double lowest, double highest)
+{
+    return value >= lowest && value <= highest; // false for NaN
+}
+
+bool isSameFile(const QString &a, const QString &b)
+{
+    return QFileInfo::exists(a) && QFileInfo(a).canonicalFilePath() == QFileInfo(b).canonicalFilePath();
+}
+
+} // namespace
+
+void LibraryArguments::addTo(CLI::App *command)
+{
+    command->add_option("PROTEINS", m_proteins, "a FASTA file")->type_name("");
+    command->add_option("--peptides", m_peptides, "a list of peptides instead, which are not cut")->type_name("FILE");
+    addOutputTo(command);
+    addDigestionTo(command);
+    addPrecursorsTo(command);
+    addPeaksTo(command);
+    addMergeTo(command);
+    command->footer(EXAMPLES);
+}
+
+void LibraryArguments::addOutputTo(CLI::App *command)
+{
+    command->add_option("-o,--output", m_output, "write to LIB, which appears only when it is complete")
+        ->type_name("LIB");
+    command->add_option("-f,--format", m_format, "msp, tsv, mgf, mzspeclib, dlib or blib; default: by LIB's ending")
+        ->type_name("FORMAT");
+    command->add_option("--skipped", m_skipped, "list the peptides that are left out, and why")->type_name("FILE.tsv");
+    command->add_option("--threads", m_given.threads, "worker threads, 0: one for each core")
+        ->type_name("N")
+        ->capture_default_str();
+    command->add_flag("--low-memory", m_given.lowMemory, "sort the peptides on disk");
+    command->add_option("--shard", m_shard, "make the I-th of N parts of equal size")->type_name("I/N");
+    command->add_flag("--resume", m_given.resume, "do nothing when LIB is there, complete and made from the same");
+    command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
+    command->add_flag("-v,--verbose", m_given.verbose, "with each failure, where in the program it passed");
+}
+
+void LibraryArguments::addDigestionTo(CLI::App *command)
+{
+    DigestionOptions &digestion = m_given.digestion;
+    m_enzyme = digestion.enzyme.toStdString();
+    command
+        ->add_option("--enzyme", m_enzyme, Enzyme::names().join(QStringLiteral(", ")).toStdString() + "; in any case")
+        ->type_name("NAME")
+        ->capture_default_str();
+    command
+        ->add_option("--cleavage-pattern", m_cleavagePattern,
+                     "instead: a regular expression of the places to cut, as (?<=[KR])(?!P)")
+        ->type_name("REGEX");
+    command->add_option("--missed-cleavages", digestion.missedCleavages, "sites that a peptide may contain uncut")
+        ->type_name("N")
+        ->capture_default_str();
+    command->add_option("--min-length", digestion.minimumLength, "residues")->type_name("N")->capture_default_str();
+    command->add_option("--max-length", digestion.maximumLength, "residues")->type_name("N")->capture_default_str();
+    command->add_flag("--semi-specific", digestion.semiSpecific, "one end of a peptide may lie anywhere");
+    command->add_flag("--remove-methionine", digestion.removesMethionine,
+                      "proteins also without the methionine that they begin with");
+    command->add_option("--decoys", m_decoys, "none, reversed or shuffled [none]")->type_name("KIND");
+    command->add_option("--decoy-seed", m_given.decoys.seed, "of shuffled decoys")
+        ->type_name("N")
+        ->capture_default_str();
+}
+
+void LibraryArguments::addPrecursorsTo(CLI::App *command)
+{
+    command->add_option("--charges", m_charges, "of the precursors, 1 to 5, as 2,3 or 1-4 [2,3]")->type_name("LIST");
+    command->add_option("--min-precursor-mz", m_given.lowestPrecursorMz, "m/z")->type_name("MZ")->capture_default_str();
+    command->add_option("--max-precursor-mz", m_given.highestPrecursorMz, "m/z")
+        ->type_name("MZ")
+        ->capture_default_str();
+    command->add_option("--cysteine", m_given.cysteineMass, "added to every cysteine, in Da")
+        ->type_name("MASS")
+        ->capture_default_str();
+}
+
+void LibraryArguments::addPeaksTo(CLI::App *command)
+{
+    PeakFilterOptions &peaks = m_given.peaks;
+    command->add_option("--top", peaks.top, "keep the N most intense peaks; 0: all")
+        ->type_name("N")
+        ->capture_default_str();
+    command->add_option("--min-intensity", peaks.minIntensity, "relative to the base peak")
+        ->type_name("X")
+        ->capture_default_str();
+    command->add_option("--min-mz", peaks.minMz, "of a peak")->type_name("MZ")->capture_default_str();
+    command->add_option("--min-ion-number", peaks.minIonNumber, "residues in a fragment, 3: from b3 and y3 on")
+        ->type_name("N")
+        ->capture_default_str();
+    command->add_flag("--no-losses", m_noLosses, "no peaks of neutral losses");
+    command->add_flag("--isotopes", peaks.isotopes, "add the heavier isotopes of each peak that is kept");
+}
+
+void LibraryArguments::addMergeTo(CLI::App *command)
+{
+    m_merge = command->add_subcommand("merge", "Join the shards of a library");
+    m_merge->add_option("SHARD", m_mergedShards, "all shards of one library")->type_name("");
+    m_merge->add_option("-o,--output", m_mergedOutput, "write to LIB, which appears only when it is complete")
+        ->type_name("LIB");
+    m_merge->add_flag("-v,--verbose", m_mergeVerbose, "with each failure, where in the program it passed");
+    m_merge->footer(MERGE_EXAMPLES);
+}
+
+Result<CommandLine> LibraryArguments::options() const
+{
+    return m_merge->parsed() ? mergeOptions() : libraryOptions();
+}
+
+Result<CommandLine> LibraryArguments::libraryOptions() const
+{
+    LibraryOptions options = m_given;
+    options.modelFolder = text(m_models);
+    options.peaks.neutralLosses = !m_noLosses;
+    for (const auto step : {&LibraryArguments::convertInput, &LibraryArguments::convertDecoys,
+                            &LibraryArguments::convertShard, &LibraryArguments::convertOutput}) {
+        if (Error error = (this->*step)(&options); error.hasError())
+            return error;
+    }
+    if (Error error = checkRanges(); error.hasError())
+        return error;
+    return CommandLine(options);
+}
+
+Error LibraryArguments::convertInput(LibraryOptions *options) const
+{
+    if (m_proteins.empty() == m_peptides.empty())
+        return wrongArgument(m_proteins.empty() ? QStringLiteral("PROTEINS, or --peptides, is missing")
+                                                : QStringLiteral("PROTEINS and --peptides exclude each other"));
+    options->proteins = text(m_proteins);
+    options->peptideList = text(m_peptides);
+    options->digestion.enzyme = text(m_enzyme);
+    options->digestion.cleavagePattern = text(m_cleavagePattern);
+    if (!m_charges.empty()) {
+        const Result<QList<int>> charges = parseCharges(text(m_charges));
+        if (charges.hasError())
+            return wrongArgument(QStringLiteral("--charges: ") + charges.error().message());
+        options->charges = charges.value();
+    }
+    return options->digestion.checkForParameterErrors();
+}
+
+Error LibraryArguments::convertDecoys(LibraryOptions *options) const
+{
+    const std::map<std::string, DecoyKind> kinds = {{"", DecoyKind::None},
+                                                    {"none", DecoyKind::None},
+                                                    {"reversed", DecoyKind::Reversed},
+                                                    {"shuffled", DecoyKind::Shuffled}};
+    const auto kind = kinds.find(m_decoys);
+    if (kind == kinds.end())
+        return wrongArgument(
+            QStringLiteral("--decoys '%1' is none of none, reversed and shuffled").arg(displayText(text(m_decoys))));
+    options->decoys.kind = kind->second;
+    return {};
+}
+
+Error LibraryArguments::convertShard(LibraryOptions *options) const
+{
+    const Result<LibraryShard> shard =
+        m_shard.empty() ? LibraryShard::ofSlurmTask() : LibraryShard::parse(text(m_shard));
+    if (shard.hasError())
+        return wrongArgument(QStringLiteral("--shard: ") + shard.error().message());
+    options->shard = shard.value();
+    options->outputPath = text(m_output).replace(QLatin1String(SHARD_PLACEHOLDER), shard.value().fileNamePart());
+    options->skippedPath = text(m_skipped).replace(QLatin1String(SHARD_PLACEHOLDER), shard.value().fileNamePart());
+    return {};
+}
+
+Error LibraryArguments::convertOutput(LibraryOptions *options) const
+{
+    const QString &path = options->outputPath;
+    if (path.isEmpty())
+        return wrongArgument(QStringLiteral("-o LIB is missing"));
+    const auto kind = m_format.empty() ? libraryFileKindOfPath(path) : libraryFileKindOfName(text(m_format));
+    if (!kind)
+        return wrongArgument(
+            m_format.empty()
+                ? QStringLiteral("the ending of '%1' tells no kind of library, --format does (%2)")
+                      .arg(displayText(path), libraryFileKindNames().join(QStringLiteral(", ")))
+                : QStringLiteral("--format '%1' is none of %2")
+                      .arg(displayText(text(m_format)), libraryFileKindNames().join(QStringLiteral(", "))));
+    options->kind = *kind;
+    if (isSameFile(path, options->inputPath()) || isSameFile(options->skippedPath, options->inputPath()))
+        return wrongArgument(QStringLiteral("%1 would be overwritten").arg(displayText(options->inputPath(), 300)));
+    if (options->writesToStandardOutput() && (isSqlite(*kind) || !options->shard.isWhole() || options->resume))
+        return wrongArgument(QStringLiteral("a database, a shard and --resume need a file, not -o -"));
+    if (options->inputPath() == QLatin1String("-") && (!options->shard.isWhole() || options->resume))
+        return wrongArgument(QStringLiteral("a shard and --resume need an input file, not standard input"));
+    return {};
+}
+
+Error LibraryArguments::checkRanges() const
+{
+    const PeakFilterOptions &peaks = m_given.peaks;
+    const double highest = m_given.highestPrecursorMz;
+    if (m_given.threads < 0 || m_given.threads > 1024)
+        return wrongArgument(QStringLiteral("--threads is not within 0 to 1024"));
+    if (!std::isfinite(highest) || !isWithin(m_given.lowestPrecursorMz, 0.0, highest))
+        return wrongArgument(QStringLiteral("--min-precursor-mz and --max-precursor-mz are no range of m/z"));
+    if (!std::isfinite(m_given.cysteineMass))
+        return wrongArgument(QStringLiteral("--cysteine is not a finite mass"));
+    if (peaks.top < 0)
+        return wrongArgument(QStringLiteral("--top is below 0"));
+    if (!isWithin(peaks.minIntensity, 0.0, 1.0))
+        return wrongArgument(QStringLiteral("--min-intensity is not within 0 to 1"));
+    if (!std::isfinite(peaks.minMz))
+        return wrongArgument(QStringLiteral("--min-mz is not a finite m/z"));
+    if (peaks.minIonNumber < 1)
+        return wrongArgument(QStringLiteral("--min-ion-number is below 1"));
+    return {};
+}
+
+Result<CommandLine> LibraryArguments::mergeOptions() const
+{
+    LibraryMergeOptions options;
+    for (const std::string &shard : m_mergedShards)
+        options.shards.append(text(shard));
+    options.outputPath = text(m_mergedOutput);
+    options.verbose = m_mergeVerbose;
+    if (options.shards.isEmpty())
+        return wrongArgument(QStringLiteral("the shards to merge are missing"));
+    if (options.outputPath.isEmpty())
+        return wrongArgument(QStringLiteral("-o LIB is missing"));
+    for (const QString &shard : options.shards) {
+        if (isSameFile(options.outputPath, shard))
+            return wrongArgument(QStringLiteral("%1 would be overwritten").arg(displayText(shard, 300)));
+    }
+    return CommandLine(options);
+}
+
+} // namespace zav

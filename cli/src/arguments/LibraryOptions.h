@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "DecoyOptions.h"
+#include "DigestionOptions.h"
+#include "LibraryFileKind.h"
+#include "LibraryShard.h"
+#include "PeakFilter.h"
+
+#include <QtCore/QList>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+namespace zav {
+
+/// What `zav library` was asked for.
+struct LibraryOptions
+{
+    QString proteins;    ///< path of a FASTA file, or empty and `peptideList` instead
+    QString peptideList; ///< path
+    QString modelFolder; ///< empty: where the networks are installed
+    QString outputPath;  ///< "-" for standard output
+    QString skippedPath; ///< empty: the skipped peptides are only counted
+    LibraryFileKind kind = LibraryFileKind::Tsv;
+
+    DigestionOptions digestion;
+    DecoyOptions decoys;
+    QList<int> charges = {2, 3};    ///< ascending, each once, 1 to 5
+    double lowestPrecursorMz = 300; ///< m/z; the range of common acquisition methods, and so is the next
+    double highestPrecursorMz = 1800;
+    double cysteineMass = 57.02146; ///< Da
+    PeakFilterOptions peaks;
+
+    int threads = 0; ///< 0: all cores
+    bool lowMemory = false;
+    LibraryShard shard;
+    bool resume = false;
+    bool verbose = false;
+
+    QString inputPath() const { return proteins.isEmpty() ? peptideList : proteins; }
+    bool writesToStandardOutput() const { return outputPath == QLatin1String("-"); }
+    bool drawsPictures() const { return false; }
+};
+
+/// What `zav library merge` was asked for.
+struct LibraryMergeOptions
+{
+    QStringList shards; ///< paths
+    QString outputPath;
+    bool verbose = false;
+
+    bool drawsPictures() const { return false; }
+};
+
+} // namespace zav

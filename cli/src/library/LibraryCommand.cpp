@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "LibraryCommand.h"
+
+#include "ExitCode.h"
+#include "FileDigest.h"
+#include "LibrarySettings.h"
+#include "OrderedPipeline.h"
+#include "Precursor.h"
+#include "Progress.h"
+#include "QuietStandardError.h"
+#include "RuntimeThreads.h"
+#include "Terminal.h"
+
+#include <QtCore/QFileInfo>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zav {
+
+namespace {
+
+// Peptides that a worker takes at a time. Many, because each length needs whole blocks; bounded, because their entries
+// stay in memory until their turn has come.
+constexpr qint64 MOST_AT_ONCE = 8192;
+constexpr qint64 FEWEST_AT_ONCE = 256;
+constexpr qint64 PIECES_PER_THREAD = 4;
+
+constexpr double MEGABYTE = 1e6;
+
+bool showsProgress(const LibraryOptions &options)
+{
+    const bool mixesWithOutput = options.writesToStandardOutput() && terminal::standardOutputIsTerminal();
+    return terminal::standardErrorIsTerminal() && !mixesWithOutput;
+}
+
+/// What the format cannot hold is not to take the place of what it can, nor to be the base peak.
+PeakFilterOptions peaksFor(const LibraryOptions &options)
+{
+    PeakFilterOptions peaks = options.peaks;
+    if (options.kind == LibraryFileKind::Tsv) {
+        peaks.aIons = false;
+        peaks.isotopes = false;
+    }
+    return peaks;
+}
+
+QString counted(qint64 count, const QString &what)
+{
+    return QStringLiteral("%1 %2").arg(QString::number(count), what);
+}
+
+} // namespace
+
+LibraryCommand::LibraryCommand(const LibraryOptions &options)
+    : m_options(options), m_messages(options.verbose), m_skipped(options.skippedPath)
+{
+    m_options.peaks = peaksFor(options);
+    if (m_options.threads == 0)
+        m_options.threads = usableCores();
+    if (options.peaks.isotopes && !m_options.peaks.isotopes)
+        m_messages.note(QStringLiteral("TSV libraries hold no isotopes, --isotopes adds none"));
+}
+
+LibraryCommand::~LibraryCommand() = default;
+
+int LibraryCommand::run()
+{
+    const Error error = runSteps();
+    if (error.hasError())
+        m_messages.failure(error);
+    if (error.hasError() && m_interruption.isRequested())
+        return m_interruption.exitCode();
+    return error.hasError() ? SomeFailed : AllDone;
+}
+
+Error LibraryCommand::runSteps()
+{
+    if (Error error = identify(); error.hasError())
+        return error;
+    if (!m_options.shard.isWhole())
+        m_messages.note(QStringLiteral("shard %1").arg(m_options.shard.name()));
+    if (!m_options.resume || !isMadeAlready())
+        return makeLibrary();
+    m_messages.note(QStringLiteral("%1 is complete").arg(displayText(m_options.outputPath, 300)));
+    return {};
+}
+
+/// What the library is made of, before anything is made.
+Error LibraryCommand::identify()
+{
+    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder);
+    if (folder.hasError())
+        return folder.error();
+    m_folder = folder.value();
+    const Result<QByteArray> settings = librarySettings(m_options, *m_folder);
+    if (settings.hasError())
+        return settings.error();
+    m_manifest.settings = settings.value();
+    m_manifest.shard = m_options.shard;
+    if (!hasManifest())
+        return {};
+    const Result<QByteArray> input = fileSha256(m_options.inputPath());
+    if (input.hasError())
+        return input.error();
+    m_manifest.inputSha256 = input.value();
+    return {};
+}
+
+bool LibraryCommand::isMadeAlready() const
+{
+    const Result<LibraryManifest> made = LibraryManifest::read(LibraryManifest::pathFor(m_options.outputPath));
+    if (made.hasError() || made.value().shard != m_manifest.shard ||
+        !differenceOfOrigin(m_manifest, made.value()).isEmpty())
+        return false;
+    const Result<QByteArray> file = fileSha256(m_options.outputPath);
+    return !file.hasError() && file.value() == made.value().file.sha256;
+}
+
+Error LibraryCommand::makeLibrary()
+{
+    for (const auto step : {&LibraryCommand::openOutputs, &LibraryCommand::digest, &LibraryCommand::loadNetworks,
+                            &LibraryCommand::predictAll, &LibraryCommand::finishOutputs}) {
+        if (Error error = (this->*step)(); error.hasError())
+            return error;
+    }
+    tellTotals();
+    return {};
+}
+
+/// Before the work, so that a mistyped path costs no time.
+Error LibraryCommand::openOutputs()
+{
+    m_writer = makeLibraryWriter(m_options.kind, m_options.outputPath, infoIn(m_manifest.settings));
+    if (Error error = m_writer->open(); error.hasError())
+        return error;
+    return m_skipped.open();
+}
+
+Error LibraryCommand::digest()
+{
+    const double size = double(QFileInfo(m_options.inputPath()).size()) / MEGABYTE;
+    Progress progress(qint64(std::ceil(size)), QStringLiteral("MB of %1").arg(displayText(m_options.inputPath())),
+                      showsProgress(m_options));
+    DigestionHooks hooks;
+    hooks.skipped = [this](const SkippedPeptide &skipped) { return m_skipped.add(skipped); };
+    hooks.progress = [&progress, size](double done) { progress.update(qint64(size * done)); };
+    hooks.isInterrupted = [this] { return m_interruption.isRequested(); };
+
+    PeptideRequest request{m_options.digestion, m_options.decoys, {}};
+    request.space.onDisk = m_options.lowMemory;
+    Result<DigestedPeptides> digested = m_options.proteins.isEmpty()
+                                            ? readPeptideTable(m_options.peptideList, request, hooks)
+                                            : digestFasta(m_options.proteins, request, hooks);
+    if (digested.hasError())
+        return digested.error();
+    m_digested = std::move(digested).value();
+    m_manifest.peptideCount = m_digested.peptides->count();
+    return {};
+}
+
+Error LibraryCommand::loadNetworks()
+{
+    keepRuntimeInCallingThreads();
+    const QuietStandardError quiet(!m_options.verbose);
+    for (int thread = 0; thread < m_options.threads; ++thread) {
+        m_makers.push_back(std::make_unique<SpectrumMaker>(m_options, m_digested.peptides->proteins(), *m_writer));
+        if (Error error = m_makers.back()->load(*m_folder); error.hasError())
+            return error;
+    }
+    return {};
+}
+
+Error LibraryCommand::predictAll()
+{
+    const qint64 first = m_options.shard.first(m_manifest.peptideCount);
+    const qint64 end = m_options.shard.end(m_manifest.peptideCount);
+    const qint64 size = pieceSize(end - first);
+    Progress progress(end - first, QStringLiteral("peptides"), showsProgress(m_options));
+    qint64 next = first;
+    const auto read = [&]() -> Result<std::optional<PeptideBlock>> {
+        if (next == end)
+            return std::optional<PeptideBlock>();
+        PeptideBlock block;
+        const qint64 begin = std::exchange(next, std::min(next + size, end));
+        Error error = m_digested.peptides->read(begin, next, &block);
+        return error.hasError() ? Result<std::optional<PeptideBlock>>(error) : std::optional(std::move(block));
+    };
+    const auto make = [this](int worker, PeptideBlock block) {
+        return m_makers[static_cast<size_t>(worker)]->make(std::move(block));
+    };
+    qint64 done = 0;
+    const auto accept = [&](const MadeSpectra &made) {
+        Error error = consume(made);
+        progress.update(done += made.peptides.size());
+        return error;
+    };
+    OrderedPipeline<PeptideBlock, MadeSpectra> pipeline({m_options.threads, m_options.threads + 2},
+                                                        [this] { return m_interruption.isRequested(); });
+    return pipeline.run(read, make, accept);
+}
+
+Error LibraryCommand::consume(const MadeSpectra &made)
+{
+    if (made.error.hasError())
+        return made.error;
+    for (const WrittenEntry &entry : made.entries) {
+        if (Error error = m_writer->add(entry); error.hasError())
+            return error;
+    }
+    for (const UnpredictedPrecursor &precursor : made.tooLong) {
+        if (Error error = m_skipped.add(precursor, m_digested.peptides->proteins()); error.hasError())
+            return error;
+    }
+    m_counts += made.counts;
+    return {};
+}
+
+/// The manifest last: what it describes is there.
+Error LibraryCommand::finishOutputs()
+{
+    if (m_counts.written == 0 && m_options.shard.isWhole())
+        return Error(Failure, QStringLiteral("no precursor is left for the library (%1)").arg(leftOut()));
+    if (Error error = m_skipped.commit(); error.hasError())
+        return error;
+    Result<LibraryFileFacts> facts = m_writer->finish();
+    if (facts.hasError())
+        return facts.error();
+    m_manifest.file = std::move(facts).value();
+    return hasManifest() ? m_manifest.write(LibraryManifest::pathFor(m_options.outputPath)) : Error();
+}
+
+bool LibraryCommand::hasManifest() const
+{
+    return !m_options.writesToStandardOutput() && m_options.inputPath() != QLatin1String("-");
+}
+
+/// Small where there is little to do, so that every thread gets some of it. The library does not depend on it.
+qint64 LibraryCommand::pieceSize(qint64 peptides) const
+{
+    return std::clamp(peptides / (PIECES_PER_THREAD * m_options.threads), FEWEST_AT_ONCE, MOST_AT_ONCE);
+}
+
+void LibraryCommand::tellTotals()
+{
+    const DigestionCounts &digested = m_digested.counts;
+    m_messages.note(QStringLiteral("%1 proteins, %2 peptides, %3 decoys; %4 precursors written")
+                        .arg(digested.proteins)
+                        .arg(digested.targets)
+                        .arg(digested.decoys)
+                        .arg(m_counts.written));
+    const QString rest = leftOut();
+    if (!rest.isEmpty())
+        m_messages.note(rest);
+}
+
+/// What the library lacks and why; empty when it lacks nothing.
+QString LibraryCommand::leftOut() const
+{
+    const DigestionCounts &digested = m_digested.counts;
+    const QList<std::pair<qint64, QString>> reasons = {
+        {digested.skipped, m_options.proteins.isEmpty()
+                               ? QStringLiteral("peptides with residues outside the 20, or of another length")
+                               : QStringLiteral("peptides with residues outside the 20")},
+        {digested.decoysEqualToTarget, QStringLiteral("decoys that equal a target")},
+        {digested.decoysTooSimilar, QStringLiteral("decoys too similar to their target")},
+        {m_counts.outOfRange, QStringLiteral("precursors outside %1 to %2 m/z")
+                                  .arg(m_options.lowestPrecursorMz)
+                                  .arg(m_options.highestPrecursorMz)},
+        {m_counts.tooLong, QStringLiteral("precursors longer than their network takes")},
+        {m_counts.withoutPeaks, QStringLiteral("precursors without a peak")}};
+    QStringList parts;
+    for (const auto &[count, what] : reasons) {
+        if (count > 0)
+            parts.append(counted(count, what));
+    }
+    return parts.isEmpty() ? QString() : QStringLiteral("left out: ") + parts.join(QStringLiteral(", "));
+}
+
+} // namespace zav

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "Interruption.h"
+#include "LibraryManifest.h"
+#include "LibraryOptions.h"
+#include "LibraryWriter.h"
+#include "Messages.h"
+#include "ModelFolder.h"
+#include "PeptideDigest.h"
+#include "SkippedList.h"
+#include "SpectrumMaker.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace zav {
+
+/// `zav library`: digests proteins, predicts the spectra of their peptides on all cores, writes the library.
+class LibraryCommand
+{
+public:
+    explicit LibraryCommand(const LibraryOptions &options);
+    ~LibraryCommand();
+
+    /// Runs the command to its end. Needs the application object. The result is an `ExitCode`, or 130 and 143 after an
+    /// interrupt.
+    int run();
+
+private:
+    Error runSteps();
+    Error identify();
+    Error makeLibrary();
+    Error openOutputs();
+    Error digest();
+    Error loadNetworks();
+    Error predictAll();
+    Error consume(const MadeSpectra &made);
+    Error finishOutputs();
+    bool isMadeAlready() const;
+    bool hasManifest() const;
+    qint64 pieceSize(qint64 peptides) const;
+    void tellTotals();
+    QString leftOut() const;
+
+    LibraryOptions m_options;
+    Messages m_messages;
+    Interruption m_interruption;
+    std::optional<ModelFolder> m_folder;
+    LibraryManifest m_manifest;
+    SkippedList m_skipped;
+    std::unique_ptr<LibraryWriter> m_writer;
+    DigestedPeptides m_digested;
+    std::vector<std::unique_ptr<SpectrumMaker>> m_makers; ///< one a thread
+    PrecursorCounts m_counts;
+};
+
+} // namespace zav

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "LibraryEntry.h"
+
+#include <zav/FragmentPeak.h>
+#include <zav/TheoreticalIsotopePoint2dListGenerator.h>
+
+#include <QtCore/QList>
+
+namespace zav {
+
+/// Which of the predicted peaks a library keeps.
+struct PeakFilterOptions
+{
+    int top = 0;               ///< the most intense ones, this many at most; 0: all
+    double minIntensity = 0.0; ///< relative to the base peak of those that the rules below leave; 0 to 1
+    double minMz = 0.0;        ///< m/z
+    int minIonNumber = 1;      ///< residues in a fragment
+    bool neutralLosses = true;
+    bool aIons = true;
+    bool isotopes = false; ///< add the heavier isotopes of what is kept
+};
+
+/// Makes the peaks of a library spectrum out of a prediction.
+///
+/// First the ions go that are not wanted (m/z, ion number, losses), then those under the least intensity, then the
+/// weakest over the wanted number; of equally intense ones those of lower m/z stay. The isotopes of what is left are
+/// added, without peaks that the predictor would not give either. At last the intensities are scaled to a base peak of
+/// 1. One object may serve several threads.
+class PeakFilter
+{
+public:
+    explicit PeakFilter(const PeakFilterOptions &options) : m_options(options) {}
+
+    /// `peaks` ascend in m/z, and so do those that are returned; none when nothing is left.
+    QList<LibraryPeak> apply(const QList<FragmentPeak> &peaks) const;
+
+private:
+    bool isWanted(const FragmentPeak &peak) const;
+    void dropWeak(QList<LibraryPeak> *peaks) const;
+    void keepTop(QList<LibraryPeak> *peaks) const;
+    void addIsotopes(QList<LibraryPeak> *peaks) const;
+    void appendIsotopes(const LibraryPeak &peak, double lowest, QList<LibraryPeak> *peaks) const;
+
+    PeakFilterOptions m_options;
+    TheoreticalIsotopePoint2dListGenerator m_generator;
+};
+
+} // namespace zav
