@@ -1,0 +1,128 @@
+# SPDX-License-Identifier: Apache-2.0
+"""What `zav library` costs: precursors a second and core, memory, the share of TensorFlow, and beside MS2PIP.
+
+    python3 library_benchmark.py ZAV PROTEINS.fasta [--shard 1/20] [--threads 1] [--ms2pip PYTHON] [--precursors 10000]
+
+PROTEINS.fasta may come from synthetic_proteome.py. Makes one shard of its library for charges 2 and 3 as TSV, whole
+command from start to end, and prints processor time, which other work on the machine disturbs least, beside the wall
+clock's. With `perf` installed a second run tells how much of the time is spent in TensorFlow. PYTHON is one with
+ms2pip 4.1.2; it predicts the first precursors of the same library (model HCDch2, one process), and so does zav, from a
+list of their peptides, so that the ratio holds for one moment of one machine.
+"""
+
+import argparse
+import csv
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+PEER = pathlib.Path(__file__).resolve().parents[2] / "training" / "peers" / "ms2pip_predict.py"
+
+
+class Run:
+    """One run of a command: seconds by the wall clock, seconds computed by all its threads, MiB resident at most."""
+
+    def __init__(self, command, **streams):
+        start = time.monotonic()
+        process = subprocess.Popen(command, **streams)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            sys.exit(f"{command[0]} ended with {process.returncode}: nothing is measured")
+        self.wall = time.monotonic() - start
+        self.computed = usage.ru_utime + usage.ru_stime
+        self.memory = usage.ru_maxrss / 1024
+
+    def report(self, name, precursors):
+        print(
+            f"{name:<28}{precursors:>9} precursors  {precursors / self.computed:>8.0f} / s of a core"
+            f"  {precursors / self.wall:>8.0f} / s by the clock  {self.memory:>6.0f} MiB"
+        )
+
+
+def library(zav, source, folder, name, *more):
+    """Makes a library and returns the run, the file and how many precursors it holds."""
+    path = pathlib.Path(folder) / name
+    run = Run([zav, "library", *source, "-o", str(path), *more], stderr=subprocess.DEVNULL)
+    return run, path, json.loads(pathlib.Path(f"{path}.json").read_text())["precursors"]
+
+
+def share_of_tensorflow(command, folder):
+    """Per cent of the samples of a profile that lie in TensorFlow's files."""
+    data = str(pathlib.Path(folder) / "perf.data")
+    subprocess.run(
+        ["perf", "record", "-q", "-e", "task-clock", "-F", "199", "-o", data, *command],
+        stdout=subprocess.DEVNULL,
+        stderr=subprocess.DEVNULL,
+        check=True,
+    )
+    report = subprocess.run(
+        ["perf", "report", "-i", data, "--sort", "dso", "--stdio", "-q"],
+        capture_output=True,
+        text=True,
+        check=True,
+    ).stdout
+    rows = re.findall(r"^\s*([0-9.]+)%\s+(\S+)", report, re.MULTILINE)
+    for share, file in rows[:6]:
+        print(f"{'':<28}{float(share):>8.1f} %  {file}")
+    return sum(float(share) for share, file in rows if "tensorflow" in file)
+
+
+def first_precursors(path, count):
+    """Peptide and charge of the first entries of a TSV library."""
+    found = {}
+    with open(path, newline="", encoding="utf-8") as file:
+        for row in csv.DictReader(file, delimiter="\t"):
+            found[(row["PeptideSequence"], row["PrecursorCharge"])] = None
+            if len(found) > count:
+                break
+    return list(found)[:count]
+
+
+def compare(zav, python, path, count, folder):
+    """The same precursors with MS2PIP and with zav."""
+    precursors = first_precursors(path, count)
+    table = pathlib.Path(folder) / "precursors.tsv"
+    rows = "".join(f"{peptide}\t{charge}\n" for peptide, charge in precursors)
+    table.write_text("peptide\tcharge\n" + rows, encoding="utf-8")
+    peptides = pathlib.Path(folder) / "peptides.txt"
+    peptides.write_text("".join(f"{p}\n" for p in dict.fromkeys(p for p, _ in precursors)), encoding="utf-8")
+
+    with open(table, encoding="utf-8") as source, open(os.devnull, "w", encoding="utf-8") as nowhere:
+        peer = Run([python, str(PEER)], stdin=source, stdout=nowhere, stderr=nowhere)
+    peer.report("MS2PIP", len(precursors))
+    ours, _, written = library(zav, ["--peptides", str(peptides)], folder, "same.tsv", "--threads", "1")
+    ours.report("zav, the same peptides", written)
+    ratio = (written / ours.computed) / (len(precursors) / peer.computed)
+    print(f"zav is {ratio:.1f} times as fast, by processor time with starting up")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("zav")
+    parser.add_argument("proteins")
+    parser.add_argument("--shard", default="1/20")
+    parser.add_argument("--threads", default="1")
+    parser.add_argument("--ms2pip", help="a Python that has ms2pip")
+    parser.add_argument("--precursors", type=int, default=10000)
+    arguments = parser.parse_args()
+
+    settings = ["--shard", arguments.shard, "--threads", arguments.threads]
+    with tempfile.TemporaryDirectory() as folder:
+        run, path, precursors = library(arguments.zav, [arguments.proteins], folder, "library.tsv", *settings)
+        run.report(f"zav, shard {arguments.shard}", precursors)
+        if shutil.which("perf"):
+            again = [arguments.zav, "library", arguments.proteins, "-o", f"{folder}/again.tsv", *settings]
+            print(f"{share_of_tensorflow(again, folder):.1f} % of the processor time in TensorFlow")
+        if arguments.ms2pip:
+            compare(arguments.zav, arguments.ms2pip, path, arguments.precursors, folder)
+
+
+if __name__ == "__main__":
+    main()
