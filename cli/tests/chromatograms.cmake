@@ -8,9 +8,12 @@ zav_add_test(zav_chromatogram_tests
     SOURCES
         NetworkSizeTest.cpp
         PeakMeasuresTest.cpp
+        PredictorPoolTest.cpp
+        RuntimeThreadsTest.cpp
         TraceTallyTest.cpp
         TraceWriterTest.cpp
     LIBRARIES zav_program nlohmann_json::nlohmann_json)
+target_compile_definitions(zav_chromatogram_tests PRIVATE ZAV_MODELS="${PROJECT_SOURCE_DIR}/models")
 
 # The program itself, run as a user runs it, with the shipped networks.
 set(chromatogram_command_tests
