@@ -109,12 +109,14 @@ def test_split_examples_are_cut_to_a_region_with_its_targets() -> None:
     assert min(lengths) < 150 and max(lengths) == 200
 
 
-def test_bump_of_a_shoulder_is_wider_than_that_of_a_valley() -> None:
+def test_bump_of_a_shoulder_is_wider_and_counts_more_than_that_of_a_valley() -> None:
     valley, shoulder = border(30.0), border(12.0, (1.0, 0.25))
-    width = []
+    width, weight = [], []
     for each in (valley, shoulder):
         trace = simulate.Simulated(np.zeros(150), [], [each], 3.0, 0.05, [], 1e-6)
-        targets, _ = splits.split_targets(trace, 150)
+        targets, weights = splits.split_targets(trace, 150)
         assert targets[0].argmax() == round(each.place)
         width.append(float((targets[0] > 0.5).sum()) / each.distance)
+        weight.append(float(weights[0, round(each.place)]))
     assert width[1] > width[0]
+    assert weight[1] > weight[0] > 1.0

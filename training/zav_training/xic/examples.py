@@ -157,6 +157,11 @@ def vary(rng: np.random.Generator, example: Example, scale: bool) -> Example:
     y = example.intensity
     y = y * 10.0 ** rng.uniform(0.5, 8.0) if scale else roughened(rng, y)
     example = Example(y, example.targets, example.weights, example.conventions)
+    return mirror(rng, example)
+
+
+def mirror(rng: np.random.Generator, example: Example) -> Example:
+    """The example, or in half of the cases its mirror image."""
     return mirrored(example) if rng.random() < 0.5 else example
 
 

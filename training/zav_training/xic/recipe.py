@@ -19,9 +19,9 @@ class Schedule:
 
 SEED = 4
 LIMITS_SCHEDULE = Schedule(50_000, 2e-3)
-SPLIT_SCHEDULE = Schedule(16_000, 2e-3)
+SPLIT_SCHEDULE = Schedule(15_000, 2e-3)
 #: Peaks drawn 3.45 widths at half height wide; valleys of 20 % part them.
 LIMITS_RULE = LimitsRule(told=tuple(conventions(3.45, 0.2).tolist()), inside=0.7, valley=1.0)
-SPLIT_RULE = SplitRule(told=tuple(conventions(3.7, VALLEY_DEPTH[0]).tolist()))
+SPLIT_RULE = SplitRule(told=tuple(conventions(3.7, VALLEY_DEPTH[0]).tolist()), bias=-0.2)
 LIMITS_OPTIONS = LimitsOptions()
 SPLIT_OPTIONS = SplitOptions()

@@ -6,7 +6,7 @@ from itertools import pairwise
 import numpy as np
 
 from zav_training.xic import simulate
-from zav_training.xic.examples import Example, conventions, stretch, vary
+from zav_training.xic.examples import Example, conventions, mirror, stretch, vary
 from zav_training.xic.simulate import Border, Simulated
 from zav_training.xic.traces import Trace
 from zav_training.xic.visible import Shape, deepest_valley, noise_level, shape_of, smooth
@@ -15,7 +15,7 @@ from zav_training.xic.visible import Shape, deepest_valley, noise_level, shape_o
 #: less certain, and a bump narrower than that doubt would never be predicted at half its height.
 BUMP, SHOULDER_BUMP, NARROWEST, WIDEST = 0.1, 0.16, 1.0, 5.0
 #: Distance of a cluster's apexes in sigma: closer than the limits network meets them.
-APART = (1.9, 5.5)
+APART = (1.9, 4.5)
 #: Share of simulated traces cut to one region, as the limits network would hand it over.
 CUT_SHARE = 0.4
 #: Share of the real traces that are touching neighbours.
@@ -26,7 +26,8 @@ RESOLUTION = (0.7, 0.95)
 LEAST_FALL = 0.04
 #: Height of the lower peak over the noise: below the first nothing is to be seen.
 EVIDENCE = (2.0, 5.0)
-POSITIVE = 4.0
+#: Weight of what is to be split: at valleys, and at shoulders, which are rarer and harder.
+POSITIVE, SHOULDER_POSITIVE = 4.0, 8.0
 #: A real valley is clear when its depth exceeds this many times the noise.
 CLEAR = 5.0
 
@@ -77,7 +78,8 @@ def split_targets(trace: Simulated, length: int) -> tuple[np.ndarray, np.ndarray
     weights = np.ones((1, length), np.float32)
     points = np.arange(length)
     for border in trace.borders:
-        share = BUMP if border.fall >= LEAST_FALL else SHOULDER_BUMP
+        valley = border.fall >= LEAST_FALL
+        share = BUMP if valley else SHOULDER_BUMP
         sigma = float(np.clip(share * border.distance, NARROWEST, WIDEST))
         verdict = grade(border, trace.noise)
         near = np.abs(points - border.place) <= 3.0 * sigma
@@ -86,7 +88,7 @@ def split_targets(trace: Simulated, length: int) -> tuple[np.ndarray, np.ndarray
         elif verdict == 1.0:
             bump = np.exp(-0.5 * ((points - border.place) / sigma) ** 2)
             targets[0] = np.maximum(targets[0], bump)
-            weights[0, near] = POSITIVE
+            weights[0, near] = POSITIVE if valley else SHOULDER_POSITIVE
     return targets, weights
 
 
@@ -126,12 +128,12 @@ class RealNeighbours:
         """Neighbours in a part of the cases, else a peak that is to stay whole."""
         if self._touching and (not self._whole or rng.random() < TOUCHING_SHARE):
             trace, places = self._touching[rng.integers(len(self._touching))]
-            return self._example(rng, trace, *_touching_targets(trace, places))
+            return mirror(rng, self._cut(rng, trace, *_touching_targets(trace, places)))
         trace, shape = self._whole[rng.integers(len(self._whole))]
-        return self._example(rng, trace, *_whole_targets(trace, shape))
+        return vary(rng, self._cut(rng, trace, *_whole_targets(trace, shape)), scale=False)
 
     @staticmethod
-    def _example(
+    def _cut(
         rng: np.random.Generator, trace: Trace, targets: np.ndarray, weights: np.ndarray
     ) -> Example:
         """The stretch of the trace around what counts."""
@@ -140,7 +142,7 @@ class RealNeighbours:
         window = slice(max(counted[0] - room, 0), counted[-1] + room + 1)
         told = conventions(3.7, simulate.VALLEY_DEPTH[0])
         example = Example(trace.intensity[window], targets[:, window], weights[:, window], told)
-        return vary(rng, stretch(rng, example), scale=False)
+        return stretch(rng, example)
 
 
 def _touching_targets(trace: Trace, places: list[int]) -> tuple[np.ndarray, np.ndarray]:
