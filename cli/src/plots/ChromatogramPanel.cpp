@@ -84,7 +84,7 @@ struct ChromatogramPanel::Label
 
 ChromatogramPanel::ChromatogramPanel(const ChromatogramPlotData &data, const ChromatogramTrace &trace,
                                      const PlotScale &time, const PlotScale &intensity, double top)
-    : m_data(data), m_trace(trace), m_time(time), m_intensity(intensity), m_top(top)
+    : m_trace(trace), m_time(time), m_intensity(intensity), m_top(top)
 {
     for (const QList<QPointF> &run : trace.runs())
         m_lines.append(onPage(run));

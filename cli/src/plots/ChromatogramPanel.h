@@ -29,7 +29,7 @@ QColor areaColor(qsizetype peak);
 class ChromatogramPanel
 {
 public:
-    /// `data` and `trace` have to outlive the panel. `time` leads to page x, `intensity` to page y, upward; labels end
+    /// `trace` has to outlive the panel. `time` leads to page x, `intensity` to page y, upward; labels end
     /// at the page height `top`.
     ChromatogramPanel(const ChromatogramPlotData &data, const ChromatogramTrace &trace, const PlotScale &time,
                       const PlotScale &intensity, double top);
@@ -55,7 +55,6 @@ private:
     QList<Label> labels(const QFontMetricsF &metrics) const;
     QList<Stick> sticks() const;
 
-    const ChromatogramPlotData &m_data;
     const ChromatogramTrace &m_trace;
     PlotScale m_time;
     PlotScale m_intensity;
