@@ -58,6 +58,14 @@ TEST_F(Manifest, RefusesNumbersThatContradictOneAnother)
     EXPECT_TRUE(LibraryManifest::read(m_files.path("a.json")).hasError());
 }
 
+TEST_F(Manifest, BelongsToFilesOnly)
+{
+    EXPECT_TRUE(LibraryManifest::isFor(m_files.path("new.tsv")));
+    EXPECT_TRUE(LibraryManifest::isFor(m_files.write("old.tsv", "")));
+    EXPECT_FALSE(LibraryManifest::isFor("-"));
+    EXPECT_FALSE(LibraryManifest::isFor("/dev/null"));
+}
+
 TEST(ManifestOrigin, DifferenceNamesWhatDiffers)
 {
     LibraryManifest other = example();

@@ -64,6 +64,14 @@ TEST_F(LibraryMerge, AnyNumberOfShardsMakesTheSameLibrary)
     }
 }
 
+TEST_F(LibraryMerge, StandardOutputTakesTheLibraryWithoutAManifest)
+{
+    const QStringList names = shards(2, ".tsv");
+    EXPECT_EQ(run(QStringList{"merge", "-o", "-"} + names).standardOutput,
+              library("whole.tsv", {"p.fasta"}).toStdString());
+    EXPECT_FALSE(fileNames().contains("-.json"));
+}
+
 TEST_F(LibraryMerge, MoreShardsThanPeptidesAreMergedToo)
 {
     m_files.write("p.fasta", ">P\nSAMPLEPEPTIDER\n>Q\nLVNELTEFAK\n");

@@ -230,9 +230,12 @@ Error LibraryCommand::finishOutputs()
     return hasManifest() ? m_manifest.write(LibraryManifest::pathFor(m_options.outputPath)) : Error();
 }
 
+/// Where a file is made of a file: a pipe cannot be read a second time for its digest.
 bool LibraryCommand::hasManifest() const
 {
-    return !m_options.writesToStandardOutput() && m_options.inputPath() != QLatin1String("-");
+    const QString input = m_options.inputPath();
+    const bool isFile = input != QLatin1String("-") && (!QFileInfo::exists(input) || QFileInfo(input).isFile());
+    return isFile && LibraryManifest::isFor(m_options.outputPath);
 }
 
 /// Small where there is little to do, so that every thread gets some of it. The library does not depend on it.

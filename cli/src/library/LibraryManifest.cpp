@@ -5,6 +5,7 @@
 #include "Precursor.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 #include <nlohmann/json.hpp>
 
@@ -56,6 +57,12 @@ QString shown(const QString &path)
 QString LibraryManifest::pathFor(const QString &libraryPath)
 {
     return libraryPath + QStringLiteral(".json");
+}
+
+bool LibraryManifest::isFor(const QString &libraryPath)
+{
+    const QFileInfo library(libraryPath);
+    return libraryPath != QLatin1String("-") && (!library.exists() || library.isFile());
 }
 
 Result<LibraryManifest> LibraryManifest::read(const QString &path)

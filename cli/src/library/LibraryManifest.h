@@ -36,6 +36,9 @@ struct LibraryManifest
     /// Where the manifest of a library stands: `library.tsv.json`.
     static QString pathFor(const QString &libraryPath);
 
+    /// Whether a library of that path has a manifest: standard output ("-"), pipes and devices have none.
+    static bool isFor(const QString &libraryPath);
+
     /// The error names the file that cannot be read or is no manifest.
     static Result<LibraryManifest> read(const QString &path);
 

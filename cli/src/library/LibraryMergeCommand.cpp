@@ -139,7 +139,8 @@ Error LibraryMergeCommand::join()
         return error;
     manifest.shard = LibraryShard();
     manifest.file = m_facts;
-    return manifest.write(LibraryManifest::pathFor(m_options.outputPath));
+    return LibraryManifest::isFor(m_options.outputPath) ? manifest.write(LibraryManifest::pathFor(m_options.outputPath))
+                                                        : Error();
 }
 
 Error LibraryMergeCommand::writeAll(LibraryWriter *writer)

@@ -23,8 +23,8 @@ namespace zav {
 class LibraryPredictor
 {
 public:
-    /// Peptides in a block. At 32 a peptide costs 5 % more than at 128, and four times fewer places are filled in vain
-    /// where the peptides of a length run out.
+    /// Peptides in a block. At 32 a peptide costs 5 to 10 % more than at 128, but four times fewer places are filled in
+    /// vain where the peptides of a length run out.
     static constexpr qsizetype PEPTIDES_PER_RUN = 32;
 
     explicit LibraryPredictor(double cysteineMass);
