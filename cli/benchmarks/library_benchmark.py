@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """What `zav library` costs: precursors a second and core, memory, the share of TensorFlow, and beside MS2PIP.
 
-    python3 library_benchmark.py ZAV PROTEINS.fasta [--shard 1/20] [--threads 1] [--ms2pip PYTHON] [--precursors 10000]
+    python3 library_benchmark.py ZAV PROTEINS.fasta [--shard 1/20] [--threads 1] [--ms2pip PYTHON] [--precursors 20000]
 
 PROTEINS.fasta may come from synthetic_proteome.py. Makes one shard of its library for charges 2 and 3 as TSV, whole
 command from start to end, and prints processor time, which other work on the machine disturbs least, beside the wall
@@ -120,7 +120,7 @@ def main():
     parser.add_argument("--shard", default="1/20")
     parser.add_argument("--threads", default="1")
     parser.add_argument("--ms2pip", help="a Python that has ms2pip")
-    parser.add_argument("--precursors", type=int, default=10000)
+    parser.add_argument("--precursors", type=int, default=20000)
     arguments = parser.parse_args()
 
     settings = ["--shard", arguments.shard, "--threads", arguments.threads]

@@ -23,10 +23,14 @@ namespace {
 // Peptides that a worker takes at a time. Many, because each length needs whole blocks; bounded, because their entries
 // stay in memory until their turn has come.
 constexpr qint64 MOST_AT_ONCE = 8192;
-constexpr qint64 FEWEST_AT_ONCE = 256;
-constexpr qint64 PIECES_PER_THREAD = 4;
+constexpr qint64 FEWEST_AT_ONCE = 512;
 
 constexpr double MEGABYTE = 1e6;
+
+qint64 dividedUp(qint64 dividend, qint64 divisor)
+{
+    return (dividend + divisor - 1) / divisor;
+}
 
 bool showsProgress(const LibraryOptions &options)
 {
@@ -238,10 +242,11 @@ bool LibraryCommand::hasManifest() const
     return isFile && LibraryManifest::isFor(m_options.outputPath);
 }
 
-/// Small where there is little to do, so that every thread gets some of it. The library does not depend on it.
+/// As many pieces for each thread as for the others, and as few as can be. The library does not depend on it.
 qint64 LibraryCommand::pieceSize(qint64 peptides) const
 {
-    return std::clamp(peptides / (PIECES_PER_THREAD * m_options.threads), FEWEST_AT_ONCE, MOST_AT_ONCE);
+    const qint64 rounds = dividedUp(peptides, MOST_AT_ONCE * m_options.threads);
+    return std::max(FEWEST_AT_ONCE, dividedUp(peptides, std::max<qint64>(1, rounds * m_options.threads)));
 }
 
 void LibraryCommand::tellTotals()
