@@ -7,6 +7,8 @@
 #include "SpectrumArguments.h"
 #include "SplitArguments.h"
 
+#include <QtCore/QLocale>
+
 namespace zav {
 
 CommandArguments::~CommandArguments() = default;
@@ -20,6 +22,16 @@ std::vector<std::unique_ptr<CommandArguments>> allCommandArguments()
     commands.push_back(std::make_unique<SplitArguments>());
     commands.push_back(std::make_unique<InspectArguments>());
     return commands;
+}
+
+std::string withDefault(const std::string &description, double value)
+{
+    return withDefault(description, QString::number(value, 'g', QLocale::FloatingPointShortest).toStdString());
+}
+
+std::string withDefault(const std::string &description, const std::string &value)
+{
+    return description + " [" + value + "]";
 }
 
 bool isPicture(const QString &path)

@@ -49,6 +49,10 @@ inline Error wrongArgument(const QString &message)
     return Error(InvalidInput, message);
 }
 
+/// What an option does, and its default as the help shows it: "residues [7]".
+std::string withDefault(const std::string &description, double value);
+std::string withDefault(const std::string &description, const std::string &value);
+
 /// Whether the ending is one of a picture.
 bool isPicture(const QString &path);
 

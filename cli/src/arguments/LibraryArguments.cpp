@@ -83,9 +83,9 @@ void LibraryArguments::addOutputTo(CLI::App *command)
     command->add_option("-f,--format", m_format, "msp, tsv, mgf, mzspeclib, dlib or blib; default: by LIB's ending")
         ->type_name("FORMAT");
     command->add_option("--skipped", m_skipped, "list the peptides that are left out, and why")->type_name("FILE.tsv");
-    command->add_option("--threads", m_given.threads, "worker threads, 0: one for each core")
-        ->type_name("N")
-        ->capture_default_str();
+    command
+        ->add_option("--threads", m_given.threads, withDefault("worker threads; 0: one for each core", m_given.threads))
+        ->type_name("N");
     command->add_flag("--low-memory", m_given.lowMemory, "sort the peptides on disk");
     command->add_option("--shard", m_shard, "make the I-th of N parts of equal size")->type_name("I/N");
     command->add_flag("--resume", m_given.resume, "do nothing when LIB is there, complete and made from the same");
@@ -98,52 +98,57 @@ void LibraryArguments::addDigestionTo(CLI::App *command)
     DigestionOptions &digestion = m_given.digestion;
     m_enzyme = digestion.enzyme.toStdString();
     command
-        ->add_option("--enzyme", m_enzyme, Enzyme::names().join(QStringLiteral(", ")).toStdString() + "; in any case")
-        ->type_name("NAME")
-        ->capture_default_str();
+        ->add_option("--enzyme", m_enzyme,
+                     withDefault(Enzyme::names().join(QStringLiteral(", ")).toStdString() + "; in any case", m_enzyme))
+        ->type_name("NAME");
     command
         ->add_option("--cleavage-pattern", m_cleavagePattern,
                      "instead: a regular expression of the places to cut, as (?<=[KR])(?!P)")
         ->type_name("REGEX");
-    command->add_option("--missed-cleavages", digestion.missedCleavages, "sites that a peptide may contain uncut")
-        ->type_name("N")
-        ->capture_default_str();
-    command->add_option("--min-length", digestion.minimumLength, "residues")->type_name("N")->capture_default_str();
-    command->add_option("--max-length", digestion.maximumLength, "residues")->type_name("N")->capture_default_str();
+    command
+        ->add_option("--missed-cleavages", digestion.missedCleavages,
+                     withDefault("sites that a peptide may contain uncut", digestion.missedCleavages))
+        ->type_name("N");
+    command->add_option("--min-length", digestion.minimumLength, withDefault("residues", digestion.minimumLength))
+        ->type_name("N");
+    command->add_option("--max-length", digestion.maximumLength, withDefault("residues", digestion.maximumLength))
+        ->type_name("N");
     command->add_flag("--semi-specific", digestion.semiSpecific, "one end of a peptide may lie anywhere");
     command->add_flag("--remove-methionine", digestion.removesMethionine,
                       "proteins also without the methionine that they begin with");
     command->add_option("--decoys", m_decoys, "none, reversed or shuffled [none]")->type_name("KIND");
-    command->add_option("--decoy-seed", m_given.decoys.seed, "of shuffled decoys")
-        ->type_name("N")
-        ->capture_default_str();
+    command->add_option("--decoy-seed", m_given.decoys.seed, withDefault("of shuffled decoys", m_given.decoys.seed))
+        ->type_name("N");
 }
 
 void LibraryArguments::addPrecursorsTo(CLI::App *command)
 {
     command->add_option("--charges", m_charges, "of the precursors, 1 to 5, as 2,3 or 1-4 [2,3]")->type_name("LIST");
-    command->add_option("--min-precursor-mz", m_given.lowestPrecursorMz, "m/z")->type_name("MZ")->capture_default_str();
-    command->add_option("--max-precursor-mz", m_given.highestPrecursorMz, "m/z")
-        ->type_name("MZ")
-        ->capture_default_str();
-    command->add_option("--cysteine", m_given.cysteineMass, "added to every cysteine, in Da")
-        ->type_name("MASS")
-        ->capture_default_str();
+    command->add_option("--min-precursor-mz", m_given.lowestPrecursorMz, withDefault("m/z", m_given.lowestPrecursorMz))
+        ->type_name("MZ");
+    command
+        ->add_option("--max-precursor-mz", m_given.highestPrecursorMz, withDefault("m/z", m_given.highestPrecursorMz))
+        ->type_name("MZ");
+    command
+        ->add_option("--cysteine", m_given.cysteineMass,
+                     withDefault("added to every cysteine, in Da", m_given.cysteineMass))
+        ->type_name("MASS");
 }
 
 void LibraryArguments::addPeaksTo(CLI::App *command)
 {
     PeakFilterOptions &peaks = m_given.peaks;
-    command->add_option("--top", peaks.top, "keep the N most intense peaks; 0: all")
-        ->type_name("N")
-        ->capture_default_str();
-    command->add_option("--min-intensity", peaks.minIntensity, "relative to the base peak")
-        ->type_name("X")
-        ->capture_default_str();
-    command->add_option("--min-mz", peaks.minMz, "of a peak")->type_name("MZ")->capture_default_str();
-    command->add_option("--min-ion-number", peaks.minIonNumber, "residues in a fragment, 3: from b3 and y3 on")
-        ->type_name("N")
-        ->capture_default_str();
+    command->add_option("--top", peaks.top, withDefault("keep the N most intense peaks; 0: all", peaks.top))
+        ->type_name("N");
+    command
+        ->add_option("--min-intensity", peaks.minIntensity,
+                     withDefault("relative to the base peak", peaks.minIntensity))
+        ->type_name("X");
+    command->add_option("--min-mz", peaks.minMz, withDefault("of a peak", peaks.minMz))->type_name("MZ");
+    command
+        ->add_option("--min-ion-number", peaks.minIonNumber,
+                     withDefault("residues in a fragment, 3: from b3 and y3 on", peaks.minIonNumber))
+        ->type_name("N");
     command->add_flag("--no-losses", m_noLosses, "no peaks of neutral losses");
     command->add_flag("--isotopes", peaks.isotopes, "add the heavier isotopes of each peak that is kept");
 }

@@ -30,12 +30,6 @@ std::optional<TraceFormat> formatNamed(const std::string &name)
     return known == FORMATS.end() ? std::nullopt : std::optional(known->second);
 }
 
-std::string withDefault(const char *description, double value)
-{
-    return std::string(description) + " [" +
-           QByteArray::number(value, 'g', QLocale::FloatingPointShortest).toStdString() + "]";
-}
-
 std::string sizesText()
 {
     return "[" + std::to_string(NETWORK_SIZES.front()) + " to " + std::to_string(NETWORK_SIZES.back()) +
