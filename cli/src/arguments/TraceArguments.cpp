@@ -7,8 +7,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <QtCore/QLocale>
-
 #include <cmath>
 #include <map>
 
