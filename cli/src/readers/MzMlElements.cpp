@@ -32,6 +32,14 @@ void append(QByteArrayView bytes, std::string *out)
     out->append(bytes.data(), static_cast<std::size_t>(bytes.size()));
 }
 
+// ProteoWizard reads past the end of its copy of a reference such as `&#55;`: it shall see none. Nothing that is asked
+// of it, numbers and accessions, is written so; ids are read here.
+void maskCharacterReferences(std::string *text)
+{
+    for (std::size_t at = text->find("&#"); at != std::string::npos; at = text->find("&#", at))
+        text->replace(at, 1, "&amp;");
+}
+
 } // namespace
 
 MzMlElements::MzMlElements(std::unique_ptr<ByteStream> bytes, const char *element)
@@ -119,6 +127,7 @@ Result<MzMlElement> MzMlElements::readElement()
     appendTag(&element);
     if (Error error = isEmpty ? Error() : readContent(&element); error.hasError())
         return error;
+    maskCharacterReferences(&element.text);
     return element;
 }
 

@@ -27,7 +27,7 @@ struct MzMlElement
 ///
 /// In the text, references to parameter groups are replaced by the groups' parameters. Outside of the data arrays only
 /// the parameters stay that readers need (MS level, start time): decoders refuse those that are younger than their copy
-/// of the ontology.
+/// of the ontology. The `&` of character references is written out (`&amp;#55;`).
 class MzMlElements
 {
 public:
