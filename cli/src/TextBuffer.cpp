@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 namespace zav {
@@ -24,7 +23,7 @@ TextBuffer::TextBuffer(qsizetype expectedSize) : m_bytes(expectedSize, Qt::Unini
 
 TextBuffer &TextBuffer::add(QByteArrayView text)
 {
-    std::memcpy(room(text.size()), text.data(), static_cast<std::size_t>(text.size()));
+    std::copy(text.begin(), text.end(), room(text.size())); // an empty text may point nowhere
     m_size += text.size();
     return *this;
 }
