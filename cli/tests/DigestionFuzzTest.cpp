@@ -9,7 +9,8 @@ using DigestionFuzzTest = PeptideDigestTest;
 TEST_F(DigestionFuzzTest, RandomBytesAreNeverMoreThanAFailure)
 {
     std::mt19937 random(8);
-    const std::string_view letters(">>>>\n\n\n\rACDEFKRXacdk|*- ;#\t\x1F\x8B\x00\x01\xFF=GNsp;", 47);
+    constexpr char LETTERS[] = ">>>>\n\n\n\rACDEFKRXacdk|*- ;#\t\x1F\x8B\x00\x01\xFF=GNsp;";
+    const std::string_view letters(LETTERS, sizeof LETTERS - 1); // with the zero in their midst
     for (int i = 0; i < 1000; ++i) {
         QByteArray bytes = randomSequence(random, static_cast<int>(random() % 300), letters);
         if (i % 3 == 0)
