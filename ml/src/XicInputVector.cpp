@@ -30,9 +30,14 @@ void normalise(Eigen::VectorXd &vector)
 
 } // namespace
 
+Eigen::VectorXd mirrored(const Eigen::VectorXd &filter)
+{
+    return filter.reverse();
+}
+
 Eigen::VectorXd buildSmoothingKernel(int size)
 {
-    return EigenUtilities::buildGaussianFilter1D(size, SMOOTHING_SIGMA, true).reverse();
+    return mirrored(EigenUtilities::buildGaussianFilter1D(size, SMOOTHING_SIGMA, true));
 }
 
 int thinningTarget(int maxPointCount)

@@ -16,8 +16,11 @@ struct XicInputVectorSettings
     int smoothingPassCount = 0; ///< convolutions with the kernel; none if 0 or negative
 };
 
-/// The kernel that chromatograms are smoothed with: a normalised Gaussian of `size` taps and a sigma of 4 points,
-/// mirrored as a convolution asks.
+/// Element i becomes element n - 1 - i.
+Eigen::VectorXd mirrored(const Eigen::VectorXd &filter);
+
+/// The kernel that chromatograms are smoothed with: the mirror image of a normalised Gaussian of `size` taps and a
+/// sigma of 4 points. A Gaussian is its own; the order is kept for a filter that is not.
 Eigen::VectorXd buildSmoothingKernel(int size);
 
 /// How many points are left of a chromatogram that does not fit into `maxPointCount`: 200 fewer than that, not below 0.

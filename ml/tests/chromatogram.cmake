@@ -5,6 +5,7 @@ zav_add_test(ml_chromatogram_tests
         XicBaselineLimitsDetectorHostileTest.cpp
         XicBaselineLimitsDetectorTest.cpp
         XicHostileSizeTest.cpp
+        XicInputVectorTest.cpp
         XicPeakSplitterHostileTest.cpp
         XicPeakSplitterTest.cpp
         XicPeakWalkTest.cpp
