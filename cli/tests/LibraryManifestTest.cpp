@@ -82,13 +82,11 @@ TEST(ManifestOrigin, DifferenceNamesWhatDiffers)
     EXPECT_EQ(differenceOfOrigin(example(), other), "another input");
 }
 
-TEST(EntryNumbering, SetsBothNumbersOfAnEntryAndNothingElse)
+TEST(EntryNumbering, SetsTheNumberOfAnEntryAndNothingElse)
 {
-    const QByteArray entry = "<Spectrum=1>\nMS:1003061|library spectrum name=PEPTIDE/2\n"
-                             "MS:1003062|library spectrum index=0\nMS:1000041|charge state=2\n<Peaks>\n";
+    const QByteArray entry = "<Spectrum=1>\nMS:1003061|library spectrum name=PEPTIDE/2\n<Peaks>\n";
     EXPECT_EQ(entryNumbering::numberedEntry(entry, 1234),
-              "<Spectrum=1235>\nMS:1003061|library spectrum name=PEPTIDE/2\n"
-              "MS:1003062|library spectrum index=1234\nMS:1000041|charge state=2\n<Peaks>\n");
+              "<Spectrum=1235>\nMS:1003061|library spectrum name=PEPTIDE/2\n<Peaks>\n");
     EXPECT_EQ(entryNumbering::numberedEntry(entry, 0), entry);
 }
 

@@ -8,8 +8,8 @@
 
 namespace zav {
 
-/// The running numbers that mzSpecLib gives its entries. They are known only when an entry's turn has come, after it
-/// was formatted and, where libraries are merged, after it was written.
+/// The running number that mzSpecLib gives each entry. It is known only when the entry's turn has come, after it was
+/// formatted and, where libraries are merged, after it was written.
 namespace entryNumbering {
 
 /// Whether a format numbers its entries; the functions below are for such a one.
