@@ -3,34 +3,26 @@
 # zav_add_library(<name>
 #     EXPORT_NAME <name behind zav::>
 #     SOURCES <file>...            # relative to the calling folder
-#     PUBLIC_HEADERS <file>...     # installed, flat, under <zav/...>
+#     SOURCE_DIRS <folder>...      # of the private headers
 #     LAYERS <zav library>...      # the layers directly below
 #     PRIVATE_LIBRARIES <target>...)
 #
 # Compiles the sources once and links them twice: into the shared library <name>, and into the static twin
-# <name>_static that tests of hidden parts link. A layer sees its own folders (SOURCE_DIRS) and those of the layers
-# below it, nothing above. Hosts in this tree see the public headers as an installed prefix lays them out.
+# <name>_static that tests of hidden parts link. What stands in include/zav is installed and promised to hosts. A layer
+# sees its own folders (include and SOURCE_DIRS) and those of the layers below it, nothing above.
 
-set(ZAV_STAGED_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
 set(ZAV_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
     $<$<BOOL:${ZAV_WARNINGS_AS_ERRORS}>:-Werror>)
 
 # Old-style DT_RPATH: glibc ignores DT_RUNPATH when Qt looks a library up on our behalf.
 set(ZAV_RPATH_LINK_OPTIONS $<$<PLATFORM_ID:Linux>:-Wl,--disable-new-dtags>)
 
-function(zav_stage_headers)
-    foreach(header IN LISTS ARGN)
-        get_filename_component(name "${header}" NAME)
-        configure_file("${header}" "${ZAV_STAGED_INCLUDE_DIR}/zav/${name}" COPYONLY)
-    endforeach()
-endfunction()
-
 function(zav_add_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "EXPORT_NAME" "SOURCES;SOURCE_DIRS;PUBLIC_HEADERS;LAYERS;PRIVATE_LIBRARIES")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "EXPORT_NAME" "SOURCES;SOURCE_DIRS;LAYERS;PRIVATE_LIBRARIES")
     string(TOUPPER "${name}" upper)
-    zav_stage_headers(${arg_PUBLIC_HEADERS})
 
-    add_library(${name}_objects OBJECT ${arg_SOURCES} ${arg_PUBLIC_HEADERS})
+    add_library(${name}_objects OBJECT ${arg_SOURCES})
+    list(PREPEND arg_SOURCE_DIRS include)
     list(TRANSFORM arg_SOURCE_DIRS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
     list(TRANSFORM arg_LAYERS APPEND _objects OUTPUT_VARIABLE lower_objects)
     set(include_dirs ${arg_SOURCE_DIRS})
@@ -49,7 +41,7 @@ function(zav_add_library name)
     add_library(zav::${arg_EXPORT_NAME} ALIAS ${name})
     target_link_libraries(${name} PUBLIC Qt6::Core ${arg_LAYERS})
     target_include_directories(${name} INTERFACE
-        $<BUILD_INTERFACE:${ZAV_STAGED_INCLUDE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+        $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_compile_features(${name} INTERFACE cxx_std_17)
     target_link_options(${name} PRIVATE ${ZAV_RPATH_LINK_OPTIONS})
     set_target_properties(${name} PROPERTIES
@@ -69,7 +61,7 @@ function(zav_add_library name)
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development)
-    install(FILES ${arg_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zav COMPONENT Development)
+    install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
 endfunction()
 
 # zav_add_test(<name> SOURCES <file>... LIBRARIES <target>...): one GoogleTest program, each of its tests a ctest.

@@ -5,8 +5,9 @@
 // Usage: fragment_batch_benchmark [folder of the networks]
 #include "BenchmarkSetting.h"
 #include "FragmentBatch.h"
-#include "MsMsFragmentationPredictomatic.h"
 #include "PeptideVocabulary.h"
+
+#include <zav/MsMsFragmentationPredictomatic.h>
 
 #include <algorithm>
 #include <cmath>

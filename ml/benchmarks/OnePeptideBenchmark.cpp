@@ -4,9 +4,10 @@
 // Refuses to time wrong answers. Usage: one_peptide_benchmark [folder of the networks]
 #include "BenchmarkSetting.h"
 #include "CallComparison.h"
-#include "MsMsFragmentationPredictomatic.h"
 #include "PeptideVocabulary.h"
 #include "Tensor.h"
+
+#include <zav/MsMsFragmentationPredictomatic.h>
 
 #include <algorithm>
 #include <cstdio>

@@ -2,8 +2,9 @@
 #include "FragmentAnnotator.h"
 
 #include "SpectrumLimits.h"
-#include "TheoreticalIsotopePoint2dListGenerator.h"
 #include "kelphysica.h"
+
+#include <zav/TheoreticalIsotopePoint2dListGenerator.h>
 
 #include <algorithm>
 

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "FragmentLadder.h"
-#include "FragmentPeak.h"
+
+#include <zav/FragmentPeak.h>
 
 #include <QtCore/QList>
 #include <QtCore/QString>

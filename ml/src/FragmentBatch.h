@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Error.h"
 #include "FragmentAnnotator.h"
-#include "FragmentPeak.h"
 #include "Tensor.h"
+
+#include <zav/Error.h>
+#include <zav/FragmentPeak.h>
 
 #include <QtCore/QList>
 #include <QtCore/QString>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MsMsFragmentationPredictomatic.h"
+#include <zav/MsMsFragmentationPredictomatic.h>
 
 #include "ErrorUtils.h"
 #include "FragmentBatch.h"

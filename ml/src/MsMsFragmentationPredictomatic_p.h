@@ -2,7 +2,8 @@
 #pragma once
 
 #include "Model.h"
-#include "MsMsFragmentationPredictomatic.h"
+
+#include <zav/MsMsFragmentationPredictomatic.h>
 
 #include <QtCore/QMap>
 

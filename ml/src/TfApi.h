@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Error.h"
 #include "TfTypes.h"
+
+#include <zav/Error.h>
 
 #include <QtCore/QString>
 

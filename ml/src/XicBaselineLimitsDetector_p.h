@@ -2,7 +2,8 @@
 #pragma once
 
 #include "Model.h"
-#include "XicBaselineLimitsDetector.h"
+
+#include <zav/XicBaselineLimitsDetector.h>
 
 #include <Eigen/Core>
 

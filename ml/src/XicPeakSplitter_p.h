@@ -2,7 +2,8 @@
 #pragma once
 
 #include "Model.h"
-#include "XicPeakSplitter.h"
+
+#include <zav/XicPeakSplitter.h>
 
 #include <Eigen/Core>
 

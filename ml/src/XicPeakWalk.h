@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Interval.h"
+#include <zav/Interval.h>
 
 #include <QtCore/QList>
 

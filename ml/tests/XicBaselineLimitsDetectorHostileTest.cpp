@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "XicBaselineLimitsDetector.h"
+#include <zav/XicBaselineLimitsDetector.h>
 
 #include "MessageRecorder.h"
 #include "XicBaselineLimitsDetectorFixture.h"

@@ -3,7 +3,8 @@
 // Chromatograms of one to twenty thousand points whose times descend, stand still or are no numbers, through the
 // walk, the network's limits and the splits. Ten million points are a benchmark's matter.
 #include "XicBaselineLimitsDetectorFixture.h"
-#include "XicPeakSplitter.h"
+
+#include <zav/XicPeakSplitter.h>
 
 #include <algorithm>
 #include <cmath>

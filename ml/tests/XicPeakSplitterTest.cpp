@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "XicPeakSplitter.h"
+#include <zav/XicPeakSplitter.h>
 
 #include "MessageRecorder.h"
 #include "NaiveChromatogram.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "XicBaselineLimitsDetectorOptions.h"
-#include "XicPeakSplitterOptions.h"
+#include <zav/XicBaselineLimitsDetectorOptions.h>
+#include <zav/XicPeakSplitterOptions.h>
 
 #include <gtest/gtest.h>
 

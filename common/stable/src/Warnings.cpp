@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Warnings.h"
+#include <zav/Warnings.h>
 
 namespace zav {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Export.h"
+#include <zav/Export.h>
 
 #include <QtCore/QList>
 #include <QtCore/QPointF>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Error.h"
+#include <zav/Error.h>
 
 #include <gtest/gtest.h>
 

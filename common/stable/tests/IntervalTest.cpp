@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Interval.h"
+#include <zav/Interval.h>
 
 #include <gtest/gtest.h>
 

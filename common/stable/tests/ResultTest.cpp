@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Result.h"
+#include <zav/Result.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FragmentationNetwork.h"
 
-#include "MsMsFragmentationPredictomatic.h"
+#include <zav/MsMsFragmentationPredictomatic.h>
 
 #include <cstddef>
 #include <random>

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "FragmentationNetwork.h"
-#include "MsMsFragmentationPredictomatic.h"
+
+#include <zav/MsMsFragmentationPredictomatic.h>
 
 #include <gtest/gtest.h>
 

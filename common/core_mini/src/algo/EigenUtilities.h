@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Export.h"
-#include "Result.h"
+#include <zav/Export.h>
+#include <zav/Result.h>
 
 #include <QtCore/QList>
 

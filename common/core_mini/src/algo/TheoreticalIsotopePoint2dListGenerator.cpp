@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "TheoreticalIsotopePoint2dListGenerator.h"
+#include <zav/TheoreticalIsotopePoint2dListGenerator.h>
 
 #include "kelphysicalConsts.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "XicBaselineLimitsDetectorOptions.h"
+#include <zav/XicBaselineLimitsDetectorOptions.h>
 
 #include "ParameterRule.h"
 

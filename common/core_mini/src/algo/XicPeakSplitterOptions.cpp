@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "XicPeakSplitterOptions.h"
+#include <zav/XicPeakSplitterOptions.h>
 
 #include "ParameterRule.h"
 

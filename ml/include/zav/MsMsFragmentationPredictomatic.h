@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Error.h"
-#include "Export.h"
-#include "FragmentPeak.h"
-#include "Result.h"
-#include "TheoreticalIsotopePoint2dListGenerator.h"
+#include <zav/Error.h>
+#include <zav/Export.h>
+#include <zav/FragmentPeak.h>
+#include <zav/Result.h>
+#include <zav/TheoreticalIsotopePoint2dListGenerator.h>
 
 #include <QtCore/QList>
 #include <QtCore/QPointF>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Error.h"
-#include "Export.h"
-#include "Result.h"
-#include "XicPeakSplitterOptions.h"
+#include <zav/Error.h>
+#include <zav/Export.h>
+#include <zav/Result.h>
+#include <zav/XicPeakSplitterOptions.h>
 
 #include <QtCore/QList>
 #include <QtCore/QPointF>

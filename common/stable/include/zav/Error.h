@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Warnings.h"
+#include <zav/Warnings.h>
 
 namespace zav {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Error.h"
-#include "Export.h"
+#include <zav/Error.h>
+#include <zav/Export.h>
 
 #include <QtCore/QString>
 

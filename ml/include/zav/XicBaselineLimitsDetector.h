@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Error.h"
-#include "Export.h"
-#include "Interval.h"
-#include "Result.h"
-#include "XicBaselineLimitsDetectorOptions.h"
+#include <zav/Error.h>
+#include <zav/Export.h>
+#include <zav/Interval.h>
+#include <zav/Result.h>
+#include <zav/XicBaselineLimitsDetectorOptions.h>
 
 #include <QtCore/QList>
 #include <QtCore/QPointF>
