@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ChargeList.h"
 
-#include "Precursor.h"
+#include "PrintableText.h"
 
 #include <QtCore/QSet>
 #include <QtCore/QStringList>

@@ -3,7 +3,7 @@
 
 #include "ChargeList.h"
 #include "Enzyme.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 
 #include <CLI/CLI.hpp>
 

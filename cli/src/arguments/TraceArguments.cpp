@@ -2,7 +2,7 @@
 #include "TraceArguments.h"
 
 #include "NetworkSize.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 #include "RuntimeThreads.h"
 
 #include <CLI/CLI.hpp>

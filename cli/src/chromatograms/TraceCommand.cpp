@@ -3,7 +3,7 @@
 
 #include "ExitCode.h"
 #include "OrderedPipeline.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 #include "Progress.h"
 #include "QuietStandardError.h"
 #include "RuntimeThreads.h"

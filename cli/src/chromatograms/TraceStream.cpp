@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TraceStream.h"
 
-#include "Precursor.h"
+#include "PrintableText.h"
 
 #include <utility>
 

@@ -5,7 +5,7 @@
 #include "FileDigest.h"
 #include "LibrarySettings.h"
 #include "OrderedPipeline.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 #include "Progress.h"
 #include "QuietStandardError.h"
 #include "RuntimeThreads.h"

@@ -2,7 +2,7 @@
 #include "LibraryManifest.h"
 
 #include "OutputFile.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>

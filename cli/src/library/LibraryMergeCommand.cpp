@@ -4,7 +4,7 @@
 #include "ExitCode.h"
 #include "FileDigest.h"
 #include "LibrarySettings.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 #include "TextLibraryWriter.h"
 
 #include "EntryNumbering.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 
 #include <QtCore/QFile>
 

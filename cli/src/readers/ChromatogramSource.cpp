@@ -3,9 +3,9 @@
 
 #include "ChromatogramJsonLines.h"
 #include "ChromatogramTable.h"
-#include "MzMlChromatograms.h"
-#include "MzMlExtraction.h"
-#include "Precursor.h"
+#include "PrintableText.h"
+#include "mzml/MzMlChromatograms.h"
+#include "mzml/MzMlExtraction.h"
 
 #include <algorithm>
 

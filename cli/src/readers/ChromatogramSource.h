@@ -79,8 +79,8 @@ struct ChromatogramRequest
 /// number) and `rt_unit` ("min" or "s") may be missing.
 ///
 /// Messages name the file, or "standard input". `InvalidInput` for an unknown ending or format and for targets with a
-/// file that is not mzML; `Failure` for a file that cannot be read as what its ending says, that holds no chromatogram,
-/// or that needs a library that this build was made without (ProteoWizard's for mzML, zlib for what is gzipped).
+/// file that is not mzML; `Failure` for a file that cannot be read as what its ending says or that holds no
+/// chromatogram.
 Result<std::unique_ptr<ChromatogramSource>> openChromatograms(const ChromatogramRequest &request);
 
 } // namespace zav

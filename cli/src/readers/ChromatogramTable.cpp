@@ -2,7 +2,7 @@
 #include "ChromatogramTable.h"
 
 #include "NumberText.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 
 namespace zav {
 

@@ -2,8 +2,8 @@
 #include "SpectrumFile.h"
 
 #include "MgfFile.h"
-#include "MzMlFile.h"
 #include "PeakTableFile.h"
+#include "mzml/MzMlFile.h"
 
 namespace zav {
 

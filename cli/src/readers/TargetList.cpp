@@ -3,7 +3,7 @@
 
 #include "LineStream.h"
 #include "NumberText.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 #include "TableHeading.h"
 
 #include <QtCore/QSet>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Enzyme.h"
 
-#include "Precursor.h"
+#include "PrintableText.h"
 
 #include <algorithm>
 #include <string_view>

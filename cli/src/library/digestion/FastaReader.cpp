@@ -2,7 +2,7 @@
 #include "FastaReader.h"
 
 #include "FastaHeader.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 
 namespace zav {
 

@@ -5,7 +5,7 @@
 #include "PeptideMerge.h"
 #include "PeptideSet.h"
 #include "PeptideUniter.h"
-#include "Precursor.h"
+#include "PrintableText.h"
 #include "ResidueAlphabet.h"
 
 #include <QtCore/QtEndian>

@@ -2,6 +2,7 @@
 #include "PeptideTableReader.h"
 
 #include "FastaHeader.h"
+
 #include <algorithm>
 #include <utility>
 

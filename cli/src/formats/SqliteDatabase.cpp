@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SqliteDatabase.h"
+
+#include "PrintableText.h"
+
+#include <sqlite3.h>
+
+#include <utility>
+
+namespace zav {
+
+SqliteDatabase::~SqliteDatabase()
+{
+    sqlite3_close_v2(m_handle);
+}
+
+Error SqliteDatabase::open(const QString &path, bool isReadOnly)
+{
+    const int flags = isReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    const int status = sqlite3_open_v2(path.toUtf8().constData(), &m_handle, flags, nullptr);
+    return status == SQLITE_OK ? Error() : failure();
+}
+
+Error SqliteDatabase::run(const char *sql)
+{
+    return sqlite3_exec(m_handle, sql, nullptr, nullptr, nullptr) == SQLITE_OK ? Error() : failure();
+}
+
+Error SqliteDatabase::close()
+{
+    if (sqlite3_close(m_handle) != SQLITE_OK)
+        return failure();
+    m_handle = nullptr;
+    return {};
+}
+
+Error SqliteDatabase::failure() const
+{
+    return Error(Failure, QStringLiteral("%1 %2: %3")
+                              .arg(QString::fromUtf8(m_what), displayText(m_name, 300),
+                                   QString::fromUtf8(sqlite3_errmsg(m_handle))));
+}
+
+SqliteStatement::~SqliteStatement()
+{
+    release();
+}
+
+Error SqliteStatement::prepare(SqliteDatabase *database, const char *sql)
+{
+    m_database = database;
+    const int status = sqlite3_prepare_v2(database->m_handle, sql, -1, &m_statement, nullptr);
+    return status == SQLITE_OK ? Error() : database->failure();
+}
+
+void SqliteStatement::release()
+{
+    sqlite3_finalize(std::exchange(m_statement, nullptr));
+}
+
+Result<bool> SqliteStatement::next()
+{
+    switch (sqlite3_step(m_statement)) {
+    case SQLITE_ROW:
+        return true;
+    case SQLITE_DONE:
+        return false;
+    default:
+        return m_database->failure();
+    }
+}
+
+qint64 SqliteStatement::integer(int column) const
+{
+    return sqlite3_column_int64(m_statement, column);
+}
+
+double SqliteStatement::real(int column) const
+{
+    return sqlite3_column_double(m_statement, column);
+}
+
+QByteArray SqliteStatement::bytes(int column) const
+{
+    const auto *begin = static_cast<const char *>(sqlite3_column_blob(m_statement, column));
+    return QByteArray(begin, sqlite3_column_bytes(m_statement, column));
+}
+
+void SqliteStatement::bind(int parameter, std::nullptr_t)
+{
+    sqlite3_bind_null(m_statement, parameter);
+}
+
+void SqliteStatement::bind(int parameter, int value)
+{
+    sqlite3_bind_int(m_statement, parameter, value);
+}
+
+void SqliteStatement::bind(int parameter, qint64 value)
+{
+    sqlite3_bind_int64(m_statement, parameter, value);
+}
+
+void SqliteStatement::bind(int parameter, double value)
+{
+    sqlite3_bind_double(m_statement, parameter, value);
+}
+
+void SqliteStatement::bind(int parameter, const QByteArray &text)
+{
+    sqlite3_bind_text64(m_statement, parameter, text.constData(), static_cast<sqlite3_uint64>(text.size()),
+                        SQLITE_STATIC, SQLITE_UTF8);
+}
+
+void SqliteStatement::bind(int parameter, const SqliteBlob &blob)
+{
+    sqlite3_bind_blob64(m_statement, parameter, blob.bytes.constData(), static_cast<sqlite3_uint64>(blob.bytes.size()),
+                        SQLITE_STATIC);
+}
+
+Error SqliteStatement::finishRun()
+{
+    const bool isDone = sqlite3_step(m_statement) == SQLITE_DONE;
+    const Error error = isDone ? Error() : m_database->failure();
+    reset();
+    return error;
+}
+
+void SqliteStatement::reset()
+{
+    sqlite3_reset(m_statement);
+}
+
+} // namespace zav

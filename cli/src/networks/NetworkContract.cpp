@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NetworkContract.h"
+
+#include "PrintableText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <QtCore/QFile>
+#include <QtCore/QStringList>
+
+namespace zav {
+
+namespace {
+
+using Json = nlohmann::json;
+
+QString textField(const Json &object, const char *name)
+{
+    const auto field = object.find(name);
+    return field != object.end() && field->is_string() ? QString::fromStdString(field->get<std::string>()) : QString();
+}
+
+int numberField(const Json &object, const char *name)
+{
+    const auto field = object.find(name);
+    return field != object.end() && field->is_number_integer() ? field->get<int>() : 0;
+}
+
+QList<int> shapeField(const Json &object, const char *name)
+{
+    QList<int> shape;
+    const auto field = object.find(name);
+    if (field == object.end() || !field->is_array())
+        return shape;
+    for (const Json &size : *field)
+        shape.append(size.is_number_integer() ? size.get<int>() : 0);
+    return shape;
+}
+
+struct Figure
+{
+    const char *field;
+    const char *text; // with a place for the value
+    int decimals;
+};
+
+// In the order in which a person asks for them.
+constexpr Figure FIGURES[] = {{"heldOutMedianSpectralAngle", "angle %1", 3},
+                              {"heldOutMedianPearson", "Pearson %1", 3},
+                              {"heldOutSpectra", "%1 spectra", 0},
+                              {"heldOutManualWindowF1", "F1 %1 by hand", 3},
+                              {"heldOutSoftwareVisibleF1", "%1 by software", 3},
+                              {"heldOutNeighboursPrecision", "precision %1", 3},
+                              {"heldOutNeighboursRecall", "recall %1", 3}};
+
+QString figuresOf(const Json &object)
+{
+    QStringList texts;
+    for (const Figure &figure : FIGURES) {
+        const auto field = object.find(figure.field);
+        if (field != object.end() && field->is_number())
+            texts.append(QString::fromUtf8(figure.text).arg(field->get<double>(), 0, 'f', figure.decimals));
+    }
+    return texts.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+Result<NetworkContract> readNetworkContract(const QString &path)
+{
+    const QString shown = displayText(path, 300);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Error(Failure, QStringLiteral("cannot read %1: %2").arg(shown, file.errorString()));
+    const Json object = Json::parse(file.readAll().toStdString(), nullptr, false);
+    NetworkContract contract;
+    if (object.is_object())
+        contract.kind = textField(object, "kind");
+    if (contract.kind.isEmpty())
+        return Error(Failure, QStringLiteral("%1 is not the contract of a network").arg(shown));
+    contract.charge = numberField(object, "charge");
+    contract.maxPointCount = numberField(object, "maxPointCount");
+    contract.inputShape = shapeField(object, "inputShape");
+    contract.outputShape = shapeField(object, "outputShape");
+    contract.figures = figuresOf(object);
+    contract.sha256 = textField(object, "sha256").toLower();
+    return contract;
+}
+
+} // namespace zav

@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "MzMlElements.h"
+
+#include "PrintableText.h"
+#include "XmlText.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zav {
+
+namespace {
+
+constexpr char GROUP[] = "referenceableParamGroup";
+constexpr char GROUP_REFERENCE[] = "referenceableParamGroupRef";
+constexpr char ARRAY[] = "binaryDataArray";
+constexpr char PARAMETER[] = "cvParam";
+constexpr char USER_PARAMETER[] = "userParam";
+constexpr std::size_t MAX_DEPTH = 100; // mzML needs about ten
+
+// MS level, "MS1 spectrum" where no level is given, scan start time.
+bool isNeeded(QByteArrayView parameter)
+{
+    constexpr const char *ACCESSIONS[] = {"MS:1000511", "MS:1000579", "MS:1000016"};
+    const QByteArrayView accession = xmlAttribute(parameter, "accession").value_or(QByteArrayView());
+    return std::any_of(std::begin(ACCESSIONS), std::end(ACCESSIONS),
+                       [&](const char *needed) { return accession == needed; });
+}
+
+void append(QByteArrayView bytes, std::string *out)
+{
+    out->append(bytes.data(), static_cast<std::size_t>(bytes.size()));
+}
+
+// ProteoWizard reads past the end of its copy of a reference such as `&#55;`: it shall see none. Nothing that is asked
+// of it, numbers and accessions, is written so; ids are read here.
+void maskCharacterReferences(std::string *text)
+{
+    for (std::size_t at = text->find("&#"); at != std::string::npos; at = text->find("&#", at))
+        text->replace(at, 1, "&amp;");
+}
+
+} // namespace
+
+MzMlElements::MzMlElements(std::unique_ptr<ByteStream> bytes, const char *element)
+    : m_tags(std::move(bytes)), m_element(element), m_list(m_element + "List")
+{}
+
+Result<std::optional<MzMlElement>> MzMlElements::next()
+{
+    while (!m_isDone) {
+        if (!advance())
+            return endOfFile();
+        if (m_tags.tagName() == m_element && !m_tags.isEnd()) {
+            Result<MzMlElement> element = readElement();
+            if (element.hasError())
+                return element.error();
+            return std::optional<MzMlElement>(std::move(element).value());
+        }
+        if (Error error = step(); error.hasError())
+            return error;
+    }
+    return std::optional<MzMlElement>();
+}
+
+bool MzMlElements::advance()
+{
+    return std::exchange(m_isTagPending, false) || m_tags.next();
+}
+
+// Takes note of a tag outside of the elements asked for.
+Error MzMlElements::step()
+{
+    const QByteArray tagName = m_tags.tagName().toByteArray();
+    if (m_tags.isEnd())
+        return close(tagName);
+    if (tagName == m_list)
+        m_declaredCount = m_tags.attribute("count").toLongLong();
+    if (tagName == "spectrumList")
+        m_declaredSpectra = m_tags.attribute("count").toLongLong();
+    if (tagName == GROUP && !m_tags.isEmpty())
+        return readGroup();
+    return m_tags.isEmpty() ? Error() : open(tagName);
+}
+
+Error MzMlElements::open(const QByteArray &tagName)
+{
+    if (m_open.empty() && tagName != "mzML" && tagName != "indexedmzML")
+        return m_tags.errorHere(
+            QStringLiteral("is not mzML: its outermost element is <%1>").arg(displayText(QString::fromUtf8(tagName))));
+    if (m_open.size() >= MAX_DEPTH)
+        return m_tags.errorHere(QStringLiteral("is not mzML: its elements nest too deeply"));
+    m_open.push_back(tagName);
+    return {};
+}
+
+Error MzMlElements::close(const QByteArray &tagName)
+{
+    if (m_open.empty() || m_open.back() != tagName)
+        return m_tags.errorHere(QStringLiteral("is damaged: </%1> closes nothing that is open")
+                                    .arg(displayText(QString::fromUtf8(tagName))));
+    m_open.pop_back();
+    m_isDone = tagName == "mzML";
+    return {};
+}
+
+Error MzMlElements::readGroup()
+{
+    std::vector<QByteArray> &group = m_groups[m_tags.attribute("id")];
+    while (m_tags.next()) {
+        if (m_tags.isEnd() && m_tags.tagName() == GROUP)
+            return {};
+        group.push_back(m_tags.tag().toByteArray());
+    }
+    return endOfFile();
+}
+
+Result<MzMlElement> MzMlElements::readElement()
+{
+    MzMlElement element;
+    element.id = m_tags.attribute("id");
+    ++m_number;
+    if (element.id.isEmpty())
+        element.id = QString::number(m_number);
+    const bool isEmpty = m_tags.isEmpty();
+    m_isInArray = false;
+    appendTag(&element);
+    if (Error error = isEmpty ? Error() : readContent(&element); error.hasError())
+        return error;
+    maskCharacterReferences(&element.text);
+    return element;
+}
+
+Error MzMlElements::readContent(MzMlElement *element)
+{
+    while (m_tags.next(&element->text)) {
+        if (endsUnclosed()) {
+            m_isTagPending = true;
+            element->problem = QStringLiteral("its end tag is missing");
+            return {};
+        }
+        appendTag(element);
+        if (m_tags.isEnd() && m_tags.tagName() == m_element)
+            return {};
+    }
+    if (m_tags.error().hasError())
+        return m_tags.error();
+    return m_tags.errorHere(
+        QStringLiteral("ends within %1 '%2'").arg(QString::fromUtf8(m_element), displayText(element->id)));
+}
+
+// Whether a tag can only stand behind the element that is being read.
+bool MzMlElements::endsUnclosed() const
+{
+    return m_tags.isEnd() ? m_tags.tagName() == m_list : m_tags.tagName() == m_element;
+}
+
+void MzMlElements::appendTag(MzMlElement *element)
+{
+    const QByteArrayView tagName = m_tags.tagName();
+    if (tagName == ARRAY)
+        m_isInArray = !m_tags.isEnd();
+    if (tagName == GROUP_REFERENCE)
+        appendGroup(element);
+    else if (tagName == PARAMETER || tagName == USER_PARAMETER)
+        appendParameter(m_tags.tag(), element);
+    else
+        append(m_tags.tag(), &element->text);
+}
+
+void MzMlElements::appendGroup(MzMlElement *element) const
+{
+    if (m_tags.isEnd())
+        return;
+    const QString reference = m_tags.attribute("ref");
+    const auto group = m_groups.find(reference);
+    if (group == m_groups.end()) {
+        element->problem =
+            QStringLiteral("it refers to parameter group '%1', which the file has not").arg(displayText(reference));
+        return;
+    }
+    for (const QByteArray &tag : group->second)
+        appendParameter(tag, element);
+}
+
+// Writes each as an empty element, so that end tags can be passed over.
+void MzMlElements::appendParameter(QByteArrayView tag, MzMlElement *element) const
+{
+    if (tag.startsWith("</") || tag.startsWith("<userParam") || (!m_isInArray && !isNeeded(tag)))
+        return;
+    append(tag.chopped(tag.endsWith("/>") ? 2 : 1), &element->text);
+    append("/>", &element->text);
+}
+
+Error MzMlElements::endOfFile() const
+{
+    if (m_tags.error().hasError())
+        return m_tags.error();
+    if (m_open.empty())
+        return m_tags.errorHere(QStringLiteral("is not mzML: it holds no XML element"));
+    return m_tags.errorHere(QStringLiteral("is cut short: it ends within <%1>").arg(QString::fromUtf8(m_open.back())));
+}
+
+} // namespace zav

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SpectrumCommand.h"
+
+#include "ExitCode.h"
+#include "ObservedSpectrumFile.h"
+#include "PrecursorCheck.h"
+#include "PrintableText.h"
+#include "Progress.h"
+#include "SpectrumPlot.h"
+#include "Terminal.h"
+
+#include <zav/MsMsFragmentationPredictomatic.h>
+
+#include <QtCore/QSet>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace zav {
+
+namespace {
+
+// How many precursors are predicted before the bar moves. With isotopes the network runs for each alone; without, the
+// block is large enough for it to run on many at once.
+constexpr qsizetype BLOCK_WITH_ISOTOPES = 32;
+constexpr qsizetype BLOCK_WITHOUT_ISOTOPES = 512;
+
+OutputFormat formatOf(const SpectrumOptions &options)
+{
+    if (options.format)
+        return *options.format;
+    return options.outputPath.isEmpty() && terminal::standardOutputIsTerminal() ? OutputFormat::Table
+                                                                                : OutputFormat::Tsv;
+}
+
+PredictionContent contentOf(const SpectrumOptions &options, OutputFormat format, const WriterOptions &writerOptions)
+{
+    const bool isCompared = !options.picturePath.isEmpty() || !options.observedPath.isEmpty();
+    return {options.cysteineMass, options.isotopes, isCompared || writesIonNames(format, writerOptions),
+            options.verbose};
+}
+
+bool writesToStandardOutput(const QString &outputPath)
+{
+    return outputPath.isEmpty() || outputPath == QLatin1String("-");
+}
+
+QString listName(const QString &path)
+{
+    return path == QLatin1String("-") ? QStringLiteral("standard input") : displayText(path, 300);
+}
+
+} // namespace
+
+SpectrumCommand::SpectrumCommand(const SpectrumOptions &options)
+    : m_options(options),
+      m_format(formatOf(options)), m_writerOptions{options.annotate, !options.peptideList.isEmpty()},
+      m_output(options.outputPath, m_format, m_writerOptions), m_messages(options.verbose)
+{}
+
+SpectrumCommand::~SpectrumCommand() = default;
+
+int SpectrumCommand::run()
+{
+    const Error error = runSteps();
+    if (error.hasError())
+        m_messages.failure(error);
+    return error.hasError() || m_failed > 0 ? SomeFailed : AllDone;
+}
+
+/// The error is one that ends the run; a peptide that fails is told at once and counted.
+Error SpectrumCommand::runSteps()
+{
+    for (auto step : {&SpectrumCommand::readPeptides, &SpectrumCommand::readObserved, &SpectrumCommand::loadNetworks,
+                      &SpectrumCommand::predictAll, &SpectrumCommand::finishOutput, &SpectrumCommand::compareAndDraw}) {
+        if (Error error = (this->*step)(); error.hasError())
+            return error;
+    }
+    countFailures();
+    return {};
+}
+
+Error SpectrumCommand::readPeptides()
+{
+    if (m_options.annotate && m_format == OutputFormat::Mgf)
+        m_messages.note(QStringLiteral("MGF has no place for ion names, --annotate adds none"));
+    if (isList()) {
+        const Result<QList<PeptideListRow>> rows = readPeptideList(m_options.peptideList);
+        if (rows.hasError())
+            return rows.error();
+        m_rows = rows.value();
+    } else {
+        m_rows = {PeptideListRow{{m_options.peptide, m_options.charge}, 0, {}}};
+    }
+    if (m_rows.isEmpty())
+        return Error(InvalidInput, QStringLiteral("no peptides in %1").arg(listName(m_options.peptideList)));
+    checkPeptides();
+    return {};
+}
+
+void SpectrumCommand::checkPeptides()
+{
+    MsMsFragmentationPredictomatic limits;
+    const auto maximumLength = [&](int charge) { return limits.getMaximumPeptideLengthForCharge(charge); };
+    for (const PeptideListRow &row : m_rows)
+        m_problems.append(row.problem.isEmpty() ? checkPrecursor(row.precursor, maximumLength)
+                                                : Error(InvalidInput, row.problem));
+}
+
+Error SpectrumCommand::loadNetworks()
+{
+    QSet<int> charges;
+    for (qsizetype i = 0; i < m_rows.size(); ++i) {
+        if (!m_problems[i].hasError())
+            charges.insert(m_rows[i].precursor.charge);
+    }
+    if (charges.isEmpty())
+        return {};
+    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder);
+    if (folder.hasError())
+        return folder.error();
+    m_predictor = std::make_unique<SpectrumPredictor>(contentOf(m_options, m_format, m_writerOptions));
+    return m_predictor->load(folder.value(), charges);
+}
+
+Error SpectrumCommand::predictAll()
+{
+    const bool mixesWithOutput = writesToStandardOutput(m_options.outputPath) && terminal::standardOutputIsTerminal();
+    Progress progress(m_rows.size(), QStringLiteral("peptides"),
+                      terminal::standardErrorIsTerminal() && !mixesWithOutput);
+    m_messages.setProgress(&progress);
+    const qsizetype blockSize = m_options.isotopes ? BLOCK_WITH_ISOTOPES : BLOCK_WITHOUT_ISOTOPES;
+    Error error;
+    for (qsizetype first = 0; first < m_rows.size() && !error.hasError(); first += blockSize) {
+        progress.update(first);
+        error = predictBlock(first, std::min(first + blockSize, m_rows.size()));
+    }
+    m_messages.setProgress(nullptr);
+    return error;
+}
+
+/// The error is one of writing.
+Error SpectrumCommand::predictBlock(qsizetype first, qsizetype end)
+{
+    QList<Precursor> precursors;
+    for (qsizetype i = first; i < end; ++i) {
+        if (!m_problems[i].hasError())
+            precursors.append(m_rows[i].precursor);
+    }
+    QList<Result<PredictedSpectrum>> outcomes;
+    if (!precursors.isEmpty())
+        outcomes = m_predictor->predict(precursors);
+    for (qsizetype i = first; i < end; ++i) {
+        Error error = accept(m_rows[i], m_problems[i].hasError() ? m_problems[i] : outcomes.takeFirst());
+        if (error.hasError())
+            return error;
+    }
+    return {};
+}
+
+Error SpectrumCommand::accept(const PeptideListRow &row, const Result<PredictedSpectrum> &outcome)
+{
+    if (outcome.hasError()) {
+        reportFailure(row, outcome.error());
+        return {};
+    }
+    if (!isList())
+        m_spectrum = outcome.value();
+    return m_output.write(outcome.value());
+}
+
+Error SpectrumCommand::finishOutput()
+{
+    return m_output.finish();
+}
+
+/// Before the prediction, so that a mistyped path costs no time and writes nothing.
+Error SpectrumCommand::readObserved()
+{
+    if (!m_options.picturePath.isEmpty() && !canDrawSpectra())
+        return Error(Failure, QStringLiteral("this build of zav cannot draw pictures"));
+    if (m_options.observedPath.isEmpty() || m_problems.first().hasError())
+        return {};
+    const Result<ObservedSpectrum> observed = readObservedSpectrum(m_options.observedPath, m_options.scan);
+    if (observed.hasError())
+        return observed.error();
+    m_observed = observed.value();
+    return {};
+}
+
+Error SpectrumCommand::compareAndDraw()
+{
+    if (!m_spectrum)
+        return {};
+    const Precursor &precursor = m_spectrum->precursor;
+    std::optional<SpectrumComparison> comparison;
+    if (m_observed) {
+        comparison = compareSpectra({precursor.peptide, precursor.charge, m_spectrum->cysteineMass}, m_spectrum->peaks,
+                                    *m_observed, m_options.tolerance);
+        printComparison(*comparison);
+    }
+    if (m_options.picturePath.isEmpty())
+        return {};
+    return drawSpectrum(
+        {precursor.peptide, precursor.charge, m_spectrum->precursorMz, m_spectrum->peaks, m_observed, comparison},
+        m_options.picturePath);
+}
+
+/// On standard output, unless another program reads the spectrum there.
+void SpectrumCommand::printComparison(const SpectrumComparison &comparison)
+{
+    const bool isFree = m_format == OutputFormat::Table || !writesToStandardOutput(m_options.outputPath);
+    const QString text =
+        QStringLiteral("spectral angle %1, cosine %2 over b and y ions\n%3 of %4 observed peaks explained, %5 % of the "
+                       "intensity\n")
+            .arg(QString::number(comparison.spectralAngle, 'f', 3), QString::number(comparison.cosine, 'f', 3),
+                 QString::number(comparison.explainedPeaks), QString::number(comparison.observedPeaks),
+                 QString::number(100 * comparison.explainedIntensity, 'f', 1));
+    std::fputs(qUtf8Printable(text), isFree ? stdout : stderr);
+}
+
+void SpectrumCommand::countFailures()
+{
+    if (isList() && m_failed > 0)
+        m_messages.note(QStringLiteral("%1 of %2 precursors could not be predicted").arg(m_failed).arg(m_rows.size()));
+}
+
+void SpectrumCommand::reportFailure(const PeptideListRow &row, const Error &error)
+{
+    ++m_failed;
+    const QString name = displayName(row.precursor);
+    const QString line = QStringLiteral("%1:%2: ").arg(listName(m_options.peptideList)).arg(row.line);
+    m_messages.failure(error, isList() ? line + name : name);
+}
+
+} // namespace zav

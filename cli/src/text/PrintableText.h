@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QtCore/QString>
+
+namespace zav {
+
+/// A text of the user's as it may stand in a message: control characters escaped, cut after `maxLength` characters.
+QString displayText(const QString &text, int maxLength = 60);
+
+} // namespace zav
