@@ -14,6 +14,10 @@
 set(ZAV_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
     $<$<BOOL:${ZAV_WARNINGS_AS_ERRORS}>:-Werror>)
 
+# So that a compiler cache can tell one precompiled header from another.
+set(ZAV_PRECOMPILE_FLAGS
+    $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess> "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
+
 # Old-style DT_RPATH: glibc ignores DT_RUNPATH when Qt looks a library up on our behalf.
 set(ZAV_RPATH_LINK_OPTIONS $<$<PLATFORM_ID:Linux>:-Wl,--disable-new-dtags>)
 
@@ -35,6 +39,7 @@ function(zav_add_library name)
     target_include_directories(${name}_objects PRIVATE ${include_dirs})
     target_compile_definitions(${name}_objects PRIVATE ${upper}_BUILD QT_NO_KEYWORDS)
     target_compile_options(${name}_objects PRIVATE ${ZAV_WARNING_FLAGS})
+    zav_precompile(${name}_objects)
     target_link_libraries(${name}_objects PRIVATE Qt6::Core ${arg_PRIVATE_LIBRARIES})
 
     add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
@@ -71,6 +76,7 @@ function(zav_add_test name)
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gtest_main)
     target_compile_definitions(${name} PRIVATE QT_NO_KEYWORDS ZAV_TEST_DATA_DIR="${CMAKE_CURRENT_SOURCE_DIR}/data")
     target_compile_options(${name} PRIVATE ${ZAV_WARNING_FLAGS})
+    zav_precompile(${name} TEST)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
 endfunction()
 

@@ -23,6 +23,9 @@ configure_build() {
         return
     fi
     local launcher=()
-    if command -v ccache >/dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
+    # A cache takes a unit with precompiled headers only when told that their time stamps and macros need no look.
+    if command -v ccache >/dev/null; then
+        launcher=("-DCMAKE_CXX_COMPILER_LAUNCHER=env;CCACHE_SLOPPINESS=pch_defines,time_macros;ccache")
+    fi
     (cd "$root" && cmake --preset "$preset" "-DZAV_TENSORFLOW_DIR=$tensorflow_dir" "${launcher[@]}" "$@") >&2
 }
