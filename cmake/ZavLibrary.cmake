@@ -8,17 +8,17 @@
 #     PRIVATE_LIBRARIES <target>...)
 #
 # Compiles the sources once and links them twice: into the shared library <name>, and into the static twin
-# <name>_static that tests of hidden parts link. What stands in include/zav is installed and promised to hosts. A layer
-# sees its own folders (include and SOURCE_DIRS) and those of the layers below it, nothing above.
+# <name>_static, which tests of private parts link. The headers in include/zav are installed and promised to hosts. A
+# layer sees its own folders (include and SOURCE_DIRS) and those of the layers below it.
 
 set(ZAV_WARNING_FLAGS -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
     $<$<BOOL:${ZAV_WARNINGS_AS_ERRORS}>:-Werror>)
 
-# So that a compiler cache can tell one precompiled header from another.
+# With these a compiler cache can tell one precompiled header from another.
 set(ZAV_PRECOMPILE_FLAGS
     $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess> "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
 
-# Old-style DT_RPATH: glibc ignores DT_RUNPATH when Qt looks a library up on our behalf.
+# Old-style DT_RPATH: glibc ignores DT_RUNPATH when Qt opens a library for us.
 set(ZAV_RPATH_LINK_OPTIONS $<$<PLATFORM_ID:Linux>:-Wl,--disable-new-dtags>)
 
 function(zav_add_library name)
@@ -69,7 +69,7 @@ function(zav_add_library name)
     install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
 endfunction()
 
-# zav_add_test(<name> SOURCES <file>... LIBRARIES <target>...): one GoogleTest program, each of its tests a ctest.
+# zav_add_test(<name> SOURCES <file>... LIBRARIES <target>...): a GoogleTest program; each of its tests is a ctest test.
 function(zav_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
     add_executable(${name} ${arg_SOURCES})
@@ -80,7 +80,7 @@ function(zav_add_test name)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
 endfunction()
 
-# zav_add_benchmark(<name> SOURCES <file>... LIBRARIES <target>...)
+# zav_add_benchmark(<name> SOURCES <file>... LIBRARIES <target>...): a Google Benchmark program.
 function(zav_add_benchmark name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
     add_executable(${name} ${arg_SOURCES})

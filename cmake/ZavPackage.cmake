@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 #
-# Installs what a host needs to find the libraries: the CMake package zav_ml and the pkg-config file. Both locate
-# everything relative to themselves, so that a prefix may be moved after the installation.
+# Installs what a host needs to find the libraries: the CMake package zav_ml and the pkg-config file. Both find
+# everything relative to themselves, so the prefix may be moved after installation.
 
 include(CMakePackageConfigHelpers)
 

@@ -1,12 +1,12 @@
 # SPDX-License-Identifier: Apache-2.0
 #
-# The headers that nearly every unit includes are compiled once, for all units of a kind: reading Qt's and GoogleTest's
-# headers is most of what compiling a unit of this project takes. Sources include what they use all the same, and build
-# without these (-DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON).
+# Compiles the headers that nearly every unit includes once, because reading the headers of Qt and GoogleTest takes most
+# of the time of compiling a unit. Sources still include what they use, and build without precompiled headers
+# (-DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON).
 #
-# zav_precompile(<target> [TEST]): lets the units of a target start from the precompiled headers.
+# zav_precompile(<target> [TEST]): makes the units of a target use the precompiled headers.
 
-# Of the libraries and the rooms of the program, and of the tests.
+# One set for the libraries and the rooms of the program, one for the tests.
 add_library(zav_precompiled OBJECT EXCLUDE_FROM_ALL "${CMAKE_CURRENT_LIST_DIR}/precompiled.cpp")
 target_link_libraries(zav_precompiled PRIVATE Qt6::Core)
 target_precompile_headers(zav_precompiled PRIVATE

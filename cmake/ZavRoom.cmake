@@ -3,10 +3,10 @@
 # zav_add_room(<name>
 #     SOURCES <file>...       # relative to the calling folder
 #     ROOMS <room>...         # the rooms that it uses, all of lower lines
-#     LIBRARIES <target>...   # of other projects, for its sources alone
+#     LIBRARIES <target>...)  # of other projects, for its own sources only
 #
-# A room of the program: a static library zav_room_<name> that sees its own headers, those of the rooms it names and
-# theirs, and the installed headers of the libraries. `.ci/check-layers` knows the lines of the rooms.
+# Adds a room of the program: the static library zav_room_<name>. It sees its own headers, those of the rooms in ROOMS
+# and of their rooms, and the installed headers of the libraries. `.ci/check-layers` knows the lines of the rooms.
 function(zav_add_room name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;ROOMS;LIBRARIES")
     add_library(zav_room_${name} STATIC ${arg_SOURCES})

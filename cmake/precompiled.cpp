@@ -1,3 +1,3 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Empty: a target needs a source to have precompiled headers.
+// Empty: a target with precompiled headers needs a source.

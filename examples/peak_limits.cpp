@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Finds the peaks of a chromatogram read from standard input, a point (time, intensity) a line, and prints where each
+// Reads a chromatogram from standard input, one point (time, intensity) per line, and prints where each of its peaks
 // starts and ends: peak_limits MODELS < chromatogram.tsv
 #include <zav/XicBaselineLimitsDetector.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Predicts one spectrum and prints it, a peak a line: predict_spectrum MODELS LQSRPAAPPAPGPGQLTLR 3
+// Predicts one spectrum and prints it, one peak per line: predict_spectrum MODELS LQSRPAAPPAPGPGQLTLR 3
 #include <zav/MsMsFragmentationPredictomatic.h>
 
 #include <QtCore/QTextStream>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Predicts many peptides of one charge at once, with a name on each fragment, as a spectral library stores them:
+// Predicts many peptides of one charge in one call and names each fragment, as a spectral library does:
 // spectral_library MODELS CHARGE PEPTIDE...
 #include <zav/MsMsFragmentationPredictomatic.h>
 

@@ -1,20 +1,20 @@
 # shellcheck shell=bash
 # SPDX-License-Identifier: Apache-2.0
-# Shared by the scripts of this folder; sourced, never run.
+# Shared by the scripts of this folder; they source it.
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)"
 
 readonly TENSORFLOW_VERSION=2.21.0
 tensorflow_dir="${XDG_CACHE_HOME:-$HOME/.cache}/zav/tensorflow-$TENSORFLOW_VERSION"
 
-# Standard output belongs to the program; everything that the scripts say goes to standard error.
+# Standard output is for the program's output; messages of the scripts go to standard error.
 say() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; }
 fail() {
     say "$*"
     exit 1
 }
 
-# configure_build <preset> [cmake argument...]: configures build/<preset>, at once when nothing changed.
+# configure_build <preset> [cmake argument...]: configures build/<preset>, and returns at once if it is configured.
 configure_build() {
     local preset="$1"
     local folder="$root/build/$preset"
@@ -23,7 +23,7 @@ configure_build() {
         return
     fi
     local launcher=()
-    # A cache takes a unit with precompiled headers only when told that their time stamps and macros need no look.
+    # ccache caches a unit with precompiled headers only when told to ignore their time stamps and macros.
     if command -v ccache >/dev/null; then
         launcher=("-DCMAKE_CXX_COMPILER_LAUNCHER=env;CCACHE_SLOPPINESS=pch_defines,time_macros;ccache")
     fi
