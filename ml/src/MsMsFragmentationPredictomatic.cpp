@@ -61,11 +61,17 @@ MsMsFragmentationPredictomatic::Private::~Private()
 Error MsMsFragmentationPredictomatic::Private::init(const QString &modelPath1, QString modelPath2, QString modelPath3,
                                                     QString modelPath4, QString modelPath5)
 {
-    const std::array<const QString *, 5> paths{&modelPath1, &modelPath2, &modelPath3, &modelPath4, &modelPath5};
-    for (int charge = 1; charge <= 5; ++charge) {
+    const std::array<std::pair<const QString &, int>, 5> pathsAndLines{
+        {{modelPath1, fragmentationTrail::NETWORK_OF_CHARGE_1},
+         {modelPath2, fragmentationTrail::NETWORK_OF_CHARGE_2},
+         {modelPath3, fragmentationTrail::NETWORK_OF_CHARGE_3},
+         {modelPath4, fragmentationTrail::NETWORK_OF_CHARGE_4},
+         {modelPath5, fragmentationTrail::NETWORK_OF_CHARGE_5}}};
+    int charge = 0;
+    for (const auto &[path, line] : pathsAndLines) {
+        ++charge;
         auto model = std::make_unique<Model>();
-        ZAV_RETURN_IF_ERROR(model->init(paths[charge - 1]->toStdString(), {}),
-                            fragmentationTrail::NETWORK_OF_CHARGE[charge - 1]);
+        ZAV_RETURN_IF_ERROR(model->init(path.toStdString(), {}), line);
         delete models.take(charge);
         models.insert(charge, model.release());
     }
