@@ -2,6 +2,7 @@
 #include "ClusteringDBSCAN.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <vector>
 
@@ -22,14 +23,28 @@ std::vector<Index> finiteRows(const Eigen::MatrixXd &rows)
     return finite;
 }
 
-// The column of the greatest spread; zeros where there is no column or no row.
-Eigen::VectorXd widestColumn(const Eigen::MatrixXd &rows)
+// The column of the greatest spread.
+struct WidestColumn
+{
+    Eigen::VectorXd values;          // zeros where there is no column or no row
+    bool isOnlyOneThatVaries = true; // the rows lie on a line
+};
+
+WidestColumn widestColumn(const Eigen::MatrixXd &rows)
 {
     if (rows.size() == 0)
-        return Eigen::VectorXd::Zero(rows.rows());
+        return {Eigen::VectorXd::Zero(rows.rows())};
+    const Eigen::RowVectorXd spreads = rows.colwise().maxCoeff() - rows.colwise().minCoeff();
     Index widest = 0;
-    (rows.colwise().maxCoeff() - rows.colwise().minCoeff()).maxCoeff(&widest);
-    return rows.col(widest);
+    spreads.maxCoeff(&widest);
+    return {rows.col(widest), (spreads.array() > 0.0).count() <= 1};
+}
+
+// Whether sqrt(d * d) <= eps for every number d from -eps to eps, so that its square neither overflows nor loses
+// digits.
+bool isSafelySquared(double eps)
+{
+    return eps == 0.0 || std::isnormal(eps * eps) || std::isinf(eps);
 }
 
 // Rows sorted along their widest column: a neighbourhood is a stretch of them, sieved. A place is a position in that
@@ -41,7 +56,9 @@ public:
     {
         std::vector<Index> rowAt(m_placeOf.size());
         std::iota(rowAt.begin(), rowAt.end(), Index(0));
-        const Eigen::VectorXd keys = widestColumn(rows);
+        const WidestColumn column = widestColumn(rows);
+        const Eigen::VectorXd &keys = column.values;
+        m_stretchIsNear = column.isOnlyOneThatVaries && isSafelySquared(eps);
         std::stable_sort(rowAt.begin(), rowAt.end(), [&](Index a, Index b) { return keys[a] < keys[b]; });
         for (std::size_t place = 0; place < rowAt.size(); ++place)
             m_placeOf[static_cast<std::size_t>(rowAt[place])] = static_cast<Index>(place);
@@ -55,6 +72,9 @@ public:
     // All neighbours of a place lie from here to before there.
     Index firstNear(Index place) const { return m_firstNear[static_cast<std::size_t>(place)]; }
     Index endNear(Index place) const { return m_endNear[static_cast<std::size_t>(place)]; }
+
+    // Whether every place of such a stretch is a neighbour, as on a line.
+    bool stretchIsNear() const { return m_stretchIsNear; }
 
     bool areNeighbours(Index a, Index b) const { return (m_points.col(a) - m_points.col(b)).norm() <= m_eps; }
 
@@ -75,6 +95,7 @@ private:
     }
 
     double m_eps;
+    bool m_stretchIsNear = false;
     std::vector<Index> m_placeOf; // by row
     std::vector<Index> m_firstNear;
     std::vector<Index> m_endNear;
@@ -110,7 +131,10 @@ private:
 
 bool isCore(const SortedRows &rows, Index place, int minPoints)
 {
-    int missing = std::max(minPoints, 1);
+    Index missing = std::max(minPoints, 1);
+    const bool isFullEnough = rows.endNear(place) - rows.firstNear(place) >= missing;
+    if (!isFullEnough || rows.stretchIsNear())
+        return isFullEnough;
     for (Index other = rows.firstNear(place); other < rows.endNear(place) && missing > 0; ++other)
         missing -= rows.areNeighbours(place, other) ? 1 : 0;
     return missing == 0;
