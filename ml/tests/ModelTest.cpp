@@ -67,7 +67,11 @@ TEST_F(ModelTest, AFolderIsNoGraphFile)
     const std::string path = folder.path().toStdString();
     CaptureStderr();
     const Error error = model.init(path, {});
-    EXPECT_TRUE(hasLine(GetCapturedStderr(), "Unable to read the full file: " + path));
+    // Where the file system keeps its files in memory, a folder cannot be opened at its end.
+    const std::string lines = GetCapturedStderr();
+    EXPECT_TRUE(hasLine(lines, "Unable to read the full file: " + path) ||
+                hasLine(lines, "Unable to open file: " + path))
+        << lines;
     EXPECT_EQ(failedCheckIn("init"), trailOf(error));
     EXPECT_EQ(QList<QString>{QStringLiteral("An error occurred reading the model")}, recorder.criticalTexts());
 }
