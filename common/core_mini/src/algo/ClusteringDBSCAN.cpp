@@ -2,7 +2,6 @@
 #include "ClusteringDBSCAN.h"
 
 #include <algorithm>
-#include <cmath>
 #include <numeric>
 #include <vector>
 
@@ -40,13 +39,6 @@ WidestColumn widestColumn(const Eigen::MatrixXd &rows)
     return {rows.col(widest), (spreads.array() > 0.0).count() <= 1};
 }
 
-// Whether sqrt(d * d) <= eps for every number d from -eps to eps, so that its square neither overflows nor loses
-// digits.
-bool isSafelySquared(double eps)
-{
-    return eps == 0.0 || std::isnormal(eps * eps) || std::isinf(eps);
-}
-
 // Rows sorted along their widest column: a neighbourhood is a stretch of them, sieved. A place is a position in that
 // order.
 class SortedRows
@@ -58,7 +50,7 @@ public:
         std::iota(rowAt.begin(), rowAt.end(), Index(0));
         const WidestColumn column = widestColumn(rows);
         const Eigen::VectorXd &keys = column.values;
-        m_stretchIsNear = column.isOnlyOneThatVaries && isSafelySquared(eps);
+        m_isLine = column.isOnlyOneThatVaries;
         std::stable_sort(rowAt.begin(), rowAt.end(), [&](Index a, Index b) { return keys[a] < keys[b]; });
         for (std::size_t place = 0; place < rowAt.size(); ++place)
             m_placeOf[static_cast<std::size_t>(rowAt[place])] = static_cast<Index>(place);
@@ -73,10 +65,14 @@ public:
     Index firstNear(Index place) const { return m_firstNear[static_cast<std::size_t>(place)]; }
     Index endNear(Index place) const { return m_endNear[static_cast<std::size_t>(place)]; }
 
-    // Whether every place of such a stretch is a neighbour, as on a line.
-    bool stretchIsNear() const { return m_stretchIsNear; }
+    // Whether all of these are its neighbours, as they are where the rows differ in one column only.
+    bool isLine() const { return m_isLine; }
 
-    bool areNeighbours(Index a, Index b) const { return (m_points.col(a) - m_points.col(b)).norm() <= m_eps; }
+    // For places that lie so near along that column.
+    bool areNeighbours(Index a, Index b) const
+    {
+        return m_isLine || (m_points.col(a) - m_points.col(b)).norm() <= m_eps;
+    }
 
 private:
     void findStretches(const Eigen::VectorXd &keys)
@@ -95,7 +91,7 @@ private:
     }
 
     double m_eps;
-    bool m_stretchIsNear = false;
+    bool m_isLine = false;
     std::vector<Index> m_placeOf; // by row
     std::vector<Index> m_firstNear;
     std::vector<Index> m_endNear;
@@ -133,7 +129,7 @@ bool isCore(const SortedRows &rows, Index place, int minPoints)
 {
     Index missing = std::max(minPoints, 1);
     const bool isFullEnough = rows.endNear(place) - rows.firstNear(place) >= missing;
-    if (!isFullEnough || rows.stretchIsNear())
+    if (!isFullEnough || rows.isLine())
         return isFullEnough;
     for (Index other = rows.firstNear(place); other < rows.endNear(place) && missing > 0; ++other)
         missing -= rows.areNeighbours(place, other) ? 1 : 0;
