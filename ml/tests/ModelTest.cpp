@@ -183,6 +183,14 @@ TEST_F(ModelTest, ASecondInitReplacesTheNetwork)
     EXPECT_EQ(std::vector<float>{210}, valuesOf(&y));
 }
 
+TEST_F(ModelTest, EveryInitFillsTheTableAgain)
+{
+    ASSERT_FALSE(init(productGraph()).hasError());
+    ModelInspector::api(&model)->TF_OperationName = nullptr; // none of those that `isLoaded` asks for
+    ASSERT_FALSE(init(productGraph()).hasError());
+    EXPECT_EQ((Names{"x", "w", "y", "init"}), model.operationNames(false));
+}
+
 TEST_F(ModelTest, InitAfterAFailedInitLoadsTheNetwork)
 {
     const MessageRecorder recorder;
