@@ -70,7 +70,8 @@ void measureOrdinaryTraces(int pointCount, int size)
     }
     const auto walkAll = [&](Intervals (*walk)(const Eigen::VectorXf &, double)) {
         return [&inputs, walk] {
-            return std::none_of(inputs.begin(), inputs.end(), [&](const auto &input) { return walk(input, 0.05).isEmpty(); });
+            return std::none_of(inputs.begin(), inputs.end(),
+                                [&](const auto &input) { return walk(input, 0.05).isEmpty(); });
         };
     };
     const CallComparison cost = compareCalls(ROUNDS, 1, walkAll(plainWalk), walkAll(libraryWalk));
@@ -81,8 +82,9 @@ void measureOrdinaryTraces(int pointCount, int size)
 /// Steps of two points, each 0.001 above the one before, the last at -1.
 Eigen::VectorXf staircase(int count)
 {
-    return Eigen::VectorXf::NullaryExpr(
-        count, [&](Eigen::Index i) { return static_cast<float>(-1.0 - 0.001 * static_cast<double>((count - 1 - i) / 2)); });
+    return Eigen::VectorXf::NullaryExpr(count, [&](Eigen::Index i) {
+        return static_cast<float>(-1.0 - 0.001 * static_cast<double>((count - 1 - i) / 2));
+    });
 }
 
 /// Each step's walk, the last first, goes back by one point, where it is lower, and on to the end.
