@@ -79,7 +79,7 @@ TEST(LocalMaxima, HeightsAreComparedInTenThousandthsTruncatedTowardZero)
 TEST(LocalMaxima, HeightsAreMultipliedInFloat)
 {
     // 0.7 as a float lies below 0.7: times 10000 it is 6999.9998, which as a float is 7000.
-    EXPECT_EQ(std::vector<int>({1}), maximaOf({0.6999F, 0.7F, 0.0F}));
+    EXPECT_EQ(std::vector<int>({1}), maximaOf({0.69995F, 0.7F, 0.0F}));
 }
 
 TEST(LocalMaxima, NonFiniteValuesAreTakenWithoutOverflow)
