@@ -32,14 +32,6 @@ std::vector<float> encodePeptide(const QString &peptide, int charge)
     return rows;
 }
 
-/// Tags the error of a result that is passed on, unless it has no code.
-Error tagged(Error error, const char *functionSignature, int line)
-{
-    if (error.hasError())
-        error.ecatch(functionSignature, SOURCE_FILE, line);
-    return error;
-}
-
 QList<QPointF> withinLimits(QList<QPointF> points)
 {
     points.removeIf([](const QPointF &point) { return spectrumLimits::isOutside(point.x(), point.y()); });
@@ -126,8 +118,7 @@ Error MsMsFragmentationPredictomatic::predictMsMsFragmentation(const QString &pe
         return NoError;
     ZAV_RETURN_IF_ERROR(out == nullptr ? missingOutError() : Error(), __LINE__);
     const Result<Model *> model = d->model(charge);
-    if (model.hasError())
-        return tagged(model.error(), Q_FUNC_INFO, __LINE__);
+    ZAV_RETURN_IF_ERROR(model, __LINE__);
 
     Tensor input;
     ZAV_RETURN_IF_ERROR(
@@ -143,8 +134,7 @@ Error MsMsFragmentationPredictomatic::predictMsMsFragmentation(const QString &pe
     ZAV_RETURN_IF_ERROR(output.getData<float>(&predictions), fragmentationTrail::NETWORK_RESULT);
 
     const Result<QList<QPointF>> spectrum = buildSpectrum(peptide, charge, predictions);
-    if (spectrum.hasError())
-        return tagged(spectrum.error(), Q_FUNC_INFO, fragmentationTrail::SPECTRUM);
+    ZAV_RETURN_IF_ERROR(spectrum, fragmentationTrail::SPECTRUM);
     *out = spectrum.value();
     return NoError;
 }
@@ -154,8 +144,7 @@ Error MsMsFragmentationPredictomatic::predictFragments(const QStringList &peptid
 {
     ZAV_RETURN_IF_ERROR(out == nullptr ? missingOutError() : Error(), __LINE__);
     const Result<Model *> model = d->model(charge);
-    if (model.hasError())
-        return tagged(model.error(), Q_FUNC_INFO, __LINE__);
+    ZAV_RETURN_IF_ERROR(model, __LINE__);
 
     FragmentBatch batch(*model.value(), charge, cysteineFixedMass, isotopes);
     Error outcome = batch.predict(peptides);
@@ -226,8 +215,7 @@ Result<QList<QPointF>> MsMsFragmentationPredictomatic::buildPoints(const QList<F
         const QPointF monoisotopic(fragment.mz, predictions.at(slot));
         points.append(monoisotopic);
         const Result<QList<QPointF>> isotopes = addIsotopesToFragments(monoisotopic, fragment.charge);
-        if (isotopes.hasError())
-            return tagged(isotopes.error(), Q_FUNC_INFO, fragmentationTrail::FRAGMENT_ISOTOPES);
+        ZAV_RETURN_IF_ERROR(isotopes, fragmentationTrail::FRAGMENT_ISOTOPES);
         points.append(isotopes.value());
     }
     // Every m/z is a number here, so that the comparison is a true order: the isotope generator refuses a mass of NaN.
@@ -238,8 +226,7 @@ Result<QList<QPointF>> MsMsFragmentationPredictomatic::buildPoints(const QList<F
 Result<QList<QPointF>> MsMsFragmentationPredictomatic::addIsotopesToFragments(const QPointF &point, int charge)
 {
     Result<QList<QPointF>> isotopes = heavyIsotopePeaks(isotopeGenerator, point, charge);
-    if (isotopes.hasError())
-        return tagged(isotopes.error(), Q_FUNC_INFO, fragmentationTrail::ISOTOPE_ENVELOPE);
+    ZAV_RETURN_IF_ERROR(isotopes, fragmentationTrail::ISOTOPE_ENVELOPE);
     return isotopes;
 }
 

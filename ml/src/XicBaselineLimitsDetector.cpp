@@ -21,6 +21,8 @@ namespace zav {
 
 namespace {
 
+namespace lines = xicBaselineLimitsDetectorLines;
+
 constexpr char SOURCE_FILE[] = "ml/src/XicBaselineLimitsDetector";
 
 constexpr double PADDING = -1.0;
@@ -121,8 +123,8 @@ QList<Interval<int>> intervalsOfClusters(const Eigen::VectorXi &labels, const st
 Error XicBaselineLimitsDetector::Private::init(const XicBaselineLimitsDetectorOptions &newOptions)
 {
     options = newOptions;
-    ZAV_RETURN_IF_ERROR(options.checkForParameterErrors(), 79);
-    ZAV_RETURN_IF_ERROR(model.init(options.modelFilePath.toStdString(), {}), 81);
+    ZAV_RETURN_IF_ERROR(options.checkForParameterErrors(), lines::OPTIONS);
+    ZAV_RETURN_IF_ERROR(model.init(options.modelFilePath.toStdString(), {}), lines::NETWORK);
     smoothingKernel = buildSmoothingKernel(options.gaussianFilterSize);
     initialised = true;
     return Error();
@@ -146,21 +148,22 @@ Result<Eigen::VectorXf> XicBaselineLimitsDetector::Private::buildInputVector(con
 Result<QList<Interval<double>>>
 XicBaselineLimitsDetector::Private::integrateXIC(const QList<QPointF> &points, double retentionTimeHint, int retryDepth)
 {
-    ZAV_RETURN_IF_ERROR(ErrorUtils::equal<bool>(initialised, true, Failure), 135);
+    ZAV_RETURN_IF_ERROR(ErrorUtils::equal<bool>(initialised, true, Failure), lines::INITIALISED);
     if (points.isEmpty())
         return QList<Interval<double>>();
 
     const Result<Eigen::VectorXf> input = buildInputVector(points, smoothingKernel);
-    ZAV_RETURN_IF_ERROR(input.error(), 143);
+    ZAV_RETURN_IF_ERROR(input, lines::INPUT_VECTOR);
 
     Tensor image;
-    ZAV_RETURN_IF_ERROR(image.init(model.getGraph(), model.getStatus(), "import/img"), 149);
+    ZAV_RETURN_IF_ERROR(image.init(model.getGraph(), model.getStatus(), "import/img"), lines::GRAPH_INPUT);
     Tensor probabilities;
-    ZAV_RETURN_IF_ERROR(probabilities.init(model.getGraph(), model.getStatus(), "import/conv2d_19/Sigmoid"), 152);
-    ZAV_RETURN_IF_ERROR(image.setData<float>({input.value().cbegin(), input.value().cend()}), 155);
-    ZAV_RETURN_IF_ERROR(model.run(image, probabilities), 156);
+    ZAV_RETURN_IF_ERROR(probabilities.init(model.getGraph(), model.getStatus(), "import/conv2d_19/Sigmoid"),
+                        lines::GRAPH_OUTPUT);
+    ZAV_RETURN_IF_ERROR(image.setData<float>({input.value().cbegin(), input.value().cend()}), lines::FEED);
+    ZAV_RETURN_IF_ERROR(model.run(image, probabilities), lines::RUN);
     std::vector<float> values;
-    ZAV_RETURN_IF_ERROR(probabilities.getData<float>(&values), 157);
+    ZAV_RETURN_IF_ERROR(probabilities.getData<float>(&values), lines::READ);
 
     // Options that were refused are in force all the same: their count can be below 0.
     const qsizetype used = std::clamp<qsizetype>(options.maxPointCount, 0, points.size());
@@ -169,7 +172,7 @@ XicBaselineLimitsDetector::Private::integrateXIC(const QList<QPointF> &points, d
     ZAV_RETURN_IF_ERROR(holdsAtLeast(values, used), __LINE__);
     Result<QList<Interval<double>>> found =
         processPrediction(Eigen::Map<const Eigen::VectorXf>(values.data(), used), points);
-    ZAV_RETURN_IF_ERROR(found.error(), 166);
+    ZAV_RETURN_IF_ERROR(found, lines::PREDICTION);
 
     const bool retry =
         retentionTimeHint > NO_HINT && retryDepth < MAXIMUM_RETRIES && !anyContains(found.value(), retentionTimeHint);
@@ -178,18 +181,18 @@ XicBaselineLimitsDetector::Private::integrateXIC(const QList<QPointF> &points, d
     // A depth below 0 is no licence for more retries.
     Result<QList<Interval<double>>> retried =
         integrateXIC(amplified(points), retentionTimeHint, std::max(retryDepth, 0) + 1);
-    ZAV_RETURN_IF_ERROR(retried.error(), 194);
+    ZAV_RETURN_IF_ERROR(retried, lines::RETRY);
     return retried;
 }
 
 Result<QList<Interval<double>>> XicBaselineLimitsDetector::Private::integrateXIC(const QList<QPointF> &points)
 {
-    ZAV_RETURN_IF_ERROR(ErrorUtils::equal<bool>(initialised, true, Failure), 340);
+    ZAV_RETURN_IF_ERROR(ErrorUtils::equal<bool>(initialised, true, Failure), lines::WALK_INITIALISED);
     if (points.isEmpty())
         return QList<Interval<double>>();
 
     const Result<Eigen::VectorXf> input = buildInputVector(points, smoothingKernel);
-    ZAV_RETURN_IF_ERROR(input.error(), 348);
+    ZAV_RETURN_IF_ERROR(input, lines::WALK_INPUT_VECTOR);
     const QList<LocalMaximum> maxima = findLocalMaxima(input.value(), MAXIMUM_SCALE);
 
     QList<Interval<double>> intervals;
@@ -199,7 +202,8 @@ Result<QList<Interval<double>>> XicBaselineLimitsDetector::Private::integrateXIC
             continue;
         const double start = points.at(limits.start).x();
         const double end = points.at(std::min<qsizetype>(limits.end, points.size() - 1)).x();
-        ZAV_RETURN_IF_ERROR(ErrorUtils::belowThreshold<double>(start, end, Inclusive, startAfterEnd()), 373);
+        ZAV_RETURN_IF_ERROR(ErrorUtils::belowThreshold<double>(start, end, Inclusive, startAfterEnd()),
+                            lines::WALK_LIMITS);
         intervals.append({start, end});
     }
     return intervals;
@@ -211,9 +215,9 @@ XicBaselineLimitsDetector::Private::processPrediction(const Eigen::VectorXf &pre
 {
     const Result<Eigen::VectorXf> floored =
         EigenUtilities::floorAndCeilingVector(prediction, 1.0 - options.probabilityTolerance, options.minPointCount);
-    ZAV_RETURN_IF_ERROR(floored.error(), 436);
+    ZAV_RETURN_IF_ERROR(floored, lines::THRESHOLD);
     const Result<QList<Interval<int>>> clusters = clusterPrediction(floored.value());
-    ZAV_RETURN_IF_ERROR(clusters.error(), 438);
+    ZAV_RETURN_IF_ERROR(clusters, lines::CLUSTERS);
 
     QList<Interval<double>> intervals;
     for (const Interval<int> &limits : clusters.value()) {
@@ -222,7 +226,8 @@ XicBaselineLimitsDetector::Private::processPrediction(const Eigen::VectorXf &pre
             continue;
         const double start = points.at(limits.start).x();
         const double end = points.at(limits.end).x();
-        ZAV_RETURN_IF_ERROR(ErrorUtils::belowThreshold<double>(start, end, Inclusive, startAfterEnd()), 450);
+        ZAV_RETURN_IF_ERROR(ErrorUtils::belowThreshold<double>(start, end, Inclusive, startAfterEnd()),
+                            lines::CLUSTER_LIMITS);
         intervals.append({start, end});
     }
     return intervals;
@@ -233,7 +238,7 @@ XicBaselineLimitsDetector::Private::clusterPrediction(const Eigen::VectorXf &pro
 {
     ZAV_RETURN_IF_ERROR(ErrorUtils::aboveThreshold<int>(static_cast<int>(probabilities.size()), 0, Exclusive,
                                                         Error(Failure, QStringLiteral("Empty Probability Vector"))),
-                        530);
+                        lines::PROBABILITIES);
     if (1.0 - options.probabilityTolerance > static_cast<double>(probabilities.maxCoeff()))
         return QList<Interval<int>>();
     const std::vector<int> selected = indicesAbove(probabilities, CLUSTERED_ABOVE);

@@ -9,6 +9,38 @@
 
 namespace zav {
 
+/// The lines that the detector's errors carry, each for the step that failed. Hosts read and log them: they stay when
+/// the code around them moves.
+namespace xicBaselineLimitsDetectorLines {
+
+// init
+inline constexpr int OPTIONS = 79;
+inline constexpr int NETWORK = 81;
+
+// integrateXIC with the network
+inline constexpr int INITIALISED = 135;
+inline constexpr int INPUT_VECTOR = 143;
+inline constexpr int GRAPH_INPUT = 149;
+inline constexpr int GRAPH_OUTPUT = 152;
+inline constexpr int FEED = 155;
+inline constexpr int RUN = 156;
+inline constexpr int READ = 157;
+inline constexpr int PREDICTION = 166;
+inline constexpr int RETRY = 194;
+
+// integrateXIC without it
+inline constexpr int WALK_INITIALISED = 340;
+inline constexpr int WALK_INPUT_VECTOR = 348;
+inline constexpr int WALK_LIMITS = 373;
+
+// processPrediction and clusterPrediction
+inline constexpr int THRESHOLD = 436;
+inline constexpr int CLUSTERS = 438;
+inline constexpr int CLUSTER_LIMITS = 450;
+inline constexpr int PROBABILITIES = 530;
+
+} // namespace xicBaselineLimitsDetectorLines
+
 class XicBaselineLimitsDetector::Private
 {
 public:

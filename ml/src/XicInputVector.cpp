@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "XicInputVector.h"
 
-#include "EigenUtilities.h"
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -35,9 +33,9 @@ Eigen::VectorXd mirrored(const Eigen::VectorXd &filter)
     return filter.reverse();
 }
 
-Eigen::VectorXd buildSmoothingKernel(int size)
+Eigen::VectorXd buildSmoothingKernel(int size, FilterFunction filter)
 {
-    return mirrored(EigenUtilities::buildGaussianFilter1D(size, SMOOTHING_SIGMA, true));
+    return mirrored(filter(size, SMOOTHING_SIGMA, true));
 }
 
 int thinningTarget(int maxPointCount)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "EigenUtilities.h"
+
 #include <QtCore/QList>
 #include <QtCore/QPointF>
 
@@ -19,9 +21,12 @@ struct XicInputVectorSettings
 /// Element i becomes element n - 1 - i.
 Eigen::VectorXd mirrored(const Eigen::VectorXd &filter);
 
-/// The kernel that chromatograms are smoothed with: the mirror image of a normalised Gaussian of `size` taps and a
-/// sigma of 4 points. A Gaussian is its own; the order is kept for a filter that is not.
-Eigen::VectorXd buildSmoothingKernel(int size);
+/// Taps for a size, a sigma in points, and whether their sum is 1.
+using FilterFunction = Eigen::VectorXd (*)(int size, double sigma, bool normalised);
+
+/// The kernel that chromatograms are smoothed with: the mirror image of a normalised filter of `size` taps and a sigma
+/// of 4 points. A Gaussian is its own; the order is kept for a filter that is not.
+Eigen::VectorXd buildSmoothingKernel(int size, FilterFunction filter = &EigenUtilities::buildGaussianFilter1D);
 
 /// How many points are left of a chromatogram that does not fit into `maxPointCount`: 200 fewer than that, not below 0.
 int thinningTarget(int maxPointCount);

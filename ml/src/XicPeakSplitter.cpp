@@ -18,6 +18,8 @@ namespace zav {
 
 namespace {
 
+namespace lines = xicPeakSplitterLines;
+
 constexpr char SOURCE_FILE[] = "ml/src/XicPeakSplitter";
 
 constexpr double PADDING = 0.0;
@@ -37,7 +39,7 @@ Eigen::VectorXf buildInputVector(const QList<QPointF> &points, const XicPeakSpli
         ErrorUtils::belowThreshold<int>(static_cast<int>(thinned.size()), options.maxPointCount, Inclusive, Failure);
     if (tooMany.hasError()) {
         if (lcMl().isDebugEnabled())
-            QMessageLogger(SOURCE_FILE, 104, Q_FUNC_INFO).debug(lcMl())
+            QMessageLogger(SOURCE_FILE, lines::SURPLUS_POINTS, Q_FUNC_INFO).debug(lcMl())
                 << QStringLiteral("Points list exceeds Tensor max index limit");
         return {};
     }
@@ -76,6 +78,8 @@ Eigen::RowVectorXd peaksReaching(double threshold, const Eigen::VectorXf &predic
     return peaks;
 }
 
+} // namespace
+
 Result<QList<std::pair<double, double>>> processPrediction(const Eigen::VectorXf &prediction,
                                                            const XicPeakSplitterOptions &options,
                                                            const QList<QPointF> &points)
@@ -85,7 +89,7 @@ Result<QList<std::pair<double, double>>> processPrediction(const Eigen::VectorXf
         return splits;
     ZAV_RETURN_IF_ERROR(ErrorUtils::equal<int>(static_cast<int>(points.size()), static_cast<int>(prediction.size()),
                                                xicPredictionMismatchError),
-                        140);
+                        lines::EQUAL_LENGTHS);
     const double threshold = 1.0 - options.probabilityTolerance;
     splits.reserve(MOST_SPLITS);
     const QList<int> nearest = EigenUtilities::returnIndexNearestToCutoffF(peaksReaching(threshold, prediction),
@@ -98,13 +102,11 @@ Result<QList<std::pair<double, double>>> processPrediction(const Eigen::VectorXf
     return splits;
 }
 
-} // namespace
-
 Error XicPeakSplitter::Private::init(const XicPeakSplitterOptions &newOptions)
 {
     options = newOptions;
-    ZAV_RETURN_IF_ERROR(options.checkForParameterErrors(), 62);
-    ZAV_RETURN_IF_ERROR(model.init(options.modelFilePath.toStdString(), {}), 63);
+    ZAV_RETURN_IF_ERROR(options.checkForParameterErrors(), lines::OPTIONS);
+    ZAV_RETURN_IF_ERROR(model.init(options.modelFilePath.toStdString(), {}), lines::NETWORK);
     smoothingKernel = buildSmoothingKernel(options.gaussianFilterSize);
     initialised = true;
     return Error();
@@ -112,7 +114,7 @@ Error XicPeakSplitter::Private::init(const XicPeakSplitterOptions &newOptions)
 
 Result<QList<std::pair<double, double>>> XicPeakSplitter::Private::splitXIC(const QList<QPointF> &points)
 {
-    ZAV_RETURN_IF_ERROR(ErrorUtils::equal<bool>(initialised, true, Failure), 184);
+    ZAV_RETURN_IF_ERROR(ErrorUtils::equal<bool>(initialised, true, Failure), lines::INITIALISED);
     QList<QPointF> thinned = points;
     if (thinned.size() < FEWEST_POINTS)
         return QList<std::pair<double, double>>();
@@ -120,20 +122,21 @@ Result<QList<std::pair<double, double>>> XicPeakSplitter::Private::splitXIC(cons
     const Eigen::VectorXf input = buildInputVector(thinned, options, smoothingKernel);
 
     Tensor image;
-    ZAV_RETURN_IF_ERROR(image.init(model.getGraph(), model.getStatus(), "import/img"), 204);
+    ZAV_RETURN_IF_ERROR(image.init(model.getGraph(), model.getStatus(), "import/img"), lines::GRAPH_INPUT);
     Tensor probabilities;
-    ZAV_RETURN_IF_ERROR(probabilities.init(model.getGraph(), model.getStatus(), "import/conv2d_19/Sigmoid"), 210);
-    ZAV_RETURN_IF_ERROR(image.setData<float>({input.cbegin(), input.cend()}), 213);
-    ZAV_RETURN_IF_ERROR(model.run(image, probabilities), 214);
+    ZAV_RETURN_IF_ERROR(probabilities.init(model.getGraph(), model.getStatus(), "import/conv2d_19/Sigmoid"),
+                        lines::GRAPH_OUTPUT);
+    ZAV_RETURN_IF_ERROR(image.setData<float>({input.cbegin(), input.cend()}), lines::FEED);
+    ZAV_RETURN_IF_ERROR(model.run(image, probabilities), lines::RUN);
     std::vector<float> values;
-    ZAV_RETURN_IF_ERROR(probabilities.getData<float>(&values), 215);
+    ZAV_RETURN_IF_ERROR(probabilities.getData<float>(&values), lines::READ);
     ZAV_RETURN_IF_ERROR(ErrorUtils::belowThreshold<int>(static_cast<int>(thinned.size()),
                                                         static_cast<int>(values.size()), Inclusive, Failure),
-                        218);
+                        lines::OUTPUT_LENGTH);
 
     const Eigen::Map<const Eigen::VectorXf> prediction(values.data(), thinned.size());
     Result<QList<std::pair<double, double>>> splits = processPrediction(prediction, options, thinned);
-    ZAV_RETURN_IF_ERROR(splits.error(), 229);
+    ZAV_RETURN_IF_ERROR(splits, lines::PREDICTION);
     return splits;
 }
 
@@ -143,7 +146,7 @@ XicPeakSplitter::~XicPeakSplitter() = default;
 
 Error XicPeakSplitter::init(const XicPeakSplitterOptions &options)
 {
-    ZAV_RETURN_IF_ERROR(d->init(options), 253);
+    ZAV_RETURN_IF_ERROR(d->init(options), lines::PRIVATE_INIT);
     return Error();
 }
 

@@ -29,7 +29,12 @@ QList<LocalMaximum> findLocalMaxima(const Eigen::VectorXf &input, int scale);
 /// the left; a maximum of 0 gives [0, 0].
 Interval<int> walkPeakLimits(const Eigen::VectorXf &input, const LocalMaximum &maximum, double threshold);
 
-/// The intervals of all maxima, the highest first; a maximum that an earlier interval covers gets none of its own.
-QList<Interval<int>> walkAllPeakLimits(const Eigen::VectorXf &input, QList<LocalMaximum> maxima, double threshold);
+/// The intervals of all maxima, the highest first; a maximum that an earlier interval covers gets none of its own. The
+/// maxima stand in ascending order of index.
+///
+/// Costs n log n at most. Once the walks have looked at every value `plainVisits` times on average, they search the
+/// vector in blocks: below zero a value can lie on the way of every maximum. The intervals are the same either way.
+QList<Interval<int>> walkAllPeakLimits(const Eigen::VectorXf &input, QList<LocalMaximum> maxima, double threshold,
+                                       int plainVisits = 4);
 
 } // namespace zav

@@ -74,6 +74,34 @@ TEST_F(ModelTest, AnInputThatWasNeverFilledFailsBeforeAnythingIsReleased)
     EXPECT_EQ(std::vector<float>{11}, valuesOf(&y));
 }
 
+TEST_F(ModelTest, AnInvalidInputIsNotFull)
+{
+    loadProduct();
+    std::vector<float> unused;
+    const MessageRecorder recorder;
+    EXPECT_TRUE(x.getData(&unused).hasError());
+    ASSERT_EQ(-1, TensorInspector::state(x));
+    EXPECT_EQ(failedCheckIn("run"), trailOf(model.run(x, y)));
+    EXPECT_EQ((QList<QString>{QStringLiteral("Tensor is empty"),
+                              QStringLiteral("Error: Not all elements from the inputs are full")}),
+              recorder.criticalTexts());
+}
+
+TEST_F(ModelTest, InputsAreCheckedBeforeOutputs)
+{
+    loadProduct();
+    std::vector<float> unused;
+    Tensor neverBound;
+    const MessageRecorder recorder;
+    EXPECT_TRUE(y.getData(&unused).hasError());
+    for (Tensor *output : {&y, &neverBound})
+        EXPECT_EQ(failedCheckIn("run"), trailOf(model.run(x, *output)));
+    EXPECT_EQ((QList<QString>{QStringLiteral("Tensor is empty"),
+                              QStringLiteral("Error: Not all elements from the inputs are full"),
+                              QStringLiteral("Error: Not all elements from the inputs are full")}),
+              recorder.criticalTexts());
+}
+
 TEST_F(ModelTest, AnInvalidOutputFailsAndTheInputKeepsItsData)
 {
     loadProduct();

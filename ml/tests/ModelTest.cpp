@@ -67,7 +67,11 @@ TEST_F(ModelTest, AFolderIsNoGraphFile)
     const std::string path = folder.path().toStdString();
     CaptureStderr();
     const Error error = model.init(path, {});
-    EXPECT_TRUE(hasLine(GetCapturedStderr(), "Unable to read the full file: " + path));
+    // Where the file system keeps its files in memory, a folder cannot be opened at its end.
+    const std::string lines = GetCapturedStderr();
+    EXPECT_TRUE(hasLine(lines, "Unable to read the full file: " + path) ||
+                hasLine(lines, "Unable to open file: " + path))
+        << lines;
     EXPECT_EQ(failedCheckIn("init"), trailOf(error));
     EXPECT_EQ(QList<QString>{QStringLiteral("An error occurred reading the model")}, recorder.criticalTexts());
 }
@@ -177,6 +181,14 @@ TEST_F(ModelTest, ASecondInitReplacesTheNetwork)
     ASSERT_FALSE(x.setData<float>({1, 2}).hasError());
     ASSERT_FALSE(model.run(x, y).hasError());
     EXPECT_EQ(std::vector<float>{210}, valuesOf(&y));
+}
+
+TEST_F(ModelTest, EveryInitFillsTheTableAgain)
+{
+    ASSERT_FALSE(init(productGraph()).hasError());
+    ModelInspector::api(&model)->TF_OperationName = nullptr; // none of those that `isLoaded` asks for
+    ASSERT_FALSE(init(productGraph()).hasError());
+    EXPECT_EQ((Names{"x", "w", "y", "init"}), model.operationNames(false));
 }
 
 TEST_F(ModelTest, InitAfterAFailedInitLoadsTheNetwork)

@@ -156,6 +156,9 @@ TEST_F(TensorTest, InitFillsTheTableAgain)
     *TensorInspector::api(&x) = TfApi();
     ASSERT_FALSE(bind(&x, "x").hasError());
     EXPECT_TRUE(TensorInspector::api(&x)->isLoaded());
+    TensorInspector::api(&x)->TF_TensorType = nullptr; // none of those that `isLoaded` asks for
+    ASSERT_FALSE(bind(&x, "x").hasError());
+    EXPECT_NE(nullptr, TensorInspector::api(&x)->TF_TensorType);
 }
 
 TEST_F(TensorTest, InitDropsHeldData)
@@ -245,6 +248,23 @@ TEST_F(TensorTest, SetDataRefusesAnotherElementTypeBeforeItLooksAtTheShape)
 {
     loadPlaceholder(std::nullopt, GraphDefBuilder::INT32);
     expectRefused(4, "Provided type is different from Tensor expected type");
+}
+
+TEST_F(TensorTest, SetDataOnAnInvalidTensorIsRefusedBeforeItLooksAtTheType)
+{
+    loadPlaceholder(Shape{2}, GraphDefBuilder::INT32);
+    expectRefused(2, "Provided type is different from Tensor expected type");
+    expectRefused(2, "Tensor is not valid");
+}
+
+TEST_F(TensorTest, GetDataOnAnInvalidTensorIsRefusedBeforeItLooksAtTheType)
+{
+    loadPlaceholder(Shape{2}, GraphDefBuilder::INT32);
+    expectRefused(2, "Provided type is different from Tensor expected type");
+    const MessageRecorder recorder;
+    std::vector<float> values;
+    EXPECT_TRUE(x.getData(&values).equals(Failure));
+    EXPECT_EQ(QList<QString>{QStringLiteral("Tensor is not valid")}, recorder.criticalTexts());
 }
 
 TEST_F(TensorTest, SetDataDropsTheOldDataBeforeItChecks)
@@ -361,6 +381,18 @@ TEST_F(TensorTest, GetDataRefusesAnotherElementTypeAndFreesTheResult)
     EXPECT_EQ(QList<QString>{QStringLiteral("Expected return type is different from Tensor type")},
               recorder.criticalTexts());
     EXPECT_EQ(-1, TensorInspector::state(output));
+}
+
+TEST_F(TensorTest, GetDataCountsTheBytesNotTheDimensions)
+{
+    loadPlaceholder(Shape{2, 3});
+    std::vector<float> values(12);
+    std::iota(values.begin(), values.end(), 1.0F);
+    ASSERT_FALSE(x.setData(values).hasError());
+    ASSERT_EQ((Shape{2, 3}), TensorInspector::storedShape(x));
+    std::vector<float> read;
+    ASSERT_FALSE(x.getData(&read).hasError());
+    EXPECT_EQ(values, read);
 }
 
 TEST_F(TensorTest, ReleaseDropsTheData)

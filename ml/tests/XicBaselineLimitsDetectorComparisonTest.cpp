@@ -102,24 +102,13 @@ TEST_F(XicBaselineLimitsDetectorTest, NetworkPathAgreesWithANaiveImplementationO
     EXPECT_GT(intervalCount, 1000);
 }
 
-/// The intervals of the walk: again and again from the highest maximum that no interval covers yet.
+/// The intervals of the walk that start within the points.
 std::vector<std::pair<int, int>> naiveWalk(const QList<QPointF> &points,
                                            const XicBaselineLimitsDetectorOptions &options)
 {
-    const std::vector<float> input = naiveInput(points, options);
-    const auto height = [&](int i) { return std::trunc(input[i] * 10000.0F); };
-    std::vector<int> maxima;
-    for (int i = 1; i + 1 < static_cast<int>(input.size()); ++i) {
-        if (height(i) > height(i - 1) && height(i) >= height(i + 1))
-            maxima.push_back(i);
-    }
     std::vector<std::pair<int, int>> intervals;
     const int last = static_cast<int>(points.size()) - 1;
-    while (!maxima.empty()) {
-        const int apex =
-            *std::max_element(maxima.begin(), maxima.end(), [&](int a, int b) { return input[a] < input[b]; });
-        const naive::IndexInterval limits = naive::walk(input, apex, options.limitThreshold);
-        std::erase_if(maxima, [&](int m) { return m == apex || (limits.start <= m && m <= limits.end); });
+    for (const naive::IndexInterval &limits : naive::walks(naiveInput(points, options), options.limitThreshold)) {
         if (limits.start <= last)
             intervals.emplace_back(limits.start, std::min(limits.end, last));
     }

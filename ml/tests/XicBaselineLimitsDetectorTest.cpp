@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace zav {
@@ -134,6 +135,16 @@ TEST_F(XicBaselineLimitsDetectorTest, NoPointsGiveNoIntervals)
     initialise();
     expectIntervals({}, detector.integrateXIC({}, NO_HINT, 0));
     expectIntervals({}, detector.integrateXIC({}));
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, NoPointsAreNotShownToTheNetwork)
+{
+    GraphDefBuilder unrunnable;
+    unrunnable.placeholder(Network::INPUT, {{-1, 1, 1}}).placeholder("unfed", {{1}});
+    unrunnable.identity(Network::OUTPUT, "unfed").noOp("init");
+    initialise(unrunnable);
+    expectIntervals({}, detector.integrateXIC({}, NO_HINT, 0));
+    expectFailure(Failure, QString(), {"XicBaselineLimitsDetector:156"}, found({1.0}));
 }
 
 TEST_F(XicBaselineLimitsDetectorTest, MinPointCountOrFewerPointsGiveNoIntervals)
@@ -298,9 +309,13 @@ TEST_F(XicBaselineLimitsDetectorTest, DescendingTimesAreInvalidInput)
     QList<QPointF> points = Network::chromatogram(markedAt({3, 4, 5}));
     for (QPointF &point : points)
         point.setX(-point.x());
+    const Intervals clustered = detector.integrateXIC(points, NO_HINT, 0);
     expectFailure(InvalidInput, QStringLiteral("Start is greater than end"),
-                  {"XicBaselineLimitsDetector:450", "XicBaselineLimitsDetector:166"},
-                  detector.integrateXIC(points, NO_HINT, 0));
+                  {"XicBaselineLimitsDetector:450", "XicBaselineLimitsDetector:166"}, clustered);
+    EXPECT_EQ((QStringList{"ErrorUtils::belowThreshold in common/core_mini/src/algo/ErrorUtils",
+                           "XicBaselineLimitsDetector::Private::processPrediction in ml/src/XicBaselineLimitsDetector",
+                           "XicBaselineLimitsDetector::Private::integrateXIC in ml/src/XicBaselineLimitsDetector"}),
+              trailOf(clustered.error()));
     expectFailure(InvalidInput, QStringLiteral("Start is greater than end"), {"XicBaselineLimitsDetector:373"},
                   detector.integrateXIC(points));
 }
@@ -332,6 +347,23 @@ TEST_F(XicBaselineLimitsDetectorTest, PredictionThatCannotBeThresholdedIsTagged)
     expectFailure(InvalidInput, empty.error().message(), {"XicBaselineLimitsDetector:436"}, empty);
 }
 
+TEST_F(XicBaselineLimitsDetectorTest, MinPointCountIsHandedToTheThresholding)
+{
+    inside().options.minPointCount = -10;
+    const Intervals refused = inside().processPrediction(Eigen::VectorXf::Ones(2), Network::chromatogram({1, 2}));
+    expectFailure(InvalidInput, QStringLiteral("Negative minimum point count -10"), {"XicBaselineLimitsDetector:436"},
+                  refused);
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, HighestProbabilityAtTheThresholdIsClustered)
+{
+    inside().options.probabilityTolerance = 0.0;
+    const Result<QList<Interval<int>>> clusters = inside().clusterPrediction(Eigen::VectorXf::Ones(3));
+    ASSERT_FALSE(clusters.hasError());
+    ASSERT_EQ(1, clusters.value().size());
+    EXPECT_EQ(2, clusters.value()[0].end);
+}
+
 TEST_F(XicBaselineLimitsDetectorTest, ClustersNeedAProbabilityAtTheThreshold)
 {
     inside().options.probabilityTolerance = 0.01;
@@ -350,6 +382,17 @@ TEST_F(XicBaselineLimitsDetectorTest, SelectionNeedsMoreThanNineTenths)
     // 0.9 as a float lies just below 0.9 as a double.
     EXPECT_EQ(0, clusters.value()[0].start);
     EXPECT_EQ(2, clusters.value()[0].end);
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, SelectionNeedsNoMoreThanTheNextFloatAboveNineTenths)
+{
+    const float next = std::nextafter(0.9F, 1.0F);
+    const Eigen::VectorXf probabilities = (Eigen::VectorXf(6) << 0.0F, 0.0F, next, next, 0.9F, 0.0F).finished();
+    const Result<QList<Interval<int>>> clusters = inside().clusterPrediction(probabilities);
+    ASSERT_FALSE(clusters.hasError());
+    ASSERT_EQ(1, clusters.value().size());
+    EXPECT_EQ(1, clusters.value()[0].start);
+    EXPECT_EQ(3, clusters.value()[0].end);
 }
 
 // The amplified retry: 1000 at index 10, and a hint on a peak that grows tenfold each time.
@@ -374,6 +417,28 @@ TEST_F(XicBaselineLimitsDetectorTest, HintOutsideEveryIntervalAmplifiesTenfoldAn
 {
     initialise();
     expectIntervals({{9, 11}, {29, 31}}, found(faintPeak(60.0), Network::timeOf(30)));
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, OneRetryAmplifiesTenfoldAndNoMore)
+{
+    initialise();
+    // Probabilities of 0.4 and 0.5 after the one retry that a depth of 2 allows.
+    expectIntervals({{9, 11}}, found(faintPeak(40.0), Network::timeOf(30), 2));
+    expectIntervals({{9, 11}, {29, 31}}, found(faintPeak(50.0), Network::timeOf(30), 2));
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, LastRetryIsTheResultThoughItMissesTheHint)
+{
+    initialise();
+    for (const double height : {60.0, 6.0, 0.6})
+        expectIntervals({{9, 11}, {29, 31}}, found(faintPeak(height), Network::timeOf(20)));
+}
+
+TEST_F(XicBaselineLimitsDetectorTest, HintAboveMinusOneSwitchesTheRetryOn)
+{
+    initialise();
+    for (const double hint : {std::nextafter(-1.0, 0.0), -0.5, 0.0, 0.25, 0.5, 1.0})
+        expectIntervals({{9, 11}, {29, 31}}, found(faintPeak(60.0), hint));
 }
 
 TEST_F(XicBaselineLimitsDetectorTest, AtMostThreeRetries)

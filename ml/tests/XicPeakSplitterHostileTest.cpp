@@ -135,6 +135,11 @@ TEST_F(XicPeakSplitterTest, PointsThatCannotBeThinnedAreRemarkedOnInTheDebugLog)
         EXPECT_EQ(QtDebugMsg, log.messages()[0].type);
         EXPECT_EQ(QStringLiteral("zav.ml"), log.messages()[0].category);
         EXPECT_TRUE(log.messages()[0].text.contains(QStringLiteral("Points list exceeds Tensor max index limit")));
+        EXPECT_EQ(QStringLiteral("ml/src/XicPeakSplitter"), log.messages()[0].sourceFile);
+        EXPECT_EQ(104, log.messages()[0].line);
+        EXPECT_TRUE(
+            log.messages()[0].functionSignature.contains(QStringLiteral("buildInputVector(const QList<QPointF>&")))
+            << log.messages()[0].functionSignature.toStdString();
     }
     QLoggingCategory::setFilterRules(QString());
 }

@@ -229,6 +229,27 @@ TEST_F(XicPeakSplitterTest, NegativeProbabilitiesAtTheEndsReportThePaddingWhichI
     expectSplits({{10, 0.9F}}, splitFlat(20));
 }
 
+TEST_F(XicPeakSplitterTest, PredictionOfAnotherLengthIsInvalidInput)
+{
+    const QList<QPointF> points = Network::chromatogram({1, 2, 3});
+    for (const int length : {0, 2, 4}) {
+        const Splits splits = processPrediction(Eigen::VectorXf::Zero(length), XicPeakSplitterOptions(), points);
+        ASSERT_TRUE(splits.hasError()) << length;
+        EXPECT_TRUE(splits.error().equals(InvalidInput));
+        EXPECT_EQ(QStringLiteral("xic and prediction not equal"), splits.error().message());
+        EXPECT_EQ(QList<int>{140}, splitterLinesOf(splits.error()));
+        EXPECT_EQ((QStringList{"ErrorUtils::equal in common/core_mini/src/algo/ErrorUtils",
+                               "processPrediction in ml/src/XicPeakSplitter"}),
+                  trailOf(splits.error()));
+    }
+}
+
+TEST_F(XicPeakSplitterTest, NoPointsHaveNoSplitsWhateverThePrediction)
+{
+    for (const int length : {0, 3})
+        expectSplits({}, processPrediction(Eigen::VectorXf::Ones(length), XicPeakSplitterOptions(), {}));
+}
+
 // Against a naive implementation, on random traces, for a network whose probabilities are its input
 
 std::vector<std::pair<int, float>> naiveSplits(const QList<QPointF> &points, const XicPeakSplitterOptions &options)

@@ -67,10 +67,29 @@ void clustering(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * rows.rows());
 }
 
+// One run of indices, all within one eps, each with all the others in its neighbourhood, of which a core
+// needs half: one cluster. The time for a row must not grow with their number.
+void clusteringOfManyNeighbours(benchmark::State &state)
+{
+    Eigen::MatrixXd rows(state.range(0), 2);
+    rows.col(0).setOnes();
+    rows.col(1).setLinSpaced(0.0, static_cast<double>(state.range(0) - 1));
+    const int minPoints = static_cast<int>(state.range(0) / 2);
+    Eigen::VectorXi labels;
+    for ([[maybe_unused]] auto _ : state) {
+        labels = zav::ClusteringDBSCAN(static_cast<double>(state.range(0)), minPoints).performDBSCAN(rows);
+        benchmark::DoNotOptimize(labels.data());
+    }
+    if ((labels.array() != 0).any())
+        return state.SkipWithError("more than one cluster");
+    state.SetItemsProcessed(state.iterations() * rows.rows());
+}
+
 } // namespace
 
 BENCHMARK(thinning)->Arg(5000)->Arg(1'000'000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(smoothing)->Arg(1024)->Arg(4096)->Unit(benchmark::kMicrosecond);
 BENCHMARK(clustering)->Arg(90)->Arg(900)->Arg(90'000)->Arg(900'000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(clusteringOfManyNeighbours)->Arg(8192)->Arg(65'536)->Arg(524'288)->Unit(benchmark::kMicrosecond);
 
 BENCHMARK_MAIN();

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <limits>
 #include <random>
 #include <vector>
@@ -203,6 +204,34 @@ TEST(ClusteringDBSCAN, AgreesWithItsDefinitionOnRandomRows)
     }
 }
 
+TEST(ClusteringDBSCAN, AgreesWithItsDefinitionOnLinesOfManyNeighbours)
+{
+    std::mt19937 random(1907);
+    const auto pick = [&random](const std::vector<double> &values) { return values[random() % values.size()]; };
+    for (int round = 0; round < 300; ++round) {
+        const int count = std::uniform_int_distribution(0, 40)(random);
+        const int columns = std::uniform_int_distribution(1, 3)(random);
+        const int side = std::uniform_int_distribution(0, 60)(random);
+        const double unit = pick({1.0, 1.0 / 3.0, 1e100, 1e-100});
+        MatrixXd rows = MatrixXd::Constant(count, columns, pick({0.0, 1.0, -unit}));
+        rows.col(std::uniform_int_distribution(0, columns - 1)(random)) =
+            Eigen::VectorXd::NullaryExpr(count, [&] { return unit * std::uniform_int_distribution(0, side)(random); });
+        const double eps = unit * std::uniform_int_distribution(0, 60)(random) / 2.0;
+        const int minPoints = std::uniform_int_distribution(0, count + 2)(random);
+        ASSERT_EQ(labelsByDefinition(rows, eps, minPoints), labelsOf(rows, eps, minPoints))
+            << "round " << round << ", eps " << eps << ", " << minPoints << " points, rows\n"
+            << rows;
+    }
+}
+
+TEST(ClusteringDBSCAN, DistancesOnALineAreTakenWithoutTheirSquares)
+{
+    // 1e200 squared is infinite; 1.3 * 2^-537 squared rounds to 2 * 2^-1074, the square of a larger distance.
+    EXPECT_EQ(std::vector<int>({0, 0, -1}), labelsOf(line({0, 1e200, 1e202}), 1e200, 2));
+    const double tiny = std::ldexp(1.3, -537);
+    EXPECT_EQ(std::vector<int>({0, 0, -1}), labelsOf(line({0, tiny, 3 * tiny}), tiny, 2));
+}
+
 TEST(ClusteringDBSCAN, LongLinesAreNotQuadratic)
 {
     // Runs of nine indices and a gap; all pairs of them would take hours under sanitizers.
@@ -226,8 +255,10 @@ TEST(ClusteringDBSCAN, ManyRowsOfALineWithinOneEpsAreOneClusterAtOnce)
     Eigen::MatrixXd rows(200000, 2);
     rows.col(0).setOnes();
     rows.col(1).setLinSpaced(0.0, 199999.0);
-    for (const double eps : {1e6, std::numeric_limits<double>::infinity()})
-        EXPECT_TRUE((ClusteringDBSCAN(eps, 2).performDBSCAN(rows).array() == 0).all());
+    EXPECT_TRUE((ClusteringDBSCAN(1e6, 2).performDBSCAN(rows).array() == 0).all());
+    EXPECT_TRUE(
+        (ClusteringDBSCAN(std::numeric_limits<double>::infinity(), 200000).performDBSCAN(rows).array() == 0).all());
+    EXPECT_TRUE((ClusteringDBSCAN(1e6, 200001).performDBSCAN(rows).array() == -1).all());
 }
 
 } // namespace

@@ -118,6 +118,16 @@ TEST(ErrorUtils, ParameterNumbersOtherThanOneAreExclusive)
 {
     EXPECT_EQ(0, Exclusive);
     EXPECT_EQ(1, Inclusive);
+    for (const int number : {2, -1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+        const auto other = static_cast<ErrorUtilsParam>(number);
+        EXPECT_FALSE(aboveInt(5, 5, other)) << number;
+        EXPECT_FALSE(belowInt(5, 5, other)) << number;
+        EXPECT_FALSE(below(0.5, 0.5, other)) << number;
+        EXPECT_FALSE(below(0.5, 0.5 + 1e-13, other)) << number;
+        EXPECT_TRUE(aboveInt(6, 5, other)) << number;
+        EXPECT_TRUE(belowInt(4, 5, other)) << number;
+        EXPECT_TRUE(below(0.4, 0.5, other)) << number;
+    }
 }
 
 TEST(ErrorUtils, BelowThresholdOfDoublesPassesEqualityOnlyWhenInclusive)

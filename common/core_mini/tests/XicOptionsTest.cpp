@@ -87,6 +87,15 @@ TYPED_TEST(XicOptions, MaxPointCountMustExceedTheThinningMargin)
     EXPECT_EQ("", complaint(&TypeParam::maxPointCount, 201));
 }
 
+TYPED_TEST(XicOptions, MaxPointCountIsAtMostTwoToThe24)
+{
+    const auto field = &TypeParam::maxPointCount;
+    EXPECT_EQ("", complaint(field, 16777216));
+    EXPECT_EQ("maxPointCount is 16777217, must be 16777216 or less", complaint(field, 16777217));
+    EXPECT_EQ("maxPointCount is 2147483647, must be 16777216 or less",
+              complaint(field, std::numeric_limits<int>::max()));
+}
+
 TYPED_TEST(XicOptions, ProbabilityToleranceLiesWithinZeroToOne)
 {
     const auto field = &TypeParam::probabilityTolerance;
@@ -109,6 +118,13 @@ TYPED_TEST(XicOptions, GaussianFilterHasATap)
     EXPECT_EQ("gaussianFilterSize is 0, must be 1 or more", complaint(&TypeParam::gaussianFilterSize, 0));
     EXPECT_EQ("", complaint(&TypeParam::gaussianFilterSize, 1));
     EXPECT_EQ("", complaint(&TypeParam::gaussianFilterSize, 6));
+}
+
+TYPED_TEST(XicOptions, GaussianFilterHasAtMostTwoToThe20Taps)
+{
+    EXPECT_EQ("", complaint(&TypeParam::gaussianFilterSize, 1048576));
+    EXPECT_EQ("gaussianFilterSize is 1048577, must be 1048576 or less",
+              complaint(&TypeParam::gaussianFilterSize, 1048577));
 }
 
 TYPED_TEST(XicOptions, FirstBrokenFieldIsNamed)
@@ -144,6 +160,13 @@ TEST(XicBaselineLimitsDetectorOptions, DbscanMinPointsIsOneOrMore)
 {
     EXPECT_EQ("dbscanMinPoints is 0, must be 1 or more", complaint(&DetectorOptions::dbscanMinPoints, 0));
     EXPECT_EQ("", complaint(&DetectorOptions::dbscanMinPoints, 1));
+}
+
+TEST(XicBaselineLimitsDetectorOptions, DbscanMinPointsIsAtMostTwoToThe20)
+{
+    EXPECT_EQ("", complaint(&DetectorOptions::dbscanMinPoints, 1048576));
+    EXPECT_EQ("dbscanMinPoints is 1048577, must be 1048576 or less",
+              complaint(&DetectorOptions::dbscanMinPoints, 1048577));
 }
 
 TEST(XicBaselineLimitsDetectorOptions, MinPointCountIsNotNegative)

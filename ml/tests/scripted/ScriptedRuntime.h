@@ -28,6 +28,7 @@ struct ScriptedRuntime
     int runStatus = 0;
     int deleteSessionStatus = 0;
     int encodeStatus = 0;
+    int failingEncodes = -1;       ///< how many of the next encodings have `encodeStatus`, the others 0; -1: all
     bool refusesNewTensor = false; ///< TF_NewTensor calls the deallocator and returns null, as TensorFlow does
     bool refusesAllocation = false;
     bool hidesTensorData = false;

@@ -177,6 +177,22 @@ TEST_F(ScriptedRuntimeTest, SaveEncodesTheNameTwiceBehindTheOffset)
               runtime->fedBytes);
 }
 
+TEST_F(ScriptedRuntimeTest, SaveJudgesTheSecondEncodingAlone)
+{
+    loadSaver();
+    runtime->encodeStatus = INTERNAL_ERROR;
+    runtime->failingEncodes = 1;
+    CaptureStderr();
+    EXPECT_FALSE(model->save("a/b").hasError());
+    EXPECT_EQ("", GetCapturedStderr());
+    EXPECT_EQ(1U, runtime->fedBytes.size());
+
+    runtime->failingEncodes = 1;
+    CaptureStderr();
+    EXPECT_EQ(statusTrail("restore"), trailOf(model->restore("a/b")));
+    EXPECT_EQ("Error during filename a/b encoding\n", GetCapturedStderr());
+}
+
 TEST_F(ScriptedRuntimeTest, RestoreEncodesTheNameOnce)
 {
     loadSaver();
@@ -257,6 +273,18 @@ TEST_F(ScriptedRuntimeTest, ATensorThatIsNotMadeIsToldAndItsBufferIsFreedOnce)
     EXPECT_EQ(QList<QString>{QStringLiteral("An error occurred allocating the Tensor memory")},
               recorder.criticalTexts());
     EXPECT_EQ(-1, TensorInspector::state(tensor));
+}
+
+TEST_F(ScriptedRuntimeTest, OnlyADimensionOfMinusOneIsUnknown)
+{
+    load({{"x", 1, {-2, 3}}});
+    Tensor tensor;
+    ASSERT_FALSE(bind(&tensor, "x").hasError());
+    const MessageRecorder recorder;
+    EXPECT_TRUE(tensor.setData(std::vector<float>(12)).equals(Failure)); // a multiple of 6
+    EXPECT_EQ(QList<QString>{QStringLiteral("An error occurred allocating the Tensor memory")},
+              recorder.criticalTexts());
+    EXPECT_EQ((std::vector<std::int64_t>{-2, 3}), *TensorInspector::dataShape(tensor));
 }
 
 TEST_F(ScriptedRuntimeTest, DataThatTheRuntimeHidesIsEmpty)

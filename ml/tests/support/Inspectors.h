@@ -34,6 +34,7 @@ class ModelInspector
 {
 public:
     static const TfApi &api(const Model &model) { return model.api; }
+    static TfApi *api(Model *model) { return &model->api; }
     static bool hasSession(const Model &model) { return model.session != nullptr; }
 };
 

@@ -32,7 +32,8 @@ QList<QString> MessageRecorder::criticalTexts() const
 
 void MessageRecorder::record(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    active->m_messages.append({type, QString::fromUtf8(context.category), text});
+    active->m_messages.append({type, QString::fromUtf8(context.category), text, QString::fromUtf8(context.file),
+                               context.line, QString::fromUtf8(context.function)});
 }
 
 } // namespace zav

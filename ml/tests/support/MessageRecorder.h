@@ -16,6 +16,9 @@ public:
         QtMsgType type = QtDebugMsg;
         QString category;
         QString text;
+        QString sourceFile; // empty where the message names none
+        int line = 0;
+        QString functionSignature;
     };
 
     MessageRecorder();

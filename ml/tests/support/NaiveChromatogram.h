@@ -152,4 +152,24 @@ inline IndexInterval walk(const std::vector<float> &vector, int apex, double thr
     return {left, right == size - 1 ? size - 3 : right};
 }
 
+/// Again and again a walk from the highest maximum that no interval covers yet.
+inline std::vector<IndexInterval> walks(const std::vector<float> &vector, double threshold)
+{
+    const auto height = [&](int i) { return std::trunc(vector[i] * 10000.0F); };
+    std::vector<int> maxima;
+    for (int i = 1; i + 1 < static_cast<int>(vector.size()); ++i) {
+        if (height(i) > height(i - 1) && height(i) >= height(i + 1))
+            maxima.push_back(i);
+    }
+    std::vector<IndexInterval> intervals;
+    while (!maxima.empty()) {
+        const int apex =
+            *std::max_element(maxima.begin(), maxima.end(), [&](int a, int b) { return vector[a] < vector[b]; });
+        const IndexInterval limits = walk(vector, apex, threshold);
+        std::erase_if(maxima, [&](int m) { return m == apex || (limits.start <= m && m <= limits.end); });
+        intervals.push_back(limits);
+    }
+    return intervals;
+}
+
 } // namespace zav::naive

@@ -15,15 +15,15 @@ struct XicPeakSplitterOptions
     /// The network's graph file. Not empty.
     QString modelFilePath;
 
-    /// Length of the network's input in points, which the network must accept; above 200. A longer chromatogram is
-    /// thinned to it.
+    /// Length of the network's input in points, which the network must accept; above 200, at most 16,777,216
+    /// (2^24). A longer chromatogram is thinned to it.
     int maxPointCount = 1024;
 
     /// A split point needs a probability of 1 - this or more from the network. Within 0 to 1: the higher, the more
     /// splits.
     double probabilityTolerance = 0.5;
 
-    /// Taps of the Gaussian filter (sigma 4 points), an even number rounded up. 1 or more.
+    /// Taps of the Gaussian filter (sigma 4 points), an even number rounded up. 1 to 1,048,576 (2^20).
     int gaussianFilterSize = 5;
 
     /// How often the intensities are smoothed by the Gaussian filter. 0 or more; 0 leaves them as they are.

@@ -22,14 +22,21 @@ std::vector<Index> finiteRows(const Eigen::MatrixXd &rows)
     return finite;
 }
 
-// The column of the greatest spread; zeros where there is no column or no row.
-Eigen::VectorXd widestColumn(const Eigen::MatrixXd &rows)
+// The column of the greatest spread.
+struct WidestColumn
+{
+    Eigen::VectorXd values;          // zeros where there is no column or no row
+    bool isOnlyOneThatVaries = true; // the rows lie on a line
+};
+
+WidestColumn widestColumn(const Eigen::MatrixXd &rows)
 {
     if (rows.size() == 0)
-        return Eigen::VectorXd::Zero(rows.rows());
+        return {Eigen::VectorXd::Zero(rows.rows())};
+    const Eigen::RowVectorXd spreads = rows.colwise().maxCoeff() - rows.colwise().minCoeff();
     Index widest = 0;
-    (rows.colwise().maxCoeff() - rows.colwise().minCoeff()).maxCoeff(&widest);
-    return rows.col(widest);
+    spreads.maxCoeff(&widest);
+    return {rows.col(widest), (spreads.array() > 0.0).count() <= 1};
 }
 
 // Rows sorted along their widest column: a neighbourhood is a stretch of them, sieved. A place is a position in that
@@ -41,7 +48,9 @@ public:
     {
         std::vector<Index> rowAt(m_placeOf.size());
         std::iota(rowAt.begin(), rowAt.end(), Index(0));
-        const Eigen::VectorXd keys = widestColumn(rows);
+        const WidestColumn column = widestColumn(rows);
+        const Eigen::VectorXd &keys = column.values;
+        m_isLine = column.isOnlyOneThatVaries;
         std::stable_sort(rowAt.begin(), rowAt.end(), [&](Index a, Index b) { return keys[a] < keys[b]; });
         for (std::size_t place = 0; place < rowAt.size(); ++place)
             m_placeOf[static_cast<std::size_t>(rowAt[place])] = static_cast<Index>(place);
@@ -56,7 +65,14 @@ public:
     Index firstNear(Index place) const { return m_firstNear[static_cast<std::size_t>(place)]; }
     Index endNear(Index place) const { return m_endNear[static_cast<std::size_t>(place)]; }
 
-    bool areNeighbours(Index a, Index b) const { return (m_points.col(a) - m_points.col(b)).norm() <= m_eps; }
+    // Whether all of these are its neighbours, as they are where the rows differ in one column only.
+    bool isLine() const { return m_isLine; }
+
+    // For places that lie so near along that column.
+    bool areNeighbours(Index a, Index b) const
+    {
+        return m_isLine || (m_points.col(a) - m_points.col(b)).norm() <= m_eps;
+    }
 
 private:
     void findStretches(const Eigen::VectorXd &keys)
@@ -75,6 +91,7 @@ private:
     }
 
     double m_eps;
+    bool m_isLine = false;
     std::vector<Index> m_placeOf; // by row
     std::vector<Index> m_firstNear;
     std::vector<Index> m_endNear;
@@ -110,7 +127,10 @@ private:
 
 bool isCore(const SortedRows &rows, Index place, int minPoints)
 {
-    int missing = std::max(minPoints, 1);
+    Index missing = std::max(minPoints, 1);
+    const bool isFullEnough = rows.endNear(place) - rows.firstNear(place) >= missing;
+    if (!isFullEnough || rows.isLine())
+        return isFullEnough;
     for (Index other = rows.firstNear(place); other < rows.endNear(place) && missing > 0; ++other)
         missing -= rows.areNeighbours(place, other) ? 1 : 0;
     return missing == 0;

@@ -10,9 +10,9 @@ namespace zav {
 /// Density-based clustering (Ester, Kriegel, Sander and Xu, KDD 1996) of the rows of a matrix, Euclidean distance.
 ///
 /// The neighbourhood of a row are the rows at a distance of `eps` or less, itself included; a row with at least
-/// `minPoints` of them is a core. Rows are compared along their widest column first: n rows that lie along it cost
-/// n log n plus n times `minPoints`, however large `eps` is; rows spread over several columns cost up to the square of
-/// the number within one `eps` along that column.
+/// `minPoints` of them is a core. Rows are compared along their widest column first: n rows that differ in no other one
+/// cost n log n, however large `eps` and `minPoints` are; rows spread over several columns cost up to the square of the
+/// number within one `eps` along that column.
 class ClusteringDBSCAN
 {
 public:

@@ -10,8 +10,8 @@
 
 namespace zav {
 
-/// Whether equality passes a threshold check.
-enum ErrorUtilsParam { Exclusive = 0, Inclusive = 1 };
+/// Whether equality passes a threshold check: with `Inclusive` it does, with any other value it does not.
+enum ErrorUtilsParam : int { Exclusive = 0, Inclusive = 1 };
 
 /// Checks that turn a broken condition into the error the caller hands in.
 ///

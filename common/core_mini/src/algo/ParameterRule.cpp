@@ -31,6 +31,11 @@ ParameterRule ParameterRule::atLeast(const char *field, int value, int lowest)
     return {value >= lowest, field, text(value), QStringLiteral("%1 or more").arg(text(lowest))};
 }
 
+ParameterRule ParameterRule::atMost(const char *field, int value, int highest)
+{
+    return {value <= highest, field, text(value), QStringLiteral("%1 or less").arg(text(highest))};
+}
+
 ParameterRule ParameterRule::greaterThan(const char *field, int value, int limit)
 {
     return {value > limit, field, text(value), QStringLiteral("greater than %1").arg(text(limit))};

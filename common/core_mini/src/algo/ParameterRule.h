@@ -9,6 +9,11 @@
 
 namespace zav {
 
+// The most that the options of the chromatogram predictors allow, so that every call ends and fits into memory.
+constexpr int MOST_POINTS = 1 << 24;      // of a network's input
+constexpr int MOST_FILTER_TAPS = 1 << 20; // of the Gaussian filter
+constexpr int MOST_CORE_POINTS = 1 << 20; // around a core of DBSCAN
+
 /// One rule of an options record, checked on one field's value. No rule holds for NaN.
 struct ParameterRule
 {
@@ -19,6 +24,7 @@ struct ParameterRule
 
     static ParameterRule notEmpty(const char *field, const QString &value);
     static ParameterRule atLeast(const char *field, int value, int lowest);
+    static ParameterRule atMost(const char *field, int value, int highest);
     static ParameterRule greaterThan(const char *field, int value, int limit);
     static ParameterRule greaterThan(const char *field, double value, double limit);
     static ParameterRule within(const char *field, double value, double lowest, double highest);

@@ -11,8 +11,10 @@ Error XicPeakSplitterOptions::checkForParameterErrors() const
     return firstBrokenRule({
         ParameterRule::notEmpty("modelFilePath", modelFilePath),
         ParameterRule::greaterThan("maxPointCount", maxPointCount, 200),
+        ParameterRule::atMost("maxPointCount", maxPointCount, MOST_POINTS),
         ParameterRule::within("probabilityTolerance", probabilityTolerance, 0.0, 1.0),
         ParameterRule::atLeast("gaussianFilterSize", gaussianFilterSize, 1),
+        ParameterRule::atMost("gaussianFilterSize", gaussianFilterSize, MOST_FILTER_TAPS),
         ParameterRule::atLeast("smoothingPassCount", smoothingPassCount, 0),
     });
 }
