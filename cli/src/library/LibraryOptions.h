@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DecoyOptions.h"
-#include "DigestionOptions.h"
+#include "DecoyMaker.h"
+#include "Digestion.h"
 #include "LibraryFileKind.h"
 #include "LibraryShard.h"
 #include "PeakFilter.h"

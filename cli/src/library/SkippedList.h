@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DigestionReport.h"
+#include "Digestion.h"
 #include "OutputFile.h"
 #include "ProteinTable.h"
 #include "SpectrumMaker.h"

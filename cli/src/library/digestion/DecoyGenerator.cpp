@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DecoyGenerator.h"
 
-#include "PeptideCodec.h"
-#include "PeptideCursor.h"
-#include "PeptideUniter.h"
+#include "PeptideMerge.h"
 
 #include <utility>
 

@@ -1,14 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DecoyOptions.h"
-
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
 
 #include <optional>
 
 namespace zav {
+
+enum class DecoyKind { None, Reversed, Shuffled };
+
+/// Which decoys a library gets beside its targets.
+struct DecoyOptions
+{
+    DecoyKind kind = DecoyKind::None;
+
+    /// Of `Shuffled`: another seed, other decoys. Any value.
+    quint64 seed = 1;
+};
 
 /// Turns a target's sequence into that of a decoy.
 ///

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DigestionOptions.h"
+#include "Digestion.h"
 #include "Enzyme.h"
 
 #include <zav/Result.h>

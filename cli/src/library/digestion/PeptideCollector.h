@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DecoyMaker.h"
 #include "PeptideDigest.h"
-#include "PeptidePages.h"
 #include "RecordSorter.h"
 
 #include <optional>
 
 namespace zav {
+
+/// Where the first letter stands that is none of the 20 standard amino acids, -1 where all are.
+qsizetype firstNonstandardResidue(QByteArrayView sequence);
 
 /// Gathers the peptides of a library, in any order, and makes the ordered set of them.
 class PeptideCollector

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DecoyOptions.h"
-#include "DigestionOptions.h"
-#include "DigestionReport.h"
-#include "PeptideSource.h"
-#include "SortingSpace.h"
+#include "DecoyMaker.h"
+#include "Digestion.h"
+#include "PeptideSet.h"
 
 #include <zav/Result.h>
 
@@ -23,7 +21,7 @@ struct PeptideRequest
 
 struct DigestedPeptides
 {
-    std::unique_ptr<PeptideSource> peptides;
+    std::unique_ptr<PeptideSet> peptides;
     DigestionCounts counts;
 };
 
