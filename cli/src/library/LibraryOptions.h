@@ -3,7 +3,7 @@
 
 #include "DecoyMaker.h"
 #include "Digestion.h"
-#include "LibraryFileKind.h"
+#include "LibraryFormat.h"
 #include "LibraryShard.h"
 #include "PeakFilter.h"
 

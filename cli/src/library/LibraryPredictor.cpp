@@ -17,7 +17,7 @@ Error predictionError(const Error &error, int charge)
     return explainedError(error, QStringLiteral("msms_charge%1.pb is not a network for charge %1").arg(charge));
 }
 
-/// Names the file: which one it was the predictor knows by how far it came.
+/// Names the file that failed: the predictor loads them in order and knows how many it has.
 Error loadingError(const Error &error, const QStringList &paths, int reached)
 {
     const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();

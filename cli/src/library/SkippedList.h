@@ -10,8 +10,8 @@
 
 namespace zav {
 
-/// Lists what a library leaves out, as a table with the columns protein, peptide, charge and reason; where all charges
-/// are left out the charge is empty.
+/// Lists what a library leaves out, as a table with the columns protein, peptide, charge and reason. The charge is
+/// empty where all charges are left out.
 class SkippedList
 {
 public:
