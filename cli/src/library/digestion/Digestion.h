@@ -60,8 +60,8 @@ struct DigestionCounts
     qint64 decoysEqualToTarget = 0;
     qint64 decoysTooSimilar = 0;
 
-    /// Targets whose decoy is another target's as well; it occurs once, with the proteins of both. Targets are decoys
-    /// and the three kinds of targets without one of their own, summed.
+    /// Targets that share their decoy with another target; it occurs once, with the proteins of both. `targets` is the
+    /// sum of `decoys` and of these three counts of targets without a decoy of their own.
     qint64 decoysShared = 0;
 };
 

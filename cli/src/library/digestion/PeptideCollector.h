@@ -20,8 +20,8 @@ public:
     ProteinTable &proteins() { return m_proteins; }
     DigestionCounts &counts() { return m_counts; }
 
-    /// A peptide in a protein; none: in no protein that is known. A peptide with a residue outside the 20 is skipped
-    /// and told to the hook.
+    /// Adds a peptide at one of its places, in a protein or in none that is known. A peptide with a residue outside the
+    /// 20 is skipped and told to the hook.
     Error add(QByteArrayView peptide, std::optional<int> protein);
 
     /// Tells the hook of a peptide that is no part of the library.

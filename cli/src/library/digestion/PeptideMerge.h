@@ -34,8 +34,8 @@ private:
     qint64 m_unitedCount = 0;
 };
 
-/// Merges parts into one, in order and each sequence once. The parts are finished and in order; their memory is given
-/// back on the way. `*unitedCount` says how many peptides of the parts were the same as another.
+/// Merges parts into one, in order and each sequence once. The parts are finished and in order; their memory is freed
+/// on the way. `*unitedCount` says how many peptides of the parts were the same as another.
 Result<PeptidePages> mergePeptides(std::vector<PeptidePages> parts, const SortingSpace &space,
                                    const DigestionHooks &hooks, qint64 *unitedCount);
 

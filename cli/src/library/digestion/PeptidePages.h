@@ -75,7 +75,7 @@ public:
     /// Appends the peptides of a page to a block.
     Error readPage(qint64 page, PeptideBlock *block);
 
-    /// Gives the memory of a page back, which is not to be read again. Does nothing on disk.
+    /// Frees the memory of a page, which must not be read again. Does nothing on disk.
     void release(qint64 page);
 
 private:
@@ -92,7 +92,7 @@ private:
 class PeptideCursor
 {
 public:
-    enum Use { Keep, Consume }; ///< whether the memory of pages that were passed is given back
+    enum Use { Keep, Consume }; ///< whether the memory of passed pages is freed
 
     PeptideCursor(PeptidePages *pages, Use use) : m_pages(pages), m_use(use) {}
 

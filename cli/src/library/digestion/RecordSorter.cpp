@@ -12,7 +12,7 @@ namespace {
 
 constexpr qsizetype PREFIX_LETTERS = 12; // of 5 bits each
 
-// Of runs, which hold of each record the lengths of key and payload, the key, the payload.
+// A run holds of each record the lengths of key and payload, the key, the payload.
 constexpr qsizetype LENGTHS_SIZE = sizeof(quint16) + sizeof(quint32);
 constexpr qsizetype WRITTEN_AT_ONCE = 1 << 18;
 constexpr qint64 SMALLEST_BUFFER = 1 << 12;
@@ -153,7 +153,7 @@ bool RunMerger::advance(Cursor *cursor)
     return true;
 }
 
-// Sees to it that the buffer holds so many bytes from the current record on; false at the end of the run.
+// Makes the buffer hold `needed` bytes from the current record on; false at the end of the run.
 bool RunMerger::fill(Cursor *cursor, qsizetype needed)
 {
     const qsizetype held = cursor->buffer.size() - cursor->begin;

@@ -19,7 +19,7 @@ struct Record
     QByteArrayView key;     ///< 65535 bytes or fewer
     QByteArrayView payload; ///< compared where the keys are equal
 
-    /// As `memcmp` orders the keys, a beginning of another key before it; then the payloads likewise.
+    /// By keys as `memcmp` compares them, a key before those that it begins; then by payloads likewise.
     friend bool operator<(const Record &a, const Record &b);
 };
 
@@ -44,8 +44,8 @@ public:
     virtual Error error() const = 0;
 };
 
-/// Sorts any number of records, in memory or, with a bounded part of them there at a time, through sorted runs in a
-/// temporary file. The order is the same. Keys consist of the letters A to Z.
+/// Sorts any number of records in memory, or on disk: then a bounded part of them is in memory at a time, and sorted
+/// runs of them in a temporary file. The order is the same. Keys consist of the letters A to Z.
 ///
 /// In memory a record needs its bytes and 20 more. On disk the memory limit holds for the run being filled, and again
 /// for the buffers that the runs are merged through; with very many runs those need 4 KiB each.

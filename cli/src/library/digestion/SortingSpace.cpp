@@ -31,7 +31,7 @@ Result<QByteArray> TemporaryStore::read(qint64 offset, qint64 length)
 
 Error TemporaryStore::open()
 {
-    // Unbuffered, so that a write that fails fails here and now; the pieces are large.
+    // Unbuffered, so that a failed write is reported at once; the pieces are large.
     QFile &file = m_file;
     return file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) ? Error() : failure("make");
 }

@@ -24,8 +24,8 @@ struct SortingSpace
     qint64 memoryLimit = qint64(64) << 20;
 };
 
-/// One temporary file of a space, without a name where the system allows it. It is made with the first bytes and goes
-/// with its object. Bytes are appended in large pieces and read anywhere.
+/// A temporary file of a sorting space, without a name where the system allows it. It is made for the first bytes and
+/// removed with its object. Bytes are appended in large pieces and read anywhere.
 class TemporaryStore
 {
 public:
