@@ -24,6 +24,8 @@ public:
     /// `path` empty or "-": standard output.
     explicit OutputFile(const QString &path);
     ~OutputFile();
+    OutputFile(const OutputFile &) = delete;
+    OutputFile &operator=(const OutputFile &) = delete;
 
     /// Has to come first and succeed.
     Error open();

@@ -66,8 +66,6 @@ LibraryCommand::LibraryCommand(const LibraryOptions &options)
         m_messages.note(QStringLiteral("TSV libraries hold no isotopes, --isotopes adds none"));
 }
 
-LibraryCommand::~LibraryCommand() = default;
-
 int LibraryCommand::run()
 {
     const Error error = runSteps();

@@ -158,7 +158,7 @@ Result<LibraryManifest> LibraryManifest::readFor(const QString &libraryPath)
     if (!source.open(QIODevice::ReadOnly))
         return Error(Failure, QStringLiteral("cannot read %1: %2").arg(shown(path), source.errorString()));
     try {
-        const LibraryManifest manifest = fromJson(Json::parse(source.readAll().toStdString()));
+        LibraryManifest manifest = fromJson(Json::parse(source.readAll().toStdString()));
         const bool isInOrder = !LibraryShard::parse(manifest.shard.name()).hasError() && manifest.peptideCount >= 0 &&
                                manifest.file.precursors >= 0 && manifest.file.openingSize >= 0 &&
                                manifest.file.closingSize >= 0;

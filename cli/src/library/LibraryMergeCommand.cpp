@@ -29,8 +29,6 @@ LibraryMergeCommand::LibraryMergeCommand(const LibraryMergeOptions &options)
     : m_options(options), m_messages(options.verbose)
 {}
 
-LibraryMergeCommand::~LibraryMergeCommand() = default;
-
 int LibraryMergeCommand::run()
 {
     const Error error = runSteps();

@@ -33,8 +33,6 @@ LibraryPredictor::LibraryPredictor(double cysteineMass)
     m_predictor->setCysteineFixedMass(cysteineMass);
 }
 
-LibraryPredictor::~LibraryPredictor() = default;
-
 Error LibraryPredictor::load(const ModelFolder &folder, const QList<int> &charges)
 {
     for (const int charge : charges) {
@@ -53,7 +51,7 @@ Error LibraryPredictor::predict(const QStringList &peptides, int charge, const V
         byLength[peptides[i].size()].append(i);
     for (const QList<qsizetype> &indices : std::as_const(byLength)) {
         for (qsizetype first = 0; first < indices.size(); first += PEPTIDES_PER_RUN) {
-            const Error error = predictBlock(peptides, indices.mid(first, PEPTIDES_PER_RUN), charge, visit);
+            Error error = predictBlock(peptides, indices.mid(first, PEPTIDES_PER_RUN), charge, visit);
             if (error.hasError())
                 return error;
         }

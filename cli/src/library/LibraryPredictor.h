@@ -27,7 +27,6 @@ public:
     static constexpr qsizetype PEPTIDES_PER_RUN = 32;
 
     explicit LibraryPredictor(double cysteineMass);
-    ~LibraryPredictor();
 
     /// Loads the networks of the charges, each within 1 to 5. The error names the file.
     Error load(const ModelFolder &folder, const QList<int> &charges);

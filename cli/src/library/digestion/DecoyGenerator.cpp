@@ -115,7 +115,7 @@ Error DecoyGenerator::settle(PeptidePages *targets, RecordStream *proposals, Pep
         return proposals->error();
     if (lookup.error().hasError())
         return lookup.error();
-    const Error error = united.finish();
+    Error error = united.finish();
     m_counts->decoysShared += united.unitedCount();
     return error;
 }

@@ -68,10 +68,6 @@ PeptidePages::PeptidePages(const SortingSpace &space)
     : m_file(space.onDisk ? std::make_unique<TemporaryStore>(space) : nullptr)
 {}
 
-PeptidePages::~PeptidePages() = default;
-PeptidePages::PeptidePages(PeptidePages &&) noexcept = default;
-PeptidePages &PeptidePages::operator=(PeptidePages &&) noexcept = default;
-
 Error PeptidePages::append(const LibraryPeptide &peptide)
 {
     encodePeptide(peptide, &m_open);

@@ -59,9 +59,6 @@ public:
     static constexpr qint64 PEPTIDES_IN_PAGE = 256;
 
     explicit PeptidePages(const SortingSpace &space);
-    ~PeptidePages();
-    PeptidePages(PeptidePages &&) noexcept;
-    PeptidePages &operator=(PeptidePages &&) noexcept;
 
     /// Appends a peptide; the caller keeps the order. `Failure` when the file cannot be written.
     Error append(const LibraryPeptide &peptide);

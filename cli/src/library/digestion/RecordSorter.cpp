@@ -201,10 +201,6 @@ RecordSorter::RecordSorter(const SortingSpace &space) : m_space(space)
     m_places.reserve(m_space.memoryLimit / qsizetype(sizeof(Place)));
 }
 
-RecordSorter::~RecordSorter() = default;
-RecordSorter::RecordSorter(RecordSorter &&) noexcept = default;
-RecordSorter &RecordSorter::operator=(RecordSorter &&) noexcept = default;
-
 Error RecordSorter::add(const Record &record)
 {
     m_places.append(

@@ -53,9 +53,6 @@ class RecordSorter
 {
 public:
     explicit RecordSorter(const SortingSpace &space);
-    ~RecordSorter();
-    RecordSorter(RecordSorter &&) noexcept;
-    RecordSorter &operator=(RecordSorter &&) noexcept;
 
     /// `Failure` when a run cannot be written.
     Error add(const Record &record);
