@@ -40,7 +40,7 @@ void printMemory()
     }
 }
 
-double secondsToReadAll(PeptideSource &source)
+double secondsToReadAll(PeptideSet &source)
 {
     QElapsedTimer timer;
     timer.start();

@@ -34,7 +34,7 @@ LibraryEntry example()
 void formatsText(benchmark::State &state, LibraryFileKind kind)
 {
     const LibraryEntry entry = example();
-    const auto format = makeTextLibraryFormat(kind);
+    const LibraryFormat *format = textLibraryFormat(kind);
     const QByteArray text = format->entry(entry, 0);
     if (text.count('\n') < PEAK_COUNT)
         state.SkipWithError("an entry without its peaks");

@@ -5,9 +5,11 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QRandomGenerator>
 #include <QtCore/QSaveFile>
 
 #include <cstdio>
+#include <filesystem>
 
 namespace zav {
 
@@ -15,20 +17,30 @@ namespace {
 
 constexpr qsizetype FLUSH_SIZE = 1 << 16;
 
+Error cannotWrite(ErrorCode code, const QString &path, const QString &reason)
+{
+    return Error(code, QStringLiteral("cannot write %1: %2").arg(displayText(path, 300), reason));
+}
+
 } // namespace
+
+bool isRegularFile(const QString &path)
+{
+    const QFileInfo file(path);
+    return path != QLatin1String("-") && (!file.exists() || file.isFile());
+}
 
 OutputFile::OutputFile(const QString &path) : m_path(path) {}
 OutputFile::~OutputFile() = default;
 
 Error OutputFile::open()
 {
-    const QFileInfo existing(m_path);
     bool isOpen = false;
     if (isStandardOutput()) {
         auto file = std::make_unique<QFile>();
         isOpen = file->open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered);
         m_file = std::move(file);
-    } else if (existing.exists() && !existing.isFile()) {
+    } else if (!isRegularFile(m_path)) {
         // Renaming a finished file over a device or a pipe would replace it.
         m_file = std::make_unique<QFile>(m_path);
         isOpen = m_file->open(QIODevice::WriteOnly | QIODevice::Unbuffered);
@@ -81,6 +93,42 @@ Error OutputFile::failure(const char *what) const
 bool OutputFile::isStandardOutput() const
 {
     return m_path.isEmpty() || m_path == QLatin1String("-");
+}
+
+UnfinishedFile::~UnfinishedFile()
+{
+    if (!m_temporaryPath.isEmpty())
+        QFile::remove(m_temporaryPath);
+}
+
+// Exclusively, and with the permissions of any new file.
+Error UnfinishedFile::create(const QString &path)
+{
+    if (!isRegularFile(path))
+        return cannotWrite(InvalidInput, path, QStringLiteral("this format needs a regular file"));
+    const QFileInfo existing(path);
+    m_path = existing.isSymLink() ? existing.symLinkTarget() : path;
+    for (;;) {
+        const quint32 number = QRandomGenerator::global()->bounded(0x1000000u);
+        const QString candidate = m_path + QStringLiteral(".%1").arg(number, 6, 16, QLatin1Char('0'));
+        if (QFileInfo::exists(candidate))
+            continue;
+        QFile file(candidate);
+        if (!file.open(QIODevice::NewOnly))
+            return cannotWrite(Failure, path, file.errorString());
+        m_temporaryPath = candidate;
+        return {};
+    }
+}
+
+Error UnfinishedFile::commit()
+{
+    std::error_code status;
+    std::filesystem::rename(m_temporaryPath.toStdU16String(), m_path.toStdU16String(), status);
+    if (status)
+        return cannotWrite(Failure, m_path, QString::fromStdString(status.message()));
+    m_temporaryPath.clear();
+    return {};
 }
 
 } // namespace zav

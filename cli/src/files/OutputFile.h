@@ -11,6 +11,9 @@
 
 namespace zav {
 
+/// Whether a path is that of a regular file, or of one that is yet to be made, rather than "-", a pipe or a device.
+bool isRegularFile(const QString &path);
+
 /// Where a run's result goes: a file or standard output.
 ///
 /// A regular file appears under its name only with `commit`; until then an older one of that name stays, and an object
@@ -21,6 +24,8 @@ public:
     /// `path` empty or "-": standard output.
     explicit OutputFile(const QString &path);
     ~OutputFile();
+    OutputFile(const OutputFile &) = delete;
+    OutputFile &operator=(const OutputFile &) = delete;
 
     /// Has to come first and succeed.
     Error open();
@@ -41,6 +46,32 @@ private:
     QString m_path;
     QByteArray m_pending;
     std::unique_ptr<QFileDevice> m_file;
+};
+
+/// A file that others write, by its path, such as SQLite. They write it under a name of its own beside the final one,
+/// which it gets with `commit` only: until then an older file of that name stays, and an object that goes without
+/// `commit` removes the unfinished file. Errors name the final one.
+class UnfinishedFile
+{
+public:
+    UnfinishedFile() = default;
+    ~UnfinishedFile();
+    UnfinishedFile(const UnfinishedFile &) = delete;
+    UnfinishedFile &operator=(const UnfinishedFile &) = delete;
+
+    /// Makes the file, empty, for the final `path`. Has to come first and succeed. `InvalidInput` where that is no
+    /// regular file.
+    Error create(const QString &path);
+
+    /// Where to write.
+    QString temporaryPath() const { return m_temporaryPath; }
+
+    /// Gives the file its name. It has to be closed.
+    Error commit();
+
+private:
+    QString m_path;
+    QString m_temporaryPath; // empty: nothing to remove
 };
 
 } // namespace zav

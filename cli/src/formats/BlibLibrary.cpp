@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "BlibLibrary.h"
-
-#include "BlibReader.h"
 #include "CysteineModification.h"
-#include "PeakArrays.h"
+#include "SqliteDatabase.h"
+#include "SqliteLibrary.h"
+
+#include <QtCore/QHash>
 
 namespace zav {
 
@@ -47,6 +47,13 @@ constexpr char INSERT_SPECTRUM[] =
     " score, scoreType)"
     " VALUES (?, ?, ?, ?, ?, '-', '-', 1, ?, 0, 0, 0, 0, 0, ?, '', '', '', '', '', 1, ?, 0, 0)";
 
+constexpr char SELECT_SPECTRA[] =
+    "SELECT s.id, s.peptideSeq, s.precursorMZ, s.precursorCharge, s.peptideModSeq, s.numPeaks, s.totalIonCurrent,"
+    " p.peakMZ, p.peakIntensity FROM RefSpectra s JOIN RefSpectraPeaks p ON p.rowid = s.id ORDER BY s.id";
+constexpr char SELECT_MODIFICATIONS[] = "SELECT RefSpectraID, mass FROM Modifications ORDER BY id";
+constexpr char SELECT_PROTEINS[] = "SELECT l.RefSpectraId, p.accession FROM RefSpectraProteins l"
+                                   " JOIN Proteins p ON p.id = l.ProteinId ORDER BY l.rowid";
+
 constexpr char INSERT_INFO[] = "INSERT INTO LibInfo VALUES (?, 'Thu Jan 01 00:00:00 1970', ?, 1, 10)";
 
 QByteArray packed(const QByteArray &array)
@@ -55,7 +62,116 @@ QByteArray packed(const QByteArray &array)
     return stream.size() < array.size() ? stream : array;
 }
 
-} // namespace
+// Reads the entries of a library that `BlibLibrary` wrote, in order.
+//
+// `RefSpectraProteins` and `Modifications` have no index by spectrum, nor need one: like `RefSpectra` they are read
+// once, side by side, in the order in which they were written.
+class BlibReader
+{
+public:
+    // The reader has to go before the database.
+    Error prepare(SqliteDatabase *database);
+
+    // Whether there was another entry, which `entry` then holds.
+    Result<bool> next(EncodedEntry *entry);
+
+private:
+    // A table whose rows begin with the spectrum they belong to.
+    struct Side
+    {
+        SqliteStatement rows;
+        bool hasRow = false;
+    };
+
+    static Error advance(Side *side);
+    Error readSides(qint64 spectrum, EncodedEntry *entry);
+
+    SqliteStatement m_spectra;
+    Side m_modifications;
+    Side m_proteins;
+};
+
+class BlibLibrary : public SqliteLibrary
+{
+public:
+    EncodedEntry encode(const LibraryEntry &entry) const override;
+
+protected:
+    Error createTables(SqliteDatabase *database, const LibraryInfo &info) override;
+    Error insert(const EncodedEntry &entry) override;
+    Error insertEnd(SqliteDatabase *database) override;
+    Error read(SqliteDatabase *other, const EntryTaker &take) const override;
+
+private:
+    Error insertModifications(const EncodedEntry &entry);
+    Error insertProteins(const EncodedEntry &entry);
+
+    SqliteStatement m_spectrum;
+    SqliteStatement m_peaks;
+    SqliteStatement m_modification;
+    SqliteStatement m_protein;
+    SqliteStatement m_proteinLink;
+    QByteArray m_identifier;
+    QHash<QByteArray, qint64> m_proteinIds;
+    qint64 m_count = 0;
+};
+
+Error BlibReader::prepare(SqliteDatabase *database)
+{
+    if (Error error = m_spectra.prepare(database, SELECT_SPECTRA); error.hasError())
+        return error;
+    if (Error error = m_modifications.rows.prepare(database, SELECT_MODIFICATIONS); error.hasError())
+        return error;
+    if (Error error = m_proteins.rows.prepare(database, SELECT_PROTEINS); error.hasError())
+        return error;
+    if (Error error = advance(&m_modifications); error.hasError())
+        return error;
+    return advance(&m_proteins);
+}
+
+Result<bool> BlibReader::next(EncodedEntry *entry)
+{
+    const Result<bool> hasRow = m_spectra.next();
+    if (hasRow.hasError())
+        return hasRow.error();
+    if (!hasRow.value())
+        return false;
+    entry->peptide = m_spectra.bytes(1);
+    entry->precursorMz = m_spectra.real(2);
+    entry->charge = static_cast<int>(m_spectra.integer(3));
+    entry->modifiedPeptide = m_spectra.bytes(4);
+    entry->peakCount = static_cast<int>(m_spectra.integer(5));
+    entry->totalIonCurrent = m_spectra.real(6);
+    entry->masses = m_spectra.bytes(7);
+    entry->intensities = m_spectra.bytes(8);
+    if (Error error = readSides(m_spectra.integer(0), entry); error.hasError())
+        return error;
+    return true;
+}
+
+Error BlibReader::readSides(qint64 spectrum, EncodedEntry *entry)
+{
+    while (m_modifications.hasRow && m_modifications.rows.integer(0) == spectrum) {
+        entry->cysteineMass = m_modifications.rows.real(1);
+        if (Error error = advance(&m_modifications); error.hasError())
+            return error;
+    }
+    while (m_proteins.hasRow && m_proteins.rows.integer(0) == spectrum) {
+        entry->proteins.append(m_proteins.rows.bytes(1));
+        if (Error error = advance(&m_proteins); error.hasError())
+            return error;
+    }
+    return {};
+}
+
+Error BlibReader::advance(Side *side)
+{
+    const Result<bool> hasRow = side->rows.next();
+    if (hasRow.hasError())
+        return hasRow.error();
+    side->hasRow = hasRow.value();
+    return {};
+}
 
 EncodedEntry BlibLibrary::encode(const LibraryEntry &entry) const
 {
@@ -152,6 +268,13 @@ Error BlibLibrary::read(SqliteDatabase *other, const EntryTaker &take) const
         if (Error error = take(entry); error.hasError())
             return error;
     }
+}
+
+} // namespace
+
+std::unique_ptr<SqliteLibrary> makeBlibLibrary()
+{
+    return std::make_unique<BlibLibrary>();
 }
 
 } // namespace zav

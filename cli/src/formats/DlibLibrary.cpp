@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DlibLibrary.h"
-
-#include "PeakArrays.h"
+#include "SqliteDatabase.h"
+#include "SqliteLibrary.h"
 
 namespace zav {
 
@@ -65,7 +64,24 @@ Error readProteins(SqliteStatement *links, EncodedEntry *entry)
     }
 }
 
-} // namespace
+class DlibLibrary : public SqliteLibrary
+{
+public:
+    EncodedEntry encode(const LibraryEntry &entry) const override;
+
+protected:
+    Error createTables(SqliteDatabase *database, const LibraryInfo &info) override;
+    Error insert(const EncodedEntry &entry) override;
+    Error insertEnd(SqliteDatabase *database) override;
+    Error read(SqliteDatabase *other, const EntryTaker &take) const override;
+
+private:
+    Error insertProteins(const EncodedEntry &entry);
+
+    SqliteStatement m_entry;
+    SqliteStatement m_protein;
+    QByteArray m_lastPeptide;
+};
 
 EncodedEntry DlibLibrary::encode(const LibraryEntry &entry) const
 {
@@ -137,6 +153,13 @@ Error DlibLibrary::read(SqliteDatabase *other, const EntryTaker &take) const
         if (Error error = take(entry); error.hasError())
             return error;
     }
+}
+
+} // namespace
+
+std::unique_ptr<SqliteLibrary> makeDlibLibrary()
+{
+    return std::make_unique<DlibLibrary>();
 }
 
 } // namespace zav

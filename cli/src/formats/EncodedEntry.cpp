@@ -4,7 +4,42 @@
 #include "CysteineModification.h"
 #include "PeptideNotation.h"
 
+#include <QtCore/QtEndian>
+
+#include <zlib.h>
+
 namespace zav {
+
+namespace {
+
+constexpr double SCALE = 10000;
+
+// An array is a few hundred bytes: zlib's usual tables would take longer to clear than it takes to pack.
+constexpr int WINDOW_BITS = 12;
+constexpr int MEMORY_LEVEL = 4;
+
+template <typename Number, typename Value>
+QByteArray packed(const QList<LibraryPeak> &peaks, QSysInfo::Endian order, const Value &value)
+{
+    QByteArray bytes(peaks.size() * qsizetype(sizeof(Number)), Qt::Uninitialized);
+    char *end = bytes.data();
+    for (const LibraryPeak &peak : peaks) {
+        const auto number = static_cast<Number>(value(peak));
+        if (order == QSysInfo::BigEndian)
+            qToBigEndian(number, end);
+        else
+            qToLittleEndian(number, end);
+        end += sizeof(Number);
+    }
+    return bytes;
+}
+
+float stored(const LibraryPeak &peak)
+{
+    return static_cast<float>(peak.intensity * SCALE);
+}
+
+} // namespace
 
 EncodedEntry encodedPeptide(const LibraryEntry &entry, int massDecimals)
 {
@@ -22,6 +57,44 @@ EncodedEntry encodedPeptide(const LibraryEntry &entry, int massDecimals)
         encoded.proteins.append(accession.toUtf8());
     encoded.isDecoy = entry.isDecoy;
     return encoded;
+}
+
+QByteArray massArray(const QList<LibraryPeak> &peaks, QSysInfo::Endian order)
+{
+    return packed<double>(peaks, order, [](const LibraryPeak &peak) { return peak.mz; });
+}
+
+QByteArray intensityArray(const QList<LibraryPeak> &peaks, QSysInfo::Endian order)
+{
+    return packed<float>(peaks, order, stored);
+}
+
+double storedIntensity(const QList<LibraryPeak> &peaks)
+{
+    double sum = 0;
+    for (const LibraryPeak &peak : peaks)
+        sum += static_cast<double>(stored(peak));
+    return sum;
+}
+
+QByteArray compressed(const QByteArray &bytes)
+{
+    z_stream stream{};
+    QByteArray packedBytes;
+    // Nothing is left that could go wrong but memory, of which Qt makes no error either.
+    const int status =
+        deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, WINDOW_BITS, MEMORY_LEVEL, Z_DEFAULT_STRATEGY);
+    Q_ASSERT(status == Z_OK);
+    Q_UNUSED(status)
+    packedBytes.resize(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(bytes.size()))));
+    stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(bytes.constData()));
+    stream.avail_in = static_cast<uInt>(bytes.size());
+    stream.next_out = reinterpret_cast<Bytef *>(packedBytes.data());
+    stream.avail_out = static_cast<uInt>(packedBytes.size());
+    deflate(&stream, Z_FINISH);
+    packedBytes.truncate(static_cast<qsizetype>(stream.total_out));
+    deflateEnd(&stream);
+    return packedBytes;
 }
 
 } // namespace zav

@@ -5,10 +5,12 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
+#include <QtCore/QSysInfo>
 
 namespace zav {
 
-/// An entry as a `SqliteLibrary` stores it: what takes time (arrays packed, peptide with its masses) is done.
+/// An entry as a `SqliteLibrary` stores it: what takes time is done, the packing of the arrays and the
+/// peptide with its masses.
 struct EncodedEntry
 {
     QByteArray peptide;         ///< one-letter code
@@ -26,5 +28,17 @@ struct EncodedEntry
 
 /// All but the arrays and their sum; the masses in the peptide with `massDecimals` digits behind the point.
 EncodedEntry encodedPeptide(const LibraryEntry &entry, int massDecimals);
+
+/// The m/z of the peaks as an array of 64-bit floating-point numbers in that byte order.
+QByteArray massArray(const QList<LibraryPeak> &peaks, QSysInfo::Endian order);
+
+/// The intensities as an array of 32-bit floating-point numbers in that byte order, scaled so that 1 becomes 10000.
+QByteArray intensityArray(const QList<LibraryPeak> &peaks, QSysInfo::Endian order);
+
+/// The sum of what `intensityArray` stores.
+double storedIntensity(const QList<LibraryPeak> &peaks);
+
+/// The bytes as one zlib stream (RFC 1950).
+QByteArray compressed(const QByteArray &bytes);
 
 } // namespace zav

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "AnnotatedPeak.h"
+
+#include <zav/FragmentPeak.h>
+
 #include <QtCore/QChar>
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -19,6 +23,18 @@ struct LibraryPeak
     QString neutralLoss;    ///< "-H2O", "-NH3" or empty
     int isotope = 0;        ///< neutrons above the monoisotopic peak, 0 for that peak
 };
+
+/// The peak of a fragment that the predictor gives, which is monoisotopic.
+inline LibraryPeak libraryPeak(const FragmentPeak &peak)
+{
+    return {peak.mz, peak.intensity, peak.ionType, peak.ionNumber, peak.charge, peak.neutralLoss, 0};
+}
+
+/// The peak of an annotated spectrum.
+inline LibraryPeak libraryPeak(const AnnotatedPeak &peak)
+{
+    return {peak.mz, peak.intensity, peak.ionType, peak.ionNumber, peak.charge, peak.neutralLoss, peak.isotopeNumber};
+}
 
 /// One predicted spectrum as spectral libraries hold it: a precursor, where it comes from, its peaks.
 ///

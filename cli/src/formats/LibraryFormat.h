@@ -2,13 +2,31 @@
 #pragma once
 
 #include "LibraryEntry.h"
-#include "LibraryFileKind.h"
 
 #include <QtCore/QByteArray>
+#include <QtCore/QByteArrayView>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
 
-#include <memory>
+#include <optional>
 
 namespace zav {
+
+/// The kinds of spectral library that can be written. Dlib and Blib are SQLite files, the others text.
+enum class LibraryFileKind { Msp, Tsv, Mgf, MzSpecLib, Dlib, Blib };
+
+/// The kind by the ending of a file's name, letter case aside: `.msp`, `.tsv`, `.mgf`, `.mzSpecLib.txt`, `.dlib`,
+/// `.blib`. Nothing for any other.
+std::optional<LibraryFileKind> libraryFileKindOfPath(const QString &path);
+
+/// The kind by its name, letter case aside: one of `libraryFileKindNames`. Nothing for any other.
+std::optional<LibraryFileKind> libraryFileKindOfName(const QString &name);
+
+/// "msp", "tsv", "mgf", "mzspeclib", "dlib", "blib": what `--format` takes.
+QStringList libraryFileKindNames();
+
+/// Whether the kind is written by a `SqliteLibrary` rather than by a `LibraryFormat`.
+bool isSqlite(LibraryFileKind kind);
 
 /// What a library says of itself. Nothing that changes between two runs may stand here: no date, machine or folder.
 struct LibraryInfo
@@ -24,7 +42,10 @@ struct LibraryInfo
 class LibraryFormat
 {
 public:
+    LibraryFormat() = default;
     virtual ~LibraryFormat();
+    LibraryFormat(const LibraryFormat &) = delete;
+    LibraryFormat &operator=(const LibraryFormat &) = delete;
 
     virtual QByteArray opening(const LibraryInfo &info) const;
 
@@ -34,9 +55,55 @@ public:
     virtual QByteArray entry(const LibraryEntry &entry, qint64 index) const = 0;
 
     virtual QByteArray closing() const;
+
+    /// Whether entries hold their index, in their first line. It is known only when the entry's turn has come: after it
+    /// was formatted and, where libraries are merged, after it was written.
+    virtual bool numbersEntries() const;
+
+    /// Of a format that numbers entries: whether a line is the first of an entry.
+    virtual bool isFirstLine(QByteArrayView line) const;
+
+    /// Of a format that numbers entries: the first line of any entry with that index.
+    virtual QByteArray firstLine(qint64 index) const;
 };
 
 /// The format of a text kind; null for a SQLite kind, which `makeSqliteLibrary` serves.
-std::unique_ptr<LibraryFormat> makeTextLibraryFormat(LibraryFileKind kind);
+const LibraryFormat *textLibraryFormat(LibraryFileKind kind);
+
+/// The text format of NIST's spectral libraries, with the peptide comments of NIST and SpectraST
+/// (https://chemdata.nist.gov).
+///
+/// MW is the neutral monoisotopic mass. Modified cysteines stand in the comment's `Mods` (positions from 0), by name
+/// where their mass is that of a common reagent, else as the signed mass, which readers that know names only refuse.
+/// OpenMS takes a modified first residue for a modified N-terminus, and refuses files in which a last residue is
+/// modified. The comment's `Protein` and `Gene` list several with `;`, a decoy has `Remark=DECOY`. Intensities are
+/// scaled so that 1 becomes 10000; every peak has its ion, `"y7-H2O+i^2/0.0ppm"`, or `"?"`. There is no retention time.
+const LibraryFormat &mspLibraryFormat();
+
+/// Mascot generic format (https://www.matrixscience.com/help/data_file_help.html): TITLE is `PEPTIDE/charge`, of a
+/// decoy `DECOY_PEPTIDE/charge`; PEPMASS the precursor's m/z; intensities are scaled so that 1 becomes 10000.
+///
+/// A peak has two columns, as readers take a third one for a charge. The format has no place for proteins and
+/// modifications, and RTINSECONDS is optional: none is written.
+const LibraryFormat &mgfLibraryFormat();
+
+/// mzSpecLib 1.0 of HUPO-PSI, its text form (https://www.psidev.info/mzspeclib), with terms of the PSI-MS vocabulary.
+///
+/// The peptide stands in ProForma notation with its charge; cysteines as `C[UNIMOD:4]`, with a mass of no common
+/// reagent as `C[+12.345000]`. A decoy is an `unnatural peptidoform decoy spectrum`. Each protein is a group of
+/// attributes: accession, entry name, gene. Intensities are relative to 1; every peak has its ion in mzPAF notation,
+/// isotopes among them, or `?`. The precursor's m/z stands in the spectrum, where readers look for it, and as a
+/// theoretical one in the analyte. There is no retention time. A spectrum's key is its index + 1.
+const LibraryFormat &mzSpecLibFormat();
+
+/// The transition list of OpenSWATH (TransitionTSVFile of OpenMS, https://openms.de) with the columns that DIA-NN
+/// wants besides (https://github.com/vdemichev/DiaNN, README): a row a fragment.
+///
+/// `NormalizedRetentionTime` is required by both and holds 0: no retention time is predicted. Intensities are relative
+/// to 1. Cysteines stand as `C(UniMod:4)`, with a mass of no common reagent as `C[+12.345000]`. Only monoisotopic b
+/// and y ions have rows: DIA-NN takes an a for a b, both take a second isotope of an ion for the ion itself. The
+/// neutral loss stands in `FragmentLossType` for DIA-NN and within `Annotation` for OpenMS, gene symbols in `Genes`
+/// for the one and in `GeneName` for the other. Several proteins or genes are listed with `;`.
+const LibraryFormat &tsvLibraryFormat();
 
 } // namespace zav

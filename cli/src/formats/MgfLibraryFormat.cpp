@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MgfLibraryFormat.h"
-
+#include "LibraryFormat.h"
 #include "TextBuffer.h"
 
 namespace zav {
@@ -10,7 +9,11 @@ namespace {
 constexpr qsizetype ENTRY_SIZE = 200;
 constexpr qsizetype PEAK_SIZE = 24;
 
-} // namespace
+class MgfLibraryFormat : public LibraryFormat
+{
+public:
+    QByteArray entry(const LibraryEntry &entry, qint64 index) const override;
+};
 
 QByteArray MgfLibraryFormat::entry(const LibraryEntry &entry, qint64) const
 {
@@ -24,6 +27,14 @@ QByteArray MgfLibraryFormat::entry(const LibraryEntry &entry, qint64) const
     for (const LibraryPeak &peak : entry.peaks)
         text.addFixed(peak.mz, 5).add(' ').addFixed(peak.intensity * 10000, 1).add('\n');
     return text.add("END IONS\n\n").take();
+}
+
+} // namespace
+
+const LibraryFormat &mgfLibraryFormat()
+{
+    static const MgfLibraryFormat FORMAT;
+    return FORMAT;
 }
 
 } // namespace zav

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MspLibraryFormat.h"
-
 #include "CysteineModification.h"
+#include "LibraryFormat.h"
 #include "PeptideMasses.h"
 #include "PeptideNotation.h"
 
@@ -46,7 +45,11 @@ void addComment(TextBuffer *text, const LibraryEntry &entry)
         text->add(" Remark=DECOY");
 }
 
-} // namespace
+class MspLibraryFormat : public LibraryFormat
+{
+public:
+    QByteArray entry(const LibraryEntry &entry, qint64 index) const override;
+};
 
 QByteArray MspLibraryFormat::entry(const LibraryEntry &entry, qint64) const
 {
@@ -65,6 +68,14 @@ QByteArray MspLibraryFormat::entry(const LibraryEntry &entry, qint64) const
         text.add("\"\n");
     }
     return text.add('\n').take();
+}
+
+} // namespace
+
+const LibraryFormat &mspLibraryFormat()
+{
+    static const MspLibraryFormat FORMAT;
+    return FORMAT;
 }
 
 } // namespace zav

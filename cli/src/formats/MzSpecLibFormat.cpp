@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MzSpecLibFormat.h"
-
 #include "CysteineModification.h"
+#include "LibraryFormat.h"
 #include "PeptideMasses.h"
 #include "PeptideNotation.h"
 
@@ -11,6 +10,7 @@ namespace {
 
 constexpr qsizetype ENTRY_SIZE = 800;
 constexpr qsizetype PEAK_SIZE = 44;
+constexpr char FIRST_LINE[] = "<Spectrum=";
 
 QByteArray cysteineTag(double mass)
 {
@@ -20,9 +20,9 @@ QByteArray cysteineTag(double mass)
     return '[' + (known ? "UNIMOD:" + QByteArray::number(known->unimod) : signedMass(mass, 6)) + ']';
 }
 
-void addSpectrum(TextBuffer *text, const LibraryEntry &entry, qint64 index)
+void addSpectrum(TextBuffer *text, const LibraryEntry &entry)
 {
-    text->add("<Spectrum=").addInteger(index + 1).add(">\nMS:1003061|library spectrum name=");
+    text->add("MS:1003061|library spectrum name=");
     text->add(entry.isDecoy ? "DECOY_" : "").add(QStringView(entry.peptide)).add('/').addInteger(entry.charge);
     text->add("\nMS:1003072|spectrum origin type=");
     text->add(entry.isDecoy ? "MS:1003195|unnatural peptidoform decoy spectrum" : "MS:1003074|predicted spectrum");
@@ -54,7 +54,15 @@ void addAnalyte(TextBuffer *text, const LibraryEntry &entry)
     }
 }
 
-} // namespace
+class MzSpecLibFormat : public LibraryFormat
+{
+public:
+    QByteArray opening(const LibraryInfo &info) const override;
+    QByteArray entry(const LibraryEntry &entry, qint64 index) const override;
+    bool numbersEntries() const override { return true; }
+    bool isFirstLine(QByteArrayView line) const override { return line.startsWith(FIRST_LINE); }
+    QByteArray firstLine(qint64 index) const override { return FIRST_LINE + QByteArray::number(index + 1) + ">\n"; }
+};
 
 QByteArray MzSpecLibFormat::opening(const LibraryInfo &info) const
 {
@@ -67,7 +75,8 @@ QByteArray MzSpecLibFormat::entry(const LibraryEntry &entry, qint64 index) const
     if (entry.peaks.isEmpty())
         return {};
     TextBuffer text(ENTRY_SIZE + PEAK_SIZE * entry.peaks.size());
-    addSpectrum(&text, entry, index);
+    text.add(firstLine(index));
+    addSpectrum(&text, entry);
     addAnalyte(&text, entry);
     text.add("<Peaks>\n");
     for (const LibraryPeak &peak : entry.peaks) {
@@ -76,6 +85,14 @@ QByteArray MzSpecLibFormat::entry(const LibraryEntry &entry, qint64 index) const
         text.add('\n');
     }
     return text.add('\n').take();
+}
+
+} // namespace
+
+const LibraryFormat &mzSpecLibFormat()
+{
+    static const MzSpecLibFormat FORMAT;
+    return FORMAT;
 }
 
 } // namespace zav

@@ -121,7 +121,7 @@ void SqliteStatement::bind(int parameter, const SqliteBlob &blob)
 Error SqliteStatement::finishRun()
 {
     const bool isDone = sqlite3_step(m_statement) == SQLITE_DONE;
-    const Error error = isDone ? Error() : m_database->failure();
+    Error error = isDone ? Error() : m_database->failure();
     reset();
     return error;
 }

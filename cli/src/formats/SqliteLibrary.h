@@ -3,6 +3,7 @@
 
 #include "EncodedEntry.h"
 #include "LibraryFormat.h"
+#include "OutputFile.h"
 
 #include <zav/Error.h>
 
@@ -57,15 +58,25 @@ protected:
     virtual Error read(SqliteDatabase *other, const EntryTaker &take) const = 0;
 
 private:
-    Error createFile(const QString &path);
-    Error giveName();
-
-    QString m_path;
-    QString m_temporaryPath;
-    std::unique_ptr<SqliteDatabase> m_database;
+    UnfinishedFile m_file;
+    std::unique_ptr<SqliteDatabase> m_database; // closed before the file goes
 };
 
-/// The library of a SQLite kind; null for a text kind. In a program built without SQLite or zlib its `open` says so.
+/// The library of a SQLite kind; null for a text kind.
 std::unique_ptr<SqliteLibrary> makeSqliteLibrary(LibraryFileKind kind);
+
+/// The library of EncyclopeDIA (https://bitbucket.org/searleb/encyclopedia/wiki, "File Formats").
+///
+/// `RTInSeconds` must be there and holds -1, which stands for an unknown time; `Score` is 0, `Copies` 1, `SourceFile`
+/// "predicted". Arrays are big-endian and compressed by zlib, their lengths those before. All peaks are stored, the
+/// format names no ions. Decoys are told by `isDecoy` of their proteins alone; EncyclopeDIA makes decoys itself.
+std::unique_ptr<SqliteLibrary> makeDlibLibrary();
+
+/// The library of BiblioSpec and Skyline, schema 1.10 (ProteoWizard, pwiz_tools/BiblioSpec).
+///
+/// `retentionTime` is 0, `startTime` and `endTime` are null: no retention time is predicted. `createTime` is that of
+/// the Unix epoch, so that two runs write the same file. Arrays are little-endian, compressed by zlib where that is
+/// shorter. All peaks are stored, the format names no ions. A decoy is told by the accessions of its proteins alone.
+std::unique_ptr<SqliteLibrary> makeBlibLibrary();
 
 } // namespace zav

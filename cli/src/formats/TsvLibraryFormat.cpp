@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "TsvLibraryFormat.h"
-
 #include "CysteineModification.h"
+#include "LibraryFormat.h"
 #include "PeptideNotation.h"
 
 #include <algorithm>
@@ -56,7 +55,12 @@ void addFragmentColumns(TextBuffer *text, const LibraryPeak &peak)
     text->add('\n');
 }
 
-} // namespace
+class TsvLibraryFormat : public LibraryFormat
+{
+public:
+    QByteArray opening(const LibraryInfo &info) const override;
+    QByteArray entry(const LibraryEntry &entry, qint64 index) const override;
+};
 
 QByteArray TsvLibraryFormat::opening(const LibraryInfo &) const
 {
@@ -83,6 +87,14 @@ QByteArray TsvLibraryFormat::entry(const LibraryEntry &entry, qint64) const
         addFragmentColumns(&text, peak);
     }
     return text.take();
+}
+
+} // namespace
+
+const LibraryFormat &tsvLibraryFormat()
+{
+    static const TsvLibraryFormat FORMAT;
+    return FORMAT;
 }
 
 } // namespace zav

@@ -3,8 +3,8 @@
 
 #include "ExitCode.h"
 #include "FileDigest.h"
-#include "LibrarySettings.h"
 #include "OrderedPipeline.h"
+#include "OutputFile.h"
 #include "PrintableText.h"
 #include "Progress.h"
 #include "QuietStandardError.h"
@@ -38,7 +38,7 @@ bool showsProgress(const LibraryOptions &options)
     return terminal::standardErrorIsTerminal() && !mixesWithOutput;
 }
 
-/// What the format cannot hold is not to take the place of what it can, nor to be the base peak.
+/// Drops peaks that the format cannot hold before --top and before scaling to the base peak.
 PeakFilterOptions peaksFor(const LibraryOptions &options)
 {
     PeakFilterOptions peaks = options.peaks;
@@ -66,8 +66,6 @@ LibraryCommand::LibraryCommand(const LibraryOptions &options)
         m_messages.note(QStringLiteral("TSV libraries hold no isotopes, --isotopes adds none"));
 }
 
-LibraryCommand::~LibraryCommand() = default;
-
 int LibraryCommand::run()
 {
     const Error error = runSteps();
@@ -90,7 +88,7 @@ Error LibraryCommand::runSteps()
     return {};
 }
 
-/// What the library is made of, before anything is made.
+/// Finds out what the library is made from, before anything is made.
 Error LibraryCommand::identify()
 {
     const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder);
@@ -113,7 +111,7 @@ Error LibraryCommand::identify()
 
 bool LibraryCommand::isMadeAlready() const
 {
-    const Result<LibraryManifest> made = LibraryManifest::read(LibraryManifest::pathFor(m_options.outputPath));
+    const Result<LibraryManifest> made = LibraryManifest::readFor(m_options.outputPath);
     if (made.hasError() || made.value().shard != m_manifest.shard ||
         !differenceOfOrigin(m_manifest, made.value()).isEmpty())
         return false;
@@ -132,10 +130,10 @@ Error LibraryCommand::makeLibrary()
     return {};
 }
 
-/// Before the work, so that a mistyped path costs no time.
+/// Opens them before the work, so that a mistyped path costs no time.
 Error LibraryCommand::openOutputs()
 {
-    m_writer = makeLibraryWriter(m_options.kind, m_options.outputPath, infoIn(m_manifest.settings));
+    m_writer = makeLibraryWriter(m_options.kind, m_options.outputPath, m_manifest.info());
     if (Error error = m_writer->open(); error.hasError())
         return error;
     return m_skipped.open();
@@ -231,18 +229,16 @@ Error LibraryCommand::finishOutputs()
     if (facts.hasError())
         return facts.error();
     m_manifest.file = std::move(facts).value();
-    return hasManifest() ? m_manifest.write(LibraryManifest::pathFor(m_options.outputPath)) : Error();
+    return hasManifest() ? m_manifest.writeFor(m_options.outputPath) : Error();
 }
 
-/// Where a file is made of a file: a pipe cannot be read a second time for its digest.
+/// Only where a file is made from a file: a pipe cannot be read a second time for its digest.
 bool LibraryCommand::hasManifest() const
 {
-    const QString input = m_options.inputPath();
-    const bool isFile = input != QLatin1String("-") && (!QFileInfo::exists(input) || QFileInfo(input).isFile());
-    return isFile && LibraryManifest::isFor(m_options.outputPath);
+    return isRegularFile(m_options.inputPath()) && isRegularFile(m_options.outputPath);
 }
 
-/// As many pieces for each thread as for the others, and as few as can be. The library does not depend on it.
+/// Every thread gets the same number of pieces, and as few as the limits allow. The library does not depend on it.
 qint64 LibraryCommand::pieceSize(qint64 peptides) const
 {
     const qint64 rounds = dividedUp(peptides, MOST_AT_ONCE * m_options.threads);

@@ -22,7 +22,6 @@ class LibraryCommand
 {
 public:
     explicit LibraryCommand(const LibraryOptions &options);
-    ~LibraryCommand();
 
     /// Runs the command to its end. Needs the application object. The result is an `ExitCode`, or 130 and 143 after an
     /// interrupt.

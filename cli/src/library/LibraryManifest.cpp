@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryManifest.h"
 
+#include "Enzyme.h"
+#include "FileDigest.h"
 #include "OutputFile.h"
 #include "PrintableText.h"
 
@@ -14,6 +16,74 @@ namespace zav {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+/// The input's name without folder and endings: `human.fasta.gz` makes the library `human`.
+QString libraryName(const QString &inputPath)
+{
+    QString name = QFileInfo(inputPath).fileName();
+    if (name.endsWith(QLatin1String(".gz"), Qt::CaseInsensitive))
+        name.chop(3);
+    const QString base = QFileInfo(name).completeBaseName();
+    return base.isEmpty() ? name : base;
+}
+
+/// The enzyme's main name, whichever of its names was given.
+QString enzymeName(const DigestionOptions &options)
+{
+    const Result<Enzyme> enzyme = Enzyme::named(options.enzyme);
+    return options.cleavagePattern.isEmpty() && !enzyme.hasError() ? enzyme.value().name() : QString();
+}
+
+Json digestionSettings(const DigestionOptions &options)
+{
+    return {
+        {"enzyme", enzymeName(options).toStdString()},   {"cleavage_pattern", options.cleavagePattern.toStdString()},
+        {"missed_cleavages", options.missedCleavages},   {"minimum_length", options.minimumLength},
+        {"maximum_length", options.maximumLength},       {"semi_specific", options.semiSpecific},
+        {"remove_methionine", options.removesMethionine}};
+}
+
+std::string decoyName(DecoyKind kind)
+{
+    switch (kind) {
+    case DecoyKind::None:
+        break;
+    case DecoyKind::Reversed:
+        return "reversed";
+    case DecoyKind::Shuffled:
+        return "shuffled";
+    }
+    return "none";
+}
+
+Json peakSettings(const PeakFilterOptions &options)
+{
+    return {{"top", options.top},
+            {"minimum_intensity", options.minIntensity},
+            {"minimum_mz", options.minMz},
+            {"minimum_ion_number", options.minIonNumber},
+            {"neutral_losses", options.neutralLosses},
+            {"isotopes", options.isotopes}};
+}
+
+Result<Json> networkSettings(const QList<int> &charges, const ModelFolder &folder)
+{
+    Json networks = Json::object();
+    for (const int charge : charges) {
+        if (Error error = folder.checkFragmentationNetwork(charge); error.hasError())
+            return error;
+        const Result<QByteArray> digest = fileSha256(folder.fragmentationNetwork(charge));
+        if (digest.hasError())
+            return digest.error();
+        networks[std::to_string(charge)] = digest.value().toStdString();
+    }
+    return networks;
+}
+
+QString textIn(const QByteArray &settings, const char *name)
+{
+    return QString::fromStdString(Json::parse(settings.toStdString()).value(name, std::string()));
+}
 
 Json toJson(const LibraryManifest &manifest)
 {
@@ -32,7 +102,7 @@ Json toJson(const LibraryManifest &manifest)
     return json;
 }
 
-/// Throws what the parser throws where something is missing or of another type.
+/// Throws the parser's exceptions where something is missing or of another type.
 LibraryManifest fromJson(const Json &json)
 {
     LibraryManifest manifest;
@@ -54,24 +124,41 @@ QString shown(const QString &path)
 
 } // namespace
 
+Result<QByteArray> librarySettings(const LibraryOptions &options, const ModelFolder &folder)
+{
+    const Result<Json> networks = networkSettings(options.charges, folder);
+    if (networks.hasError())
+        return networks.error();
+    Json settings;
+    settings["version"] = ZAV_VERSION;
+    settings["name"] = libraryName(options.inputPath()).toStdString();
+    settings["format"] = libraryFileKindNames()[static_cast<int>(options.kind)].toStdString();
+    settings["input"] = options.proteins.isEmpty() ? "peptides" : "proteins";
+    settings["digestion"] = digestionSettings(options.digestion);
+    settings["decoys"] = decoyName(options.decoys.kind);
+    if (options.decoys.kind == DecoyKind::Shuffled)
+        settings["decoy_seed"] = options.decoys.seed;
+    settings["charges"] = std::vector<int>(options.charges.begin(), options.charges.end());
+    settings["precursor_mz"] = {options.lowestPrecursorMz, options.highestPrecursorMz};
+    settings["cysteine_mass"] = options.cysteineMass;
+    settings["peaks"] = peakSettings(options.peaks);
+    settings["networks"] = networks.value();
+    return QByteArray::fromStdString(settings.dump());
+}
+
 QString LibraryManifest::pathFor(const QString &libraryPath)
 {
     return libraryPath + QStringLiteral(".json");
 }
 
-bool LibraryManifest::isFor(const QString &libraryPath)
+Result<LibraryManifest> LibraryManifest::readFor(const QString &libraryPath)
 {
-    const QFileInfo library(libraryPath);
-    return libraryPath != QLatin1String("-") && (!library.exists() || library.isFile());
-}
-
-Result<LibraryManifest> LibraryManifest::read(const QString &path)
-{
+    const QString path = pathFor(libraryPath);
     QFile source(path);
     if (!source.open(QIODevice::ReadOnly))
         return Error(Failure, QStringLiteral("cannot read %1: %2").arg(shown(path), source.errorString()));
     try {
-        const LibraryManifest manifest = fromJson(Json::parse(source.readAll().toStdString()));
+        LibraryManifest manifest = fromJson(Json::parse(source.readAll().toStdString()));
         const bool isInOrder = !LibraryShard::parse(manifest.shard.name()).hasError() && manifest.peptideCount >= 0 &&
                                manifest.file.precursors >= 0 && manifest.file.openingSize >= 0 &&
                                manifest.file.closingSize >= 0;
@@ -82,14 +169,26 @@ Result<LibraryManifest> LibraryManifest::read(const QString &path)
     return Error(Failure, QStringLiteral("%1 does not describe a library of zav").arg(shown(path)));
 }
 
-Error LibraryManifest::write(const QString &path) const
+Error LibraryManifest::writeFor(const QString &libraryPath) const
 {
-    OutputFile output(path);
+    if (!isRegularFile(libraryPath))
+        return {};
+    OutputFile output(pathFor(libraryPath));
     if (Error error = output.open(); error.hasError())
         return error;
     if (Error error = output.write(QByteArray::fromStdString(toJson(*this).dump(2)) + '\n'); error.hasError())
         return error;
     return output.commit();
+}
+
+LibraryFileKind LibraryManifest::kind() const
+{
+    return libraryFileKindOfName(textIn(settings, "format")).value_or(LibraryFileKind::Tsv);
+}
+
+LibraryInfo LibraryManifest::info() const
+{
+    return {textIn(settings, "name"), textIn(settings, "version")};
 }
 
 QString differenceOfOrigin(const LibraryManifest &one, const LibraryManifest &other)

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "LibraryOptions.h"
 #include "LibraryShard.h"
+#include "LibraryWriter.h"
+#include "ModelFolder.h"
 
 #include <zav/Result.h>
 
@@ -10,19 +13,13 @@
 
 namespace zav {
 
-/// What a finished library file consists of.
-struct LibraryFileFacts
-{
-    qint64 precursors = 0;
-    qint64 openingSize = 0; ///< bytes before the first entry of a text format
-    qint64 closingSize = 0; ///< bytes behind its last entry
-    QByteArray sha256;      ///< of the whole file, in hexadecimal digits
+/// Everything that a library's bytes depend on beside its input, as one line of JSON: this program's version, the
+/// networks by the SHA-256 of their files, and each option. Shard, threads and memory are not among it. The error names
+/// a network that cannot be read.
+Result<QByteArray> librarySettings(const LibraryOptions &options, const ModelFolder &folder);
 
-    bool operator==(const LibraryFileFacts &) const = default;
-};
-
-/// Says what a library file, or one shard of a library, was made from: so that it need not be made twice, and shards
-/// of different libraries cannot be mixed. A file of JSON beside the library's.
+/// What a library file, or one shard of a library, was made from. It stands as JSON beside that file, so that a
+/// finished library is not made again and shards of different libraries are not mixed.
 struct LibraryManifest
 {
     QByteArray settings;    ///< everything that the library's bytes depend on beside the input, as `librarySettings`
@@ -36,13 +33,15 @@ struct LibraryManifest
     /// Where the manifest of a library stands: `library.tsv.json`.
     static QString pathFor(const QString &libraryPath);
 
-    /// Whether a library of that path has a manifest: standard output ("-"), pipes and devices have none.
-    static bool isFor(const QString &libraryPath);
+    /// Reads that of a library. The error names a manifest that cannot be read or is none.
+    static Result<LibraryManifest> readFor(const QString &libraryPath);
 
-    /// The error names the file that cannot be read or is no manifest.
-    static Result<LibraryManifest> read(const QString &path);
+    /// Writes it beside a library, unless that is standard output ("-"), a pipe or a device.
+    Error writeFor(const QString &libraryPath) const;
 
-    Error write(const QString &path) const;
+    /// What the settings say the library is.
+    LibraryFileKind kind() const;
+    LibraryInfo info() const;
 };
 
 /// How input and settings of `other` differ from those of `one`: "another input", or the name of a setting, "decoys".

@@ -3,7 +3,6 @@
 
 #include "ExitCode.h"
 #include "FileDigest.h"
-#include "LibrarySettings.h"
 #include "PrintableText.h"
 
 #include <algorithm>
@@ -29,8 +28,6 @@ Error refusal(const QString &message)
 LibraryMergeCommand::LibraryMergeCommand(const LibraryMergeOptions &options)
     : m_options(options), m_messages(options.verbose)
 {}
-
-LibraryMergeCommand::~LibraryMergeCommand() = default;
 
 int LibraryMergeCommand::run()
 {
@@ -60,7 +57,7 @@ Error LibraryMergeCommand::runSteps()
 Error LibraryMergeCommand::readManifests()
 {
     for (const QString &path : std::as_const(m_options.shards)) {
-        const Result<LibraryManifest> manifest = LibraryManifest::read(LibraryManifest::pathFor(path));
+        const Result<LibraryManifest> manifest = LibraryManifest::readFor(path);
         if (manifest.hasError())
             return manifest.error();
         m_shards.append({path, manifest.value()});
@@ -109,7 +106,7 @@ Error LibraryMergeCommand::checkNumbers() const
 
 Error LibraryMergeCommand::checkKind() const
 {
-    const LibraryFileKind kind = kindIn(m_shards.first().manifest.settings);
+    const LibraryFileKind kind = m_shards.first().manifest.kind();
     if (libraryFileKindOfPath(m_options.outputPath).value_or(kind) == kind)
         return {};
     return refusal(QStringLiteral("the shards are %1, which is not what the ending of %2 says")
@@ -134,13 +131,12 @@ Error LibraryMergeCommand::join()
 {
     LibraryManifest manifest = m_shards.first().manifest;
     const std::unique_ptr<LibraryWriter> writer =
-        makeLibraryWriter(kindIn(manifest.settings), m_options.outputPath, infoIn(manifest.settings));
+        makeLibraryWriter(manifest.kind(), m_options.outputPath, manifest.info());
     if (Error error = writeAll(writer.get()); error.hasError())
         return error;
     manifest.shard = LibraryShard();
     manifest.file = m_facts;
-    return LibraryManifest::isFor(m_options.outputPath) ? manifest.write(LibraryManifest::pathFor(m_options.outputPath))
-                                                        : Error();
+    return manifest.writeFor(m_options.outputPath);
 }
 
 Error LibraryMergeCommand::writeAll(LibraryWriter *writer)

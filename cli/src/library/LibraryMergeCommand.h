@@ -19,7 +19,6 @@ class LibraryMergeCommand
 {
 public:
     explicit LibraryMergeCommand(const LibraryMergeOptions &options);
-    ~LibraryMergeCommand();
 
     /// Runs the command to its end. The result is an `ExitCode`, or 130 and 143 after an interrupt.
     int run();

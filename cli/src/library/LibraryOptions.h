@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DecoyOptions.h"
-#include "DigestionOptions.h"
-#include "LibraryFileKind.h"
+#include "DecoyMaker.h"
+#include "Digestion.h"
+#include "LibraryFormat.h"
 #include "LibraryShard.h"
 #include "PeakFilter.h"
 

@@ -17,7 +17,7 @@ Error predictionError(const Error &error, int charge)
     return explainedError(error, QStringLiteral("msms_charge%1.pb is not a network for charge %1").arg(charge));
 }
 
-/// Names the file: which one it was the predictor knows by how far it came.
+/// Names the file that failed: the predictor loads them in order and knows how many it has.
 Error loadingError(const Error &error, const QStringList &paths, int reached)
 {
     const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
@@ -32,8 +32,6 @@ LibraryPredictor::LibraryPredictor(double cysteineMass)
 {
     m_predictor->setCysteineFixedMass(cysteineMass);
 }
-
-LibraryPredictor::~LibraryPredictor() = default;
 
 Error LibraryPredictor::load(const ModelFolder &folder, const QList<int> &charges)
 {
@@ -53,7 +51,7 @@ Error LibraryPredictor::predict(const QStringList &peptides, int charge, const V
         byLength[peptides[i].size()].append(i);
     for (const QList<qsizetype> &indices : std::as_const(byLength)) {
         for (qsizetype first = 0; first < indices.size(); first += PEPTIDES_PER_RUN) {
-            const Error error = predictBlock(peptides, indices.mid(first, PEPTIDES_PER_RUN), charge, visit);
+            Error error = predictBlock(peptides, indices.mid(first, PEPTIDES_PER_RUN), charge, visit);
             if (error.hasError())
                 return error;
         }

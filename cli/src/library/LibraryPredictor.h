@@ -16,19 +16,17 @@ namespace zav {
 
 /// Predicts the fragments of many peptides so that the result for a peptide does not depend on the others.
 ///
-/// A network sums in another order, and its results differ in their last bits, when the block of peptides that it runs
-/// on has another shape: the number of peptides and the longest one's length. Here every block has the same number, of
-/// one length; where too few are left the block is filled up. Neighbours and the place within a block of one shape do
-/// not matter. One thread at a time.
+/// The last bits of a network's results depend on the shape of the block that it runs on: the number of peptides and
+/// the length of the longest. Here every block has the same number of peptides, all of one length; a block with fewer
+/// is filled up. The other peptides of a block, and the place in it, do not matter. One thread at a time.
 class LibraryPredictor
 {
 public:
-    /// Peptides in a block. At 32 a peptide costs 5 to 10 % more than at 128, but four times fewer places are filled in
-    /// vain where the peptides of a length run out.
+    /// Peptides in a block. At 32 a peptide costs 5 to 10 % more than at 128, but four times fewer places are only
+    /// filled up where the peptides of a length run out.
     static constexpr qsizetype PEPTIDES_PER_RUN = 32;
 
     explicit LibraryPredictor(double cysteineMass);
-    ~LibraryPredictor();
 
     /// Loads the networks of the charges, each within 1 to 5. The error names the file.
     Error load(const ModelFolder &folder, const QList<int> &charges);

@@ -32,8 +32,8 @@ struct LibraryShard
     static Result<LibraryShard> parse(const QString &text);
 
     /// The shard of a task in an array job of Slurm, by SLURM_ARRAY_TASK_ID, _COUNT, _MIN and _STEP; the whole library
-    /// where this is no such task. `InvalidInput` when the ids of the array's tasks do not follow one another, and so
-    /// do not tell which of them this is.
+    /// where this is no such task. `InvalidInput` when the ids of the array's tasks do not follow one another: then
+    /// they do not tell which shard this is.
     static Result<LibraryShard> ofSlurmTask();
 };
 

@@ -1,10 +1,183 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryWriter.h"
 
-#include "SqliteLibraryWriter.h"
-#include "TextLibraryWriter.h"
+#include "FileDigest.h"
+#include "OutputFile.h"
+#include "PrintableText.h"
+#include "Sha256.h"
+#include "SqliteLibrary.h"
+
+#include <QtCore/QFile>
+
+#include <algorithm>
 
 namespace zav {
+
+namespace {
+
+constexpr qint64 COPIED_AT_ONCE = 1 << 20;
+
+Error readFailure(const QFile &file)
+{
+    return Error(Failure,
+                 QStringLiteral("cannot read %1: %2").arg(displayText(file.fileName(), 300), file.errorString()));
+}
+
+// Writes the text formats.
+class TextLibraryWriter : public LibraryWriter
+{
+public:
+    // `kind` is a text kind.
+    TextLibraryWriter(LibraryFileKind kind, const QString &path, const LibraryInfo &info);
+
+    Error open() override;
+    WrittenEntry encode(const LibraryEntry &entry) const override;
+    Error add(const WrittenEntry &entry) override;
+    Error append(const QString &path, const LibraryFileFacts &facts) override;
+    Result<LibraryFileFacts> finish() override;
+
+private:
+    Error appendEntries(QFile *file, qint64 size);
+    Error write(const QByteArray &bytes);
+
+    const LibraryFormat &m_format;
+    LibraryInfo m_info;
+    OutputFile m_file;
+    Sha256 m_hash;
+    LibraryFileFacts m_facts;
+};
+
+TextLibraryWriter::TextLibraryWriter(LibraryFileKind kind, const QString &path, const LibraryInfo &info)
+    : m_format(*textLibraryFormat(kind)), m_info(info), m_file(path)
+{}
+
+Error TextLibraryWriter::open()
+{
+    if (Error error = m_file.open(); error.hasError())
+        return error;
+    const QByteArray opening = m_format.opening(m_info);
+    m_facts.openingSize = opening.size();
+    return write(opening);
+}
+
+WrittenEntry TextLibraryWriter::encode(const LibraryEntry &entry) const
+{
+    return {m_format.entry(entry, 0), {}};
+}
+
+Error TextLibraryWriter::add(const WrittenEntry &entry)
+{
+    const qint64 index = m_facts.precursors++;
+    if (!m_format.numbersEntries())
+        return write(entry.text);
+    return write(m_format.firstLine(index) + entry.text.sliced(entry.text.indexOf('\n') + 1));
+}
+
+Error TextLibraryWriter::append(const QString &path, const LibraryFileFacts &facts)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(facts.openingSize))
+        return readFailure(file);
+    Error error = appendEntries(&file, file.size() - facts.openingSize - facts.closingSize);
+    m_facts.precursors += facts.precursors;
+    return error;
+}
+
+// `size` bytes from where the file stands; line by line where entries are numbered anew.
+Error TextLibraryWriter::appendEntries(QFile *file, qint64 size)
+{
+    const bool isNumbered = m_format.numbersEntries();
+    qint64 index = m_facts.precursors;
+    while (size > 0) {
+        const QByteArray bytes = isNumbered ? file->readLine() : file->read(std::min(size, COPIED_AT_ONCE));
+        if (bytes.isEmpty())
+            return readFailure(*file);
+        size -= bytes.size();
+        Error error = write(isNumbered && m_format.isFirstLine(bytes) ? m_format.firstLine(index++) : bytes);
+        if (error.hasError())
+            return error;
+    }
+    return {};
+}
+
+Result<LibraryFileFacts> TextLibraryWriter::finish()
+{
+    const QByteArray closing = m_format.closing();
+    m_facts.closingSize = closing.size();
+    if (Error error = write(closing); error.hasError())
+        return error;
+    if (Error error = m_file.commit(); error.hasError())
+        return error;
+    m_facts.sha256 = m_hash.result();
+    return m_facts;
+}
+
+Error TextLibraryWriter::write(const QByteArray &bytes)
+{
+    m_hash.add(bytes);
+    return m_file.write(bytes);
+}
+
+// Writes the database formats.
+class SqliteLibraryWriter : public LibraryWriter
+{
+public:
+    // `kind` is a SQLite kind.
+    SqliteLibraryWriter(LibraryFileKind kind, const QString &path, const LibraryInfo &info);
+
+    Error open() override;
+    WrittenEntry encode(const LibraryEntry &entry) const override;
+    Error add(const WrittenEntry &entry) override;
+    Error append(const QString &path, const LibraryFileFacts &facts) override;
+    Result<LibraryFileFacts> finish() override;
+
+private:
+    std::unique_ptr<SqliteLibrary> m_library;
+    QString m_path;
+    LibraryInfo m_info;
+    LibraryFileFacts m_facts;
+};
+
+SqliteLibraryWriter::SqliteLibraryWriter(LibraryFileKind kind, const QString &path, const LibraryInfo &info)
+    : m_library(makeSqliteLibrary(kind)), m_path(path), m_info(info)
+{}
+
+Error SqliteLibraryWriter::open()
+{
+    return m_library->open(m_path, m_info);
+}
+
+WrittenEntry SqliteLibraryWriter::encode(const LibraryEntry &entry) const
+{
+    auto row = std::make_shared<EncodedEntry>(m_library->encode(entry));
+    return row->peakCount == 0 ? WrittenEntry() : WrittenEntry{{}, std::move(row)};
+}
+
+Error SqliteLibraryWriter::add(const WrittenEntry &entry)
+{
+    ++m_facts.precursors;
+    return m_library->add(*entry.row);
+}
+
+Error SqliteLibraryWriter::append(const QString &path, const LibraryFileFacts &facts)
+{
+    m_facts.precursors += facts.precursors;
+    return m_library->append(path);
+}
+
+// A database is not written from front to back, so its digest is made of the file.
+Result<LibraryFileFacts> SqliteLibraryWriter::finish()
+{
+    if (Error error = m_library->finish(); error.hasError())
+        return error;
+    const Result<QByteArray> digest = fileSha256(m_path);
+    if (digest.hasError())
+        return digest.error();
+    m_facts.sha256 = digest.value();
+    return m_facts;
+}
+
+} // namespace
 
 LibraryWriter::~LibraryWriter() = default;
 

@@ -3,7 +3,6 @@
 
 #include "LibraryEntry.h"
 #include "LibraryFormat.h"
-#include "LibraryManifest.h"
 
 #include <zav/Result.h>
 
@@ -13,6 +12,17 @@
 #include <memory>
 
 namespace zav {
+
+/// What a finished library file consists of.
+struct LibraryFileFacts
+{
+    qint64 precursors = 0;
+    qint64 openingSize = 0; ///< bytes before the first entry of a text format
+    qint64 closingSize = 0; ///< bytes behind its last entry
+    QByteArray sha256;      ///< of the whole file, in hexadecimal digits
+
+    bool operator==(const LibraryFileFacts &) const = default;
+};
 
 struct EncodedEntry;
 
@@ -25,8 +35,8 @@ struct WrittenEntry
     bool isEmpty() const { return text.isEmpty() && !row; }
 };
 
-/// A library file that is being written. It appears under its name when it is complete; an object that goes before
-/// leaves nothing behind.
+/// A library file that is being written. It appears under its name when it is complete; an object that is
+/// destroyed before leaves nothing behind.
 class LibraryWriter
 {
 public:

@@ -14,11 +14,6 @@ constexpr double PROTON = 1.00727646677;
 constexpr double HIGHEST_MZ = 2000.0;
 constexpr double LOWEST_INTENSITY = 0.025;
 
-LibraryPeak libraryPeak(const FragmentPeak &peak)
-{
-    return {peak.mz, peak.intensity, peak.ionType, peak.ionNumber, peak.charge, peak.neutralLoss, 0};
-}
-
 double highestIntensity(const QList<LibraryPeak> &peaks)
 {
     double highest = 0.0;

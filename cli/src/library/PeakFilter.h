@@ -24,10 +24,10 @@ struct PeakFilterOptions
 
 /// Makes the peaks of a library spectrum out of a prediction.
 ///
-/// First the ions go that are not wanted (m/z, ion number, losses), then those under the least intensity, then the
-/// weakest over the wanted number; of equally intense ones those of lower m/z stay. The isotopes of what is left are
-/// added, without peaks that the predictor would not give either. At last the intensities are scaled to a base peak of
-/// 1. One object may serve several threads.
+/// In this order: it drops ions that are not wanted (m/z, ion number, losses), then those under the least intensity,
+/// then all but the most intense ones (of equally intense ones those of lower m/z stay). It adds the isotopes of what
+/// is left, within the predictor's own limits of m/z and intensity, and scales the intensities to a base peak of 1.
+/// One object may serve several threads.
 class PeakFilter
 {
 public:

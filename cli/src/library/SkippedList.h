@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DigestionReport.h"
+#include "Digestion.h"
 #include "OutputFile.h"
 #include "ProteinTable.h"
 #include "SpectrumMaker.h"
@@ -10,8 +10,8 @@
 
 namespace zav {
 
-/// Lists what a library leaves out, as a table with the columns protein, peptide, charge and reason; where all charges
-/// are left out the charge is empty.
+/// Lists what a library leaves out, as a table with the columns protein, peptide, charge and reason. The charge is
+/// empty where all charges are left out.
 class SkippedList
 {
 public:

@@ -5,7 +5,7 @@
 #include "LibraryPredictor.h"
 #include "LibraryWriter.h"
 #include "PeakFilter.h"
-#include "PeptideBlock.h"
+#include "PeptidePages.h"
 #include "ProteinTable.h"
 #include "TextArena.h"
 

@@ -5,7 +5,7 @@
 
 namespace zav {
 
-/// Mascot generic format, as a library has it: `MgfLibraryFormat`.
+/// Mascot generic format, as a library has it: `mgfLibraryFormat`.
 class MgfWriter : public SpectrumWriter
 {
 public:

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MspWriter.h"
 
-#include "MspLibraryFormat.h"
+#include "LibraryFormat.h"
 #include "SpectrumEntry.h"
 
 namespace zav {
 
 QByteArray MspWriter::spectrum(const PredictedSpectrum &spectrum, bool) const
 {
-    return MspLibraryFormat().entry(libraryEntry(spectrum), 0);
+    return mspLibraryFormat().entry(libraryEntry(spectrum), 0);
 }
 
 } // namespace zav

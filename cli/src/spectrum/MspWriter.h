@@ -5,7 +5,7 @@
 
 namespace zav {
 
-/// The text format of NIST spectral libraries, as a library has it, of peptides without proteins: `MspLibraryFormat`.
+/// The text format of NIST spectral libraries, as a library has it, of peptides without proteins: `mspLibraryFormat`.
 class MspWriter : public SpectrumWriter
 {
 public:

@@ -11,10 +11,8 @@ LibraryEntry libraryEntry(const PredictedSpectrum &spectrum)
     entry.precursorMz = spectrum.precursorMz;
     entry.cysteineMass = spectrum.cysteineMass;
     entry.peaks.reserve(spectrum.peaks.size());
-    for (const AnnotatedPeak &peak : spectrum.peaks) {
-        entry.peaks.append(
-            {peak.mz, peak.intensity, peak.ionType, peak.ionNumber, peak.charge, peak.neutralLoss, peak.isotopeNumber});
-    }
+    for (const AnnotatedPeak &peak : spectrum.peaks)
+        entry.peaks.append(libraryPeak(peak));
     return entry;
 }
 

@@ -110,6 +110,47 @@ TEST_F(OutputFileTest, FileThatCannotGrowIsSaidAndLeavesTheOlderOne)
 }
 #endif
 
+TEST_F(OutputFileTest, UnfinishedFileGetsItsNameOnlyWhenItIsCommitted)
+{
+    put(path("a.db"), "old");
+    {
+        UnfinishedFile abandoned;
+        ASSERT_FALSE(abandoned.create(path("a.db")).hasError());
+        put(abandoned.temporaryPath(), "half");
+        EXPECT_EQ(files().size(), 2);
+    }
+    EXPECT_EQ(contents(path("a.db")), "old");
+    EXPECT_EQ(files(), QStringList{"a.db"});
+    UnfinishedFile finished;
+    ASSERT_FALSE(finished.create(path("a.db")).hasError());
+    put(finished.temporaryPath(), "new");
+    ASSERT_FALSE(finished.commit().hasError());
+    EXPECT_EQ(contents(path("a.db")), "new");
+    EXPECT_EQ(files(), QStringList{"a.db"});
+}
+
+TEST_F(OutputFileTest, UnfinishedFileGoesWhereALinkPoints)
+{
+    put(path("target.db"), "old");
+    ASSERT_TRUE(QFile::link(path("target.db"), path("link.db")));
+    UnfinishedFile file;
+    ASSERT_FALSE(file.create(path("link.db")).hasError());
+    put(file.temporaryPath(), "new");
+    ASSERT_FALSE(file.commit().hasError());
+    EXPECT_TRUE(QFileInfo(path("link.db")).isSymLink());
+    EXPECT_EQ(contents(path("target.db")), "new");
+}
+
+TEST_F(OutputFileTest, RegularFilesAreThoseThatAreAndThoseToBeMade)
+{
+    put(path("a.tsv"), "old");
+    EXPECT_TRUE(isRegularFile(path("a.tsv")));
+    EXPECT_TRUE(isRegularFile(path("new.tsv")));
+    EXPECT_FALSE(isRegularFile(m_folder.path()));
+    EXPECT_FALSE(isRegularFile("-"));
+    EXPECT_FALSE(isRegularFile("/dev/null"));
+}
+
 TEST(OutputFile, DeviceIsWrittenAndNotReplaced)
 {
     if (!QFileInfo::exists(QStringLiteral("/dev/full")))

@@ -48,7 +48,7 @@ LibraryEntry withoutPeaks()
 
 std::string text(LibraryFileKind kind, const LibraryEntry &entry, qint64 index = 0)
 {
-    return makeTextLibraryFormat(kind)->entry(entry, index).toStdString();
+    return textLibraryFormat(kind)->entry(entry, index).toStdString();
 }
 
 std::string notation(const LibraryPeak &peak)
@@ -134,7 +134,7 @@ TEST(TsvLibraryFormat, DecoyHasItsFlagAndAGroupOfItsOwn)
 
 TEST(TsvLibraryFormat, EachRowHasTheColumnsOfTheHeader)
 {
-    const auto format = makeTextLibraryFormat(LibraryFileKind::Tsv);
+    const LibraryFormat *format = textLibraryFormat(LibraryFileKind::Tsv);
     const auto columns = format->opening({}).count('\t');
     LibraryEntry bare = decoy();
     bare.proteins.clear();
@@ -199,7 +199,7 @@ TEST(MzSpecLibFormat, ProteinsAreGroupsOfAttributesAndIsotopesAreAnnotated)
 
 TEST(MzSpecLibFormat, OpeningNamesTheLibraryAndNothingThatChanges)
 {
-    EXPECT_EQ(makeTextLibraryFormat(LibraryFileKind::MzSpecLib)
+    EXPECT_EQ(textLibraryFormat(LibraryFileKind::MzSpecLib)
                   ->opening({QStringLiteral("yeast"), QStringLiteral("1.2.3")})
                   .toStdString(),
               "<mzSpecLib>\n"
@@ -207,6 +207,24 @@ TEST(MzSpecLibFormat, OpeningNamesTheLibraryAndNothingThatChanges)
               "MS:1003188|library name=yeast\n"
               "MS:1003189|library description=Fragment spectra predicted by zav 1.2.3\n"
               "\n");
+}
+
+TEST(MzSpecLibFormat, FirstLineOfAnEntryHoldsItsNumber)
+{
+    const LibraryFormat &format = mzSpecLibFormat();
+    EXPECT_TRUE(format.numbersEntries());
+    EXPECT_EQ(format.firstLine(1234), "<Spectrum=1235>\n");
+    EXPECT_TRUE(format.isFirstLine("<Spectrum=12>\n"));
+    EXPECT_FALSE(format.isFirstLine("<Analyte=1>\n"));
+    EXPECT_FALSE(format.isFirstLine("102.05496\t1.0\tb1/0.0ppm\n"));
+}
+
+TEST(LibraryFormat, OtherFormatsNumberNoEntries)
+{
+    for (const LibraryFileKind kind : {LibraryFileKind::Msp, LibraryFileKind::Tsv, LibraryFileKind::Mgf}) {
+        EXPECT_FALSE(textLibraryFormat(kind)->numbersEntries());
+        EXPECT_EQ(text(kind, example(), 0), text(kind, example(), 7));
+    }
 }
 
 TEST(LibraryFormat, EntryWithoutPeaksIsLeftOut)
@@ -240,7 +258,7 @@ TEST(LibraryFileKind, EachNameIsThatOfAKindAndTextKindsHaveAFormat)
     for (const QString &name : libraryFileKindNames()) {
         const auto kind = libraryFileKindOfName(name.toUpper());
         ASSERT_TRUE(kind.has_value()) << name.toStdString();
-        EXPECT_EQ(makeTextLibraryFormat(*kind) == nullptr, isSqlite(*kind));
+        EXPECT_EQ(textLibraryFormat(*kind) == nullptr, isSqlite(*kind));
     }
     EXPECT_EQ(libraryFileKindOfName(QStringLiteral("xml")), std::nullopt);
 }

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryManifest.h"
-#include "EntryNumbering.h"
 #include "TemporaryFiles.h"
 
 #include <gtest/gtest.h>
+
+#include <QtCore/QFileInfo>
 
 namespace zav {
 namespace {
@@ -27,10 +28,11 @@ protected:
 
 TEST_F(Manifest, IsReadAsItWasWritten)
 {
-    const QString path = LibraryManifest::pathFor(m_files.path("lib.tsv"));
-    EXPECT_EQ(path, m_files.path("lib.tsv.json"));
-    ASSERT_FALSE(example().write(path).hasError());
-    const Result<LibraryManifest> read = LibraryManifest::read(path);
+    const QString library = m_files.path("lib.tsv");
+    EXPECT_EQ(LibraryManifest::pathFor(library), m_files.path("lib.tsv.json"));
+    ASSERT_FALSE(example().writeFor(library).hasError());
+    EXPECT_FALSE(m_files.read("lib.tsv.json").isEmpty());
+    const Result<LibraryManifest> read = LibraryManifest::readFor(library);
     ASSERT_FALSE(read.hasError());
     EXPECT_EQ(read.value().settings, example().settings);
     EXPECT_EQ(read.value().inputSha256, example().inputSha256);
@@ -41,29 +43,37 @@ TEST_F(Manifest, IsReadAsItWasWritten)
 
 TEST_F(Manifest, RefusesOtherFilesByName)
 {
-    const QString path = m_files.write("lib.tsv.json", "{}");
     for (const char *content : {"", "{}", "[1]", "{\"settings\": 3", "no json"}) {
         m_files.write("lib.tsv.json", content);
-        const Error error = LibraryManifest::read(path).error();
+        const Error error = LibraryManifest::readFor(m_files.path("lib.tsv")).error();
         EXPECT_EQ(m_files.withoutFolder(error.message()), "lib.tsv.json does not describe a library of zav") << content;
     }
-    EXPECT_TRUE(LibraryManifest::read(m_files.path("none.json")).error().message().contains("none.json"));
+    EXPECT_TRUE(LibraryManifest::readFor(m_files.path("none")).error().message().contains("none.json"));
 }
 
 TEST_F(Manifest, RefusesNumbersThatContradictOneAnother)
 {
     LibraryManifest manifest = example();
     manifest.shard = {5, 4};
-    ASSERT_FALSE(manifest.write(m_files.path("a.json")).hasError());
-    EXPECT_TRUE(LibraryManifest::read(m_files.path("a.json")).hasError());
+    ASSERT_FALSE(manifest.writeFor(m_files.path("a")).hasError());
+    EXPECT_TRUE(LibraryManifest::readFor(m_files.path("a")).hasError());
 }
 
-TEST_F(Manifest, BelongsToFilesOnly)
+TEST_F(Manifest, IsNotWrittenForWhatIsNoFile)
 {
-    EXPECT_TRUE(LibraryManifest::isFor(m_files.path("new.tsv")));
-    EXPECT_TRUE(LibraryManifest::isFor(m_files.write("old.tsv", "")));
-    EXPECT_FALSE(LibraryManifest::isFor("-"));
-    EXPECT_FALSE(LibraryManifest::isFor("/dev/null"));
+    EXPECT_FALSE(example().writeFor("-").hasError());
+    EXPECT_FALSE(QFileInfo::exists("-.json"));
+    EXPECT_FALSE(example().writeFor("/dev/null").hasError());
+    EXPECT_FALSE(QFileInfo::exists("/dev/null.json"));
+}
+
+TEST(ManifestSettings, SayWhatTheLibraryIs)
+{
+    LibraryManifest manifest = example();
+    manifest.settings = R"({"version":"0.1.0","name":"yeast","format":"blib"})";
+    EXPECT_EQ(manifest.kind(), LibraryFileKind::Blib);
+    EXPECT_EQ(manifest.info().name, "yeast");
+    EXPECT_EQ(manifest.info().version, "0.1.0");
 }
 
 TEST(ManifestOrigin, DifferenceNamesWhatDiffers)
@@ -80,21 +90,6 @@ TEST(ManifestOrigin, DifferenceNamesWhatDiffers)
     EXPECT_EQ(differenceOfOrigin(example(), other), "another version's settings");
     other.inputSha256 = "00";
     EXPECT_EQ(differenceOfOrigin(example(), other), "another input");
-}
-
-TEST(EntryNumbering, SetsTheNumberOfAnEntryAndNothingElse)
-{
-    const QByteArray entry = "<Spectrum=1>\nMS:1003061|library spectrum name=PEPTIDE/2\n<Peaks>\n";
-    EXPECT_EQ(entryNumbering::numberedEntry(entry, 1234),
-              "<Spectrum=1235>\nMS:1003061|library spectrum name=PEPTIDE/2\n<Peaks>\n");
-    EXPECT_EQ(entryNumbering::numberedEntry(entry, 0), entry);
-}
-
-TEST(EntryNumbering, LeavesLinesWithoutRunningNumbersAlone)
-{
-    EXPECT_EQ(entryNumbering::numberedLine("102.05496\t1.0\tb1/0.0ppm\n", 7), "102.05496\t1.0\tb1/0.0ppm\n");
-    EXPECT_TRUE(entryNumbering::isFirstLine("<Spectrum=12>\n"));
-    EXPECT_FALSE(entryNumbering::isFirstLine("<Analyte=1>\n"));
 }
 
 } // namespace

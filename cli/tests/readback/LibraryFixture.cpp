@@ -61,7 +61,7 @@ LibraryEntry entryOf(const Json &json)
 
 Error writeText(LibraryFileKind kind, const QString &path, const LibraryInfo &info, const QList<LibraryEntry> &entries)
 {
-    const auto format = makeTextLibraryFormat(kind);
+    const LibraryFormat *format = textLibraryFormat(kind);
     OutputFile file(path);
     if (Error error = file.open(); error.hasError())
         return error;

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DecoyGenerator.h"
 
-#include "PeptideCodec.h"
-#include "PeptideCursor.h"
-#include "PeptideUniter.h"
+#include "PeptideMerge.h"
 
 #include <utility>
 
@@ -117,7 +115,7 @@ Error DecoyGenerator::settle(PeptidePages *targets, RecordStream *proposals, Pep
         return proposals->error();
     if (lookup.error().hasError())
         return lookup.error();
-    const Error error = united.finish();
+    Error error = united.finish();
     m_counts->decoysShared += united.unitedCount();
     return error;
 }

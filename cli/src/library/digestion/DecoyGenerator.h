@@ -2,7 +2,7 @@
 #pragma once
 
 #include "DecoyMaker.h"
-#include "DigestionReport.h"
+#include "Digestion.h"
 #include "PeptidePages.h"
 #include "RecordSorter.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DigestionOptions.h"
+#include "Digestion.h"
 #include "Enzyme.h"
 
 #include <zav/Result.h>
@@ -19,8 +19,8 @@ public:
 
     using Visitor = std::function<Error(QByteArrayView peptide)>;
 
-    /// Shows every peptide of an upper-case sequence to `visit`, by its beginning, then by its end; one that the
-    /// protein contains at several places comes as often. What residues it contains is not looked at. Stops with an
+    /// Shows every peptide of an upper-case sequence to `visit`, in the order of their beginnings, then of their ends;
+    /// one that the protein contains at several places comes as often. Its residues are not checked. Stops with an
     /// error of `visit` and returns it.
     Error digest(QByteArrayView protein, const Visitor &visit);
 

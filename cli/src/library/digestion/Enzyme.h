@@ -29,8 +29,8 @@ public:
     static Result<Enzyme> named(const QString &name);
 
     /// By a regular expression (Perl's, as PCRE2 reads it) that matches between two residues, with look-arounds
-    /// alone: `(?<=[KR])(?!P)`. `InvalidInput` for one that is not valid, or that matches residues as `[KR]` does, as
-    /// far as pairs of residues show; `findSites` finds the rest.
+    /// alone: `(?<=[KR])(?!P)`. `InvalidInput` for one that is not valid, or that matches residues as `[KR]` does. It
+    /// is tried on all pairs of residues; `findSites` reports what those did not show.
     static Result<Enzyme> withPattern(const QString &pattern);
 
     /// The names that messages and help show.
@@ -44,7 +44,7 @@ public:
     bool isUnspecific() const { return m_isUnspecific; }
 
     /// Whether peptides begin with the residue that the enzyme recognises (Lys-N, Asp-N) instead of ending with it. A
-    /// pattern does not tell and counts as the second.
+    /// pattern does not tell, and peptides are taken to end with it.
     bool cutsBeforeItsResidue() const { return m_cutsBefore; }
 
     /// Puts the sites in an upper-case sequence in place of what `sites` held, ascending: a site i lies between the

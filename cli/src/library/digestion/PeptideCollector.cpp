@@ -3,16 +3,37 @@
 
 #include "DecoyGenerator.h"
 #include "PeptideMerge.h"
-#include "PeptideSet.h"
-#include "PeptideUniter.h"
 #include "PrintableText.h"
-#include "ResidueAlphabet.h"
 
 #include <QtCore/QtEndian>
 
+#include <algorithm>
+#include <array>
+#include <string_view>
 #include <utility>
 
 namespace zav {
+
+namespace {
+
+constexpr auto makeStandardTable()
+{
+    std::array<bool, 256> table{};
+    for (const char letter : std::string_view("ACDEFGHIKLMNPQRSTVWY"))
+        table[static_cast<unsigned char>(letter)] = true;
+    return table;
+}
+
+constexpr std::array<bool, 256> IS_STANDARD = makeStandardTable();
+
+} // namespace
+
+qsizetype firstNonstandardResidue(QByteArrayView sequence)
+{
+    const auto *found = std::find_if(sequence.begin(), sequence.end(),
+                                     [](char letter) { return !IS_STANDARD[static_cast<unsigned char>(letter)]; });
+    return found == sequence.end() ? -1 : found - sequence.begin();
+}
 
 PeptideCollector::PeptideCollector(const PeptideRequest &request, DecoyMaker::FixedEnd fixedEnd,
                                    const DigestionHooks &hooks)

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DecoyMaker.h"
 #include "PeptideDigest.h"
-#include "PeptidePages.h"
 #include "RecordSorter.h"
 
 #include <optional>
 
 namespace zav {
+
+/// Where the first letter stands that is none of the 20 standard amino acids, -1 where all are.
+qsizetype firstNonstandardResidue(QByteArrayView sequence);
 
 /// Gathers the peptides of a library, in any order, and makes the ordered set of them.
 class PeptideCollector
@@ -19,8 +20,8 @@ public:
     ProteinTable &proteins() { return m_proteins; }
     DigestionCounts &counts() { return m_counts; }
 
-    /// A peptide in a protein; none: in no protein that is known. A peptide with a residue outside the 20 is skipped
-    /// and told to the hook.
+    /// Adds a peptide at one of its places, in a protein or in none that is known. A peptide with a residue outside the
+    /// 20 is skipped and told to the hook.
     Error add(QByteArrayView peptide, std::optional<int> protein);
 
     /// Tells the hook of a peptide that is no part of the library.

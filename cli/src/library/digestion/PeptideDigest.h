@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "DecoyOptions.h"
-#include "DigestionOptions.h"
-#include "DigestionReport.h"
-#include "PeptideSource.h"
-#include "SortingSpace.h"
+#include "DecoyMaker.h"
+#include "Digestion.h"
+#include "PeptideSet.h"
 
 #include <zav/Result.h>
 
@@ -23,14 +21,14 @@ struct PeptideRequest
 
 struct DigestedPeptides
 {
-    std::unique_ptr<PeptideSource> peptides;
+    std::unique_ptr<PeptideSet> peptides;
     DigestionCounts counts;
 };
 
 /// Digests the proteins of a FASTA file, plain or compressed with gzip ("-": standard input), into distinct peptides
 /// of the 20 amino acids, each with every protein that it was found in, and their decoys.
 ///
-/// What comes out depends on file, digestion and decoy options alone; with `space.onDisk` it is the same to the byte.
+/// The result depends on the file, the digestion and the decoy options alone: on disk it is the same as in memory.
 /// In memory it takes about 65 bytes for each place of a peptide in a protein at its peak, twice that with decoys, and
 /// 30 for each peptide in the end; on disk the memory limit of `SortingSpace`, a few MB, and the proteins' names.
 ///

@@ -1,17 +1,72 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PeptidePages.h"
 
-#include "PeptideCodec.h"
-#include "TemporaryStore.h"
-
+#include <cstring>
 #include <utility>
 
 namespace zav {
 
-PeptidePages::PeptidePages(const SortingSpace &space) : m_space(space) {}
-PeptidePages::~PeptidePages() = default;
-PeptidePages::PeptidePages(PeptidePages &&) noexcept = default;
-PeptidePages &PeptidePages::operator=(PeptidePages &&) noexcept = default;
+namespace {
+
+template <typename T>
+void put(QByteArray *bytes, T value)
+{
+    bytes->append(reinterpret_cast<const char *>(&value), sizeof value);
+}
+
+template <typename T>
+T take(const char **from)
+{
+    T value{};
+    std::memcpy(&value, *from, sizeof value);
+    *from += sizeof value;
+    return value;
+}
+
+} // namespace
+
+void encodePeptide(const LibraryPeptide &peptide, QByteArray *bytes)
+{
+    put(bytes, static_cast<quint16>(peptide.sequence.size()));
+    put(bytes, static_cast<quint8>(peptide.isDecoy));
+    put(bytes, static_cast<quint32>(peptide.proteins.size()));
+    bytes->append(peptide.sequence);
+    for (const int protein : peptide.proteins)
+        put(bytes, protein);
+}
+
+LibraryPeptide decodePeptide(const char **from)
+{
+    LibraryPeptide peptide;
+    const qsizetype length = take<quint16>(from);
+    peptide.isDecoy = take<quint8>(from) != 0;
+    const auto proteinCount = static_cast<qsizetype>(take<quint32>(from));
+    peptide.sequence = QByteArrayView(*from, length);
+    *from += length;
+    peptide.proteins.reserve(proteinCount);
+    for (qsizetype i = 0; i < proteinCount; ++i)
+        peptide.proteins.append(take<int>(from));
+    return peptide;
+}
+
+void PeptideBlock::clear()
+{
+    m_peptides.clear();
+    m_memory.clear();
+}
+
+void PeptideBlock::append(const QByteArray &encoded)
+{
+    m_memory.append(encoded);
+    const char *from = encoded.constData();
+    const char *end = from + encoded.size();
+    while (from < end)
+        m_peptides.append(decodePeptide(&from));
+}
+
+PeptidePages::PeptidePages(const SortingSpace &space)
+    : m_file(space.onDisk ? std::make_unique<TemporaryStore>(space) : nullptr)
+{}
 
 Error PeptidePages::append(const LibraryPeptide &peptide)
 {
@@ -34,15 +89,10 @@ Error PeptidePages::finish()
 Error PeptidePages::writePage()
 {
     QByteArray bytes = std::exchange(m_open, {});
-    if (!m_space.onDisk) {
+    if (!m_file) {
         bytes.squeeze();
         m_pages.append(bytes);
         return {};
-    }
-    if (!m_file) {
-        m_file = std::make_unique<TemporaryStore>(m_space.temporaryFolder);
-        if (Error error = m_file->open(); error.hasError())
-            return error;
     }
     m_offsets.append(m_file->size());
     return m_file->append(bytes);
@@ -50,28 +100,43 @@ Error PeptidePages::writePage()
 
 Error PeptidePages::readPage(qint64 page, PeptideBlock *block)
 {
-    const Result<QByteArray> bytes = this->page(page);
+    if (!m_file) {
+        block->append(m_pages[page]);
+        return {};
+    }
+    const Result<QByteArray> bytes = m_file->read(m_offsets[page], m_offsets[page + 1] - m_offsets[page]);
     if (bytes.hasError())
         return bytes.error();
-    block->keep(bytes.value());
-    const char *from = bytes.value().constData();
-    const char *end = from + bytes.value().size();
-    while (from < end)
-        block->append(decodePeptide(&from));
+    block->append(bytes.value());
     return {};
-}
-
-Result<QByteArray> PeptidePages::page(qint64 page)
-{
-    if (!m_space.onDisk)
-        return m_pages[page];
-    return m_file->read(m_offsets[page], m_offsets[page + 1] - m_offsets[page]);
 }
 
 void PeptidePages::release(qint64 page)
 {
-    if (!m_space.onDisk)
+    if (!m_file)
         m_pages[page].clear();
+}
+
+bool PeptideCursor::next()
+{
+    if (m_index + 1 < m_block.size()) {
+        ++m_index;
+        return true;
+    }
+    return readPage();
+}
+
+bool PeptideCursor::readPage()
+{
+    m_block.clear();
+    m_index = 0;
+    if (m_error.hasError() || m_page == m_pages->pageCount())
+        return false;
+    m_error = m_pages->readPage(m_page, &m_block);
+    if (m_use == Consume)
+        m_pages->release(m_page);
+    ++m_page;
+    return !m_error.hasError();
 }
 
 } // namespace zav

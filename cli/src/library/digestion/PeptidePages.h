@@ -1,19 +1,55 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "PeptideBlock.h"
 #include "SortingSpace.h"
 
 #include <zav/Result.h>
 
 #include <QtCore/QByteArray>
+#include <QtCore/QByteArrayView>
 #include <QtCore/QList>
 
 #include <memory>
 
 namespace zav {
 
-class TemporaryStore;
+/// A distinct peptide with every protein in which it was found.
+struct LibraryPeptide
+{
+    QByteArrayView sequence; ///< upper-case one-letter code; valid as long as the block that it was read into
+    QList<int> proteins;     ///< indices in the `ProteinTable`, ascending, each once; of a decoy: its targets'
+    bool isDecoy = false;
+};
+
+/// Appends a peptide as bytes: lengths, sequence, indices of the proteins. 7 bytes beside the sequence and 4 a protein,
+/// in the byte order of this machine: they are not meant to leave it.
+void encodePeptide(const LibraryPeptide &peptide, QByteArray *bytes);
+
+/// The peptide that begins at `*from`, which moves behind it. The sequence is a view into the bytes.
+LibraryPeptide decodePeptide(const char **from);
+
+/// Consecutive peptides, together with the memory that their sequences lie in. Copies share that memory.
+class PeptideBlock
+{
+public:
+    void clear();
+
+    /// Appends the peptides that `encodePeptide` made these bytes of, and holds on to the bytes.
+    void append(const QByteArray &encoded);
+
+    /// Keeps the `length` peptides from `first` on and drops the others.
+    void trim(qsizetype first, qsizetype length) { m_peptides = m_peptides.mid(first, length); }
+
+    qsizetype size() const { return m_peptides.size(); }
+    bool isEmpty() const { return m_peptides.isEmpty(); }
+    const LibraryPeptide &operator[](qsizetype i) const { return m_peptides[i]; }
+    auto begin() const { return m_peptides.cbegin(); }
+    auto end() const { return m_peptides.cend(); }
+
+private:
+    QList<QByteArray> m_memory;
+    QList<LibraryPeptide> m_peptides;
+};
 
 /// Ordered peptides in pages of 256, in memory or in a temporary file. A peptide needs its sequence, 7 bytes and 4 for
 /// each protein; on disk memory holds the page being written and 8 bytes for every other.
@@ -23,9 +59,6 @@ public:
     static constexpr qint64 PEPTIDES_IN_PAGE = 256;
 
     explicit PeptidePages(const SortingSpace &space);
-    ~PeptidePages();
-    PeptidePages(PeptidePages &&) noexcept;
-    PeptidePages &operator=(PeptidePages &&) noexcept;
 
     /// Appends a peptide; the caller keeps the order. `Failure` when the file cannot be written.
     Error append(const LibraryPeptide &peptide);
@@ -39,19 +72,43 @@ public:
     /// Appends the peptides of a page to a block.
     Error readPage(qint64 page, PeptideBlock *block);
 
-    /// Gives the memory of a page back, which is not to be read again. Does nothing on disk.
+    /// Frees the memory of a page, which must not be read again. Does nothing on disk.
     void release(qint64 page);
 
 private:
     Error writePage();
-    Result<QByteArray> page(qint64 page);
 
-    SortingSpace m_space;
     qint64 m_count = 0;
     QByteArray m_open; // the page being filled
     QList<QByteArray> m_pages;
-    std::unique_ptr<TemporaryStore> m_file;
-    QList<qint64> m_offsets; // of the pages in the file
+    std::unique_ptr<TemporaryStore> m_file; // null: in memory
+    QList<qint64> m_offsets;                // of the pages in the file
+};
+
+/// Walks over finished pages from front to back.
+class PeptideCursor
+{
+public:
+    enum Use { Keep, Consume }; ///< whether the memory of passed pages is freed
+
+    PeptideCursor(PeptidePages *pages, Use use) : m_pages(pages), m_use(use) {}
+
+    /// Moves to the next peptide; false at the end and after a failure, which `error` tells apart.
+    bool next();
+
+    /// Its sequence is valid until the next call of `next`.
+    const LibraryPeptide &peptide() const { return m_block[m_index]; }
+    Error error() const { return m_error; }
+
+private:
+    bool readPage();
+
+    PeptidePages *m_pages;
+    Use m_use;
+    qint64 m_page = 0; // the next one
+    PeptideBlock m_block;
+    qsizetype m_index = -1;
+    Error m_error;
 };
 
 } // namespace zav

@@ -6,7 +6,7 @@
 namespace zav {
 
 /// The generator SplitMix64 (Steele, Lea and Flood, OOPSLA 2014, doi:10.1145/2660193.2660195): the same numbers on
-/// every platform, and cheap to start, unlike those of the standard library, for one stream a peptide.
+/// every platform, and cheap enough to start one for each peptide, unlike those of the standard library.
 class SplitMix64
 {
 public:

@@ -2,7 +2,7 @@
 #include "Digester.h"
 
 #include "DigestionFixtures.h"
-#include "ResidueAlphabet.h"
+#include "PeptideCollector.h"
 
 namespace zav {
 namespace {

@@ -25,7 +25,7 @@ inline PeptideRequest tryptic(DecoyKind decoys = DecoyKind::None)
     return request;
 }
 
-inline PeptideBlock readAll(PeptideSource &source)
+inline PeptideBlock readAll(PeptideSet &source)
 {
     PeptideBlock block;
     EXPECT_FALSE(source.read(0, source.count(), &block).hasError());

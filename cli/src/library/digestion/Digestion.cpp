@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DigestionOptions.h"
+#include "Digestion.h"
 
 #include "Enzyme.h"
 

@@ -3,12 +3,39 @@
 
 #include <zav/Error.h>
 
-#include <QtCore/QByteArrayView>
 #include <QtCore/QString>
 
 #include <functional>
 
 namespace zav {
+
+/// How proteins are cut into peptides.
+struct DigestionOptions
+{
+    /// A name that `Enzyme::named` knows.
+    QString enzyme = QStringLiteral("Trypsin");
+
+    /// A regular expression for `Enzyme::withPattern`; where it is set it takes the place of `enzyme`.
+    QString cleavagePattern;
+
+    /// How many sites a peptide may contain uncut. 0 or more; without meaning for the enzyme `unspecific`.
+    int missedCleavages = 1;
+
+    /// Residues in a peptide. `minimumLength` within 1 to 65535, `maximumLength` from there to 65535.
+    int minimumLength = 7;
+    int maximumLength = 30;
+
+    /// Whether one end of a peptide may lie anywhere, with the other at a site or an end of the protein.
+    bool semiSpecific = false;
+
+    /// Whether a protein that begins with methionine is digested without it too, as cells remove it from many proteins
+    /// (Giglione et al., Cell. Mol. Life Sci. 61, 1455, 2004). Both forms of its first peptides are kept; its place is
+    /// no cleavage site.
+    bool removesMethionine = false;
+
+    /// `InvalidInput`, naming field, value and rule, for the first field out of its range, in the order above.
+    Error checkForParameterErrors() const;
+};
 
 /// A peptide that cannot be part of a library, at one of its places in a protein.
 struct SkippedPeptide
@@ -33,8 +60,8 @@ struct DigestionCounts
     qint64 decoysEqualToTarget = 0;
     qint64 decoysTooSimilar = 0;
 
-    /// Targets whose decoy is another target's as well; it occurs once, with the proteins of both. Targets are decoys
-    /// and the three kinds of targets without one of their own, summed.
+    /// Targets that share their decoy with another target; it occurs once, with the proteins of both. `targets` is the
+    /// sum of `decoys` and of these three counts of targets without a decoy of their own.
     qint64 decoysShared = 0;
 };
 

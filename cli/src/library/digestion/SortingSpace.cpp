@@ -1,25 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "TemporaryStore.h"
+#include "SortingSpace.h"
 
 #include "PrintableText.h"
 
-#include <QtCore/QDir>
-
 namespace zav {
 
-TemporaryStore::TemporaryStore(const QString &folder)
-    : m_folder(folder), m_file(QDir(folder).filePath(QStringLiteral("zav-XXXXXX.tmp")))
+TemporaryStore::TemporaryStore(const SortingSpace &space)
+    : m_folder(space.temporaryFolder), m_file(QDir(m_folder).filePath(QStringLiteral("zav-XXXXXX.tmp")))
 {}
-
-Error TemporaryStore::open()
-{
-    // Unbuffered, so that a write that fails fails here and now; the pieces are large.
-    QFile &file = m_file;
-    return file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) ? Error() : failure("make");
-}
 
 Error TemporaryStore::append(QByteArrayView bytes)
 {
+    if (Error error = m_file.isOpen() ? Error() : open(); error.hasError())
+        return error;
     if (!m_file.seek(m_size) || m_file.write(bytes.data(), bytes.size()) != bytes.size())
         return failure("write");
     m_size += bytes.size();
@@ -34,6 +27,13 @@ Result<QByteArray> TemporaryStore::read(qint64 offset, qint64 length)
     if (bytes.size() != length)
         return failure("read");
     return bytes;
+}
+
+Error TemporaryStore::open()
+{
+    // Unbuffered, so that a failed write is reported at once; the pieces are large.
+    QFile &file = m_file;
+    return file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) ? Error() : failure("make");
 }
 
 Error TemporaryStore::failure(const char *what) const

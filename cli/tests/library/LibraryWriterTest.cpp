@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "LibraryWriter.h"
+
+#include "Sha256.h"
+#include "TemporaryFiles.h"
+
+#include <gtest/gtest.h>
+
+namespace zav {
+namespace {
+
+const LibraryInfo INFO{QStringLiteral("test"), QStringLiteral("1.0")};
+
+LibraryEntry entryOf(const char *peptide)
+{
+    LibraryEntry entry;
+    entry.peptide = QString::fromUtf8(peptide);
+    entry.charge = 2;
+    entry.precursorMz = 400.5;
+    entry.peaks = {{147.11280, 1.0, QLatin1Char('y'), 1, 1, {}, 0}};
+    return entry;
+}
+
+/// What a text library with these peptides holds.
+QByteArray document(const LibraryFormat &format, const QList<const char *> &peptides)
+{
+    QByteArray text = format.opening(INFO);
+    for (qsizetype i = 0; i < peptides.size(); ++i)
+        text += format.entry(entryOf(peptides[i]), i);
+    return text + format.closing();
+}
+
+class LibraryWriterTest : public ::testing::TestWithParam<LibraryFileKind>
+{
+protected:
+    LibraryFileFacts write(const QString &name, const QList<const char *> &peptides) const
+    {
+        const auto writer = makeLibraryWriter(GetParam(), m_files.path(name), INFO);
+        EXPECT_EQ(writer->open().message(), QString());
+        for (const char *peptide : peptides)
+            EXPECT_EQ(writer->add(writer->encode(entryOf(peptide))).message(), QString());
+        const Result<LibraryFileFacts> facts = writer->finish();
+        EXPECT_FALSE(facts.hasError());
+        return facts.value();
+    }
+
+    const LibraryFormat &format() const { return *textLibraryFormat(GetParam()); }
+
+    TemporaryFiles m_files;
+};
+
+TEST_P(LibraryWriterTest, WritesEntriesNumberedInTheirOrder)
+{
+    const LibraryFileFacts facts = write("a", {"AAAAK", "CCCCK", "DDDDK"});
+    EXPECT_EQ(m_files.read("a").toStdString(), document(format(), {"AAAAK", "CCCCK", "DDDDK"}).toStdString());
+    EXPECT_EQ(facts.precursors, 3);
+    EXPECT_EQ(facts.openingSize, format().opening(INFO).size());
+    Sha256 hash;
+    hash.add(m_files.read("a"));
+    EXPECT_EQ(facts.sha256, hash.result());
+}
+
+TEST_P(LibraryWriterTest, AppendedFilesGiveWhatOneRunWrites)
+{
+    const LibraryFileFacts first = write("first", {"AAAAK"});
+    const LibraryFileFacts none = write("none", {});
+    const LibraryFileFacts last = write("last", {"CCCCK", "DDDDK"});
+    const auto writer = makeLibraryWriter(GetParam(), m_files.path("merged"), INFO);
+    ASSERT_FALSE(writer->open().hasError());
+    ASSERT_FALSE(writer->append(m_files.path("first"), first).hasError());
+    ASSERT_FALSE(writer->append(m_files.path("none"), none).hasError());
+    ASSERT_FALSE(writer->append(m_files.path("last"), last).hasError());
+    const Result<LibraryFileFacts> merged = writer->finish();
+    ASSERT_FALSE(merged.hasError());
+    EXPECT_EQ(merged.value().precursors, 3);
+    EXPECT_EQ(m_files.read("merged").toStdString(), document(format(), {"AAAAK", "CCCCK", "DDDDK"}).toStdString());
+}
+
+TEST_P(LibraryWriterTest, EntryWithoutPeaksIsEmpty)
+{
+    LibraryEntry entry = entryOf("AAAAK");
+    entry.peaks.clear();
+    EXPECT_TRUE(makeLibraryWriter(GetParam(), m_files.path("a"), INFO)->encode(entry).isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, LibraryWriterTest,
+                         ::testing::Values(LibraryFileKind::Msp, LibraryFileKind::Tsv, LibraryFileKind::Mgf,
+                                           LibraryFileKind::MzSpecLib),
+                         [](const auto &tested) {
+                             return libraryFileKindNames()[qsizetype(tested.param)].toStdString();
+                         });
+
+} // namespace
+} // namespace zav
