@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TracePictures.h"
 
+#include "PictureFile.h"
 #include "PrintableText.h"
 
 #include <QtCore/QDir>
@@ -39,7 +40,7 @@ Error TracePictures::prepare() const
 {
     if (!areDrawn())
         return {};
-    if (!canDrawChromatograms())
+    if (!canWritePictures())
         return Error(Failure, QStringLiteral("this build of zav cannot draw pictures"));
     if (isOneFile() || QDir().mkpath(m_path))
         return {};

@@ -7,11 +7,6 @@
 
 namespace zav {
 
-bool canDrawChromatograms()
-{
-    return canWritePictures();
-}
-
 Error drawChromatogram(const ChromatogramPlotData &data, const QString &path)
 {
     const ChromatogramFigure figure(data);

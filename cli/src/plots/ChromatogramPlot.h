@@ -36,9 +36,6 @@ struct ChromatogramPlotData
     QList<ChromatogramPlotSplit> splits; ///< dashed lines, each with its probability
 };
 
-/// True when this build can draw at all (Qt Gui and Qt Svg were there).
-bool canDrawChromatograms();
-
 /// Draws the trace, its peaks and its splits into a file whose ending says what it is: .svg, .png or .pdf. The file
 /// appears under its name only when it is complete; an older one stays on failure.
 ///

@@ -6,11 +6,6 @@
 
 namespace zav {
 
-bool canDrawSpectra()
-{
-    return canWritePictures();
-}
-
 Error drawSpectrum(const SpectrumPlotData &data, const QString &path)
 {
     const SpectrumFigure figure(data);
