@@ -41,8 +41,8 @@ struct ChromatogramPlotData
 ///
 /// Points whose time or intensity is not finite break the line and are counted in the picture. Parts of peaks that lie
 /// outside the trace are not drawn, nor are peaks whose start lies after their end. Of more than 500 peaks or splits
-/// the first 500 are drawn, and the picture says so. A long trace costs a file no more than a short one: of the points
-/// that share a pixel, only those that are seen are written.
+/// the first 500 are drawn, and the picture says so. The file of a long trace is no larger than that of a short one: of
+/// the points that share a pixel, only those that are seen are written.
 ///
 /// Threads may draw side by side, into different files. Needs a QGuiApplication (`createApplication`). `InvalidInput`
 /// for another ending; `Failure` when the file cannot be written, when the machine has no font, and in a build that
