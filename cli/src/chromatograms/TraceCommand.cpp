@@ -75,6 +75,8 @@ QString subjectOf(const TraceReport &report)
 
 } // namespace
 
+TraceAnalysis::~TraceAnalysis() = default;
+
 TraceCommand::TraceCommand(const TraceOptions &options, const TraceTable &table)
     : m_options(options), m_table(table), m_messages(options.verbose),
       m_pictures(options.picturePath, options.pictureFolderFormat),

@@ -1,16 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "ChromatogramSource.h"
 #include "Interruption.h"
 #include "Messages.h"
 #include "ModelFolder.h"
-#include "TraceAnalysis.h"
-#include "TraceOptions.h"
 #include "TraceOutput.h"
 #include "TracePictures.h"
 #include "TraceReport.h"
 #include "TraceStream.h"
 #include "TraceTally.h"
+#include "TraceWriter.h"
+
+#include <zav/Error.h>
+#include <zav/Result.h>
+
+#include <QtCore/QList>
+#include <QtCore/QPointF>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <memory>
 #include <optional>
@@ -19,6 +27,37 @@
 namespace zav {
 
 class Progress;
+
+/// What `zav limits` and `zav split` can both be asked for.
+struct TraceOptions
+{
+    QStringList inputs;                     ///< paths, "-" for standard input; at least one
+    std::optional<ExtractionTarget> target; ///< extract this chromatogram instead of reading those that are stored
+    QString targetList;                     ///< or those of this file; empty: none
+    double targetPpm = 0;                   ///< for the rows of that file that name no tolerance
+    QString modelFolder;                    ///< empty: where the networks are installed
+    std::optional<int> maxPointCount;       ///< length of the network's input; unset: by the length of each trace
+    std::optional<TraceFormat> format;      ///< unset: a table on a terminal, else TSV
+    QString outputPath;                     ///< empty: standard output
+    QString picturePath;                    ///< a picture, or a folder for one of every trace; empty: none
+    QString pictureFolderFormat;            ///< of the pictures in a folder; empty: `picturePath` is a picture
+    int threads = 1;
+    bool verbose = false;
+
+    bool drawsPictures() const { return !picturePath.isEmpty(); }
+};
+
+/// What a command looks for in each trace. Belongs to one thread.
+class TraceAnalysis
+{
+public:
+    virtual ~TraceAnalysis();
+
+    /// Loads the network once, so that what is wrong with it is known before any trace is read.
+    virtual Error load() = 0;
+
+    virtual Result<TraceFindings> analyse(const QList<QPointF> &points) = 0;
+};
 
 /// A command that looks for something in every trace of the files that were named: reads, analyses on several threads,
 /// and writes in the order of the files.
