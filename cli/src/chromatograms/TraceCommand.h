@@ -5,11 +5,9 @@
 #include "Interruption.h"
 #include "Messages.h"
 #include "ModelFolder.h"
-#include "TraceOutput.h"
+#include "Trace.h"
 #include "TracePictures.h"
-#include "TraceReport.h"
 #include "TraceStream.h"
-#include "TraceTally.h"
 #include "TraceWriter.h"
 
 #include <zav/Error.h>
@@ -88,13 +86,12 @@ private:
     Error loadNetwork();
     Error analyseAll();
     Error finishOutput();
-    Result<std::optional<TraceInput>> read();
-    TraceReport analyse(TraceAnalysis *analysis, TraceInput input) const;
+    Result<std::optional<Trace>> read();
+    Trace analyse(TraceAnalysis *analysis, Trace trace) const;
     bool isInterrupted() const { return m_interruption && m_interruption->isRequested(); }
-    Error drawReport(const TraceReport &report, const Chromatogram &chromatogram) const;
-    Error accept(const TraceReport &report, Progress *progress);
-    Error write(const TraceReport &report);
-    void tell(const TraceReport &report);
+    Error accept(const Trace &trace, Progress *progress);
+    Error write(const Trace &trace);
+    void tell(const Trace &trace);
     void fail(const Error &error, const QString &subject);
 
     TraceOptions m_options;
@@ -102,9 +99,9 @@ private:
     Messages m_messages;
     TracePictures m_pictures;
     TraceTally m_tally;
-    std::optional<Interruption> m_interruption; ///< while traces are worked on, unless a person may be typing them
+    std::optional<Interruption> m_interruption; ///< while traces are worked on, unless standard input is read
     std::unique_ptr<TraceStream> m_stream;
-    std::unique_ptr<TraceOutput> m_output;
+    TraceOutput m_output;
     std::vector<std::unique_ptr<TraceAnalysis>> m_analyses; ///< one a thread
 };
 
