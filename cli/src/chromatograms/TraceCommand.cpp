@@ -41,8 +41,6 @@ bool writesToStandardOutput(const QString &outputPath)
 
 } // namespace
 
-TraceAnalysis::~TraceAnalysis() = default;
-
 TraceCommand::TraceCommand(const TraceOptions &options, const TraceTable &table)
     : m_options(options), m_table(table), m_messages(options.verbose),
       m_pictures(options.picturePath, options.pictureFolderFormat,

@@ -49,7 +49,7 @@ struct TraceOptions
 class TraceAnalysis
 {
 public:
-    virtual ~TraceAnalysis();
+    virtual ~TraceAnalysis() = default;
 
     /// Loads the network once, so that what is wrong with it is known before any trace is read.
     virtual Error load() = 0;

@@ -184,8 +184,6 @@ private:
 
 } // namespace
 
-TraceWriter::~TraceWriter() = default;
-
 std::unique_ptr<TraceWriter> makeTraceWriter(TraceFormat format, const TraceTable &table, int fileWidth)
 {
     switch (format) {

@@ -41,7 +41,7 @@ enum class TraceFormat { Table, Tsv, Json };
 class TraceWriter
 {
 public:
-    virtual ~TraceWriter();
+    virtual ~TraceWriter() = default;
 
     /// The text of the next trace. `InvalidInput` when its times cannot be written beside those before it; the trace
     /// is then left out.
