@@ -124,12 +124,12 @@ void paintLegend(QPainter *painter, const QList<LegendEntry> &entries, double ri
     const QFontMetricsF metrics(painter->font());
     const double middle = y - metrics.capHeight() / 2;
     double x = right;
-    for (auto entry = entries.crbegin(); entry != entries.crend(); ++entry) {
-        x -= metrics.horizontalAdvance(entry->text);
+    for (qsizetype i = entries.size() - 1; i >= 0; --i) {
+        x -= metrics.horizontalAdvance(entries[i].text);
         painter->setPen(plotStyle::textColor());
-        painter->drawText(QPointF(x, y), entry->text);
+        painter->drawText(QPointF(x, y), entries[i].text);
         x -= LEGEND_GAP;
-        for (const QPen &pen : entry->pens) {
+        for (const QPen &pen : entries[i].pens) {
             painter->setPen(pen);
             painter->drawLine(QPointF(x - LEGEND_STROKE, middle), QPointF(x, middle));
             x -= LEGEND_STROKE;
