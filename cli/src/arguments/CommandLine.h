@@ -4,9 +4,9 @@
 #include "ExitCode.h"
 #include "InspectOptions.h"
 #include "LibraryOptions.h"
-#include "LimitsOptions.h"
+#include "LimitsCommand.h"
 #include "SpectrumOptions.h"
-#include "SplitOptions.h"
+#include "SplitCommand.h"
 
 #include <QtCore/QString>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "SplitOptions.h"
+#include "SplitCommand.h"
 #include "TraceArguments.h"
 
 namespace zav {

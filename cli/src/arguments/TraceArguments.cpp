@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TraceArguments.h"
 
-#include "NetworkSize.h"
+#include "PredictorPool.h"
 #include "PrintableText.h"
 #include "RuntimeThreads.h"
 

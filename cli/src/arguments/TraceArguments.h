@@ -2,7 +2,7 @@
 #pragma once
 
 #include "CommandArguments.h"
-#include "TraceOptions.h"
+#include "TraceCommand.h"
 
 #include <optional>
 

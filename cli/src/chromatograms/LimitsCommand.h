@@ -1,12 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "LimitsOptions.h"
 #include "TraceCommand.h"
+
+#include <zav/XicBaselineLimitsDetectorOptions.h>
 
 namespace zav {
 
-/// `zav limits`: finds where the peaks of chromatograms start and end.
+/// What `zav limits` was asked for.
+struct LimitsOptions : TraceOptions
+{
+    XicBaselineLimitsDetectorOptions detector; ///< without model file and `maxPointCount`
+    bool usesNetwork = true;                   ///< or the walk from the local maxima
+    double retentionTimeHint = -1.0;           ///< a time that should lie in a peak; -1: none
+};
+
+/// `zav limits`: finds where the peaks of chromatograms start and end, and measures them.
 class LimitsCommand : public TraceCommand
 {
 public:

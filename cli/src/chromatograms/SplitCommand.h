@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "SplitOptions.h"
 #include "TraceCommand.h"
 
+#include <zav/XicPeakSplitterOptions.h>
+
 namespace zav {
+
+/// What `zav split` was asked for.
+struct SplitOptions : TraceOptions
+{
+    XicPeakSplitterOptions splitter; ///< without model file and `maxPointCount`
+};
 
 /// `zav split`: finds where the peaks of chromatograms are to be split.
 class SplitCommand : public TraceCommand

@@ -10,8 +10,6 @@
 #include "TargetList.h"
 #include "Terminal.h"
 
-#include <QtCore/QFileInfo>
-
 #include <algorithm>
 #include <utility>
 
@@ -41,45 +39,13 @@ bool writesToStandardOutput(const QString &outputPath)
     return outputPath.isEmpty() || outputPath == QLatin1String("-");
 }
 
-/// The file's name, and how wide the trace was extracted where that is the same for all.
-QString sourceText(const QString &file, const std::optional<ExtractionTarget> &target)
-{
-    const QString name = QFileInfo(inputName(file)).fileName();
-    return target ? QStringLiteral("%1, %2 %3 ppm").arg(name, QChar(0xb1), QString::number(target->ppm)) : name;
-}
-
-ChromatogramPlotData plotData(const TraceReport &report, const Chromatogram &chromatogram, const QString &source)
-{
-    ChromatogramPlotData data;
-    data.id = report.id;
-    data.source = source;
-    data.points = chromatogram.points;
-    data.timeUnit = report.timeUnit;
-    data.intensityUnit = report.intensityUnit;
-    for (const TracePeak &peak : report.findings.peaks)
-        data.peaks.append({peak.start, peak.end, peak.apex});
-    for (const TraceSplit &split : report.findings.splits)
-        data.splits.append({split.time, split.probability});
-    return data;
-}
-
-TraceRecord recordOf(const TraceReport &report, const TraceTable &table)
-{
-    return {report.file, report.id, report.timeUnit, report.intensityUnit, report.points, table.rows(report.findings)};
-}
-
-QString subjectOf(const TraceReport &report)
-{
-    return inputName(report.file) + QStringLiteral(": ") + displayText(report.id, 120);
-}
-
 } // namespace
 
 TraceCommand::TraceCommand(const TraceOptions &options, const TraceTable &table)
     : m_options(options), m_table(table), m_messages(options.verbose),
-      m_pictures(options.picturePath, options.pictureFolderFormat),
-      m_output(std::make_unique<TraceOutput>(options.outputPath,
-                                             makeTraceWriter(formatOf(options), table, fileWidth(options.inputs))))
+      m_pictures(options.picturePath, options.pictureFolderFormat,
+                 options.target ? std::optional(options.target->ppm) : std::nullopt),
+      m_output(options.outputPath, makeTraceWriter(formatOf(options), table, fileWidth(options.inputs)))
 {}
 
 TraceCommand::~TraceCommand() = default;
@@ -126,8 +92,8 @@ Error TraceCommand::openTraces()
     return m_stream->open();
 }
 
-/// The first thread's, before it starts: what the runtime says when it is loaded can be kept off the terminal only
-/// while nobody else writes there.
+/// Makes an analysis for each thread and loads the network of the first. That is done before any thread starts: only
+/// while nothing else writes to the terminal can the runtime's messages be kept off it.
 Error TraceCommand::loadNetwork()
 {
     const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder, networkUse());
@@ -147,30 +113,30 @@ Error TraceCommand::analyseAll()
     Progress progress(m_stream->count(), QStringLiteral("traces"),
                       terminal::standardErrorIsTerminal() && !mixesWithOutput);
     m_messages.setProgress(&progress);
-    // Nothing wakes a thread that waits for standard input: there an interrupt ends the process as it stands.
+    // A thread that waits for standard input cannot be woken: an interrupt then ends the process at once.
     if (!m_options.inputs.contains(QStringLiteral("-")))
         m_interruption.emplace();
-    OrderedPipeline<TraceInput, TraceReport> pipeline({m_options.threads}, [this] { return isInterrupted(); });
+    OrderedPipeline<Trace, Trace> pipeline({m_options.threads}, [this] { return isInterrupted(); });
     Error error = pipeline.run([this] { return read(); },
-                               [this](int thread, TraceInput input) {
-                                   return analyse(m_analyses[static_cast<size_t>(thread)].get(), std::move(input));
+                               [this](int thread, Trace trace) {
+                                   return analyse(m_analyses[static_cast<size_t>(thread)].get(), std::move(trace));
                                },
-                               [&](const TraceReport &report) { return accept(report, &progress); });
+                               [&](const Trace &trace) { return accept(trace, &progress); });
     m_messages.setProgress(nullptr);
     return error;
 }
 
 Error TraceCommand::finishOutput()
 {
-    return m_output->finish();
+    return m_output.finish();
 }
 
-Result<std::optional<TraceInput>> TraceCommand::read()
+Result<std::optional<Trace>> TraceCommand::read()
 {
-    Result<std::optional<TraceInput>> input = m_stream->next();
+    Result<std::optional<Trace>> input = m_stream->next();
     if (input.hasError() || !input.value() || !m_pictures.isOneFile() || input.value()->number > 1)
         return input;
-    const Result<std::optional<TraceInput>> second = m_stream->next();
+    const Result<std::optional<Trace>> second = m_stream->next();
     if (second.hasError())
         return second.error();
     if (second.value())
@@ -181,68 +147,51 @@ Result<std::optional<TraceInput>> TraceCommand::read()
 }
 
 /// In one of the pipeline's threads.
-TraceReport TraceCommand::analyse(TraceAnalysis *analysis, TraceInput input) const
+Trace TraceCommand::analyse(TraceAnalysis *analysis, Trace trace) const
 {
-    const Chromatogram &chromatogram = input.chromatogram;
-    TraceReport report;
-    report.number = input.number;
-    report.file = input.file;
-    report.id = chromatogram.id;
-    report.timeUnit = chromatogram.timeUnit;
-    report.intensityUnit = chromatogram.intensityUnit;
-    report.points = chromatogram.points.size();
-    report.problem = input.problem;
-    report.isBroken = input.problem.hasError();
-    if (report.isBroken)
-        return report;
-    Result<TraceFindings> findings = analysis->analyse(chromatogram.points);
-    report.problem = findings.error();
+    if (trace.isBroken)
+        return trace;
+    Result<TraceFindings> findings = analysis->analyse(trace.chromatogram.points);
+    trace.problem = findings.error();
     if (!findings.hasError()) {
-        report.findings = std::move(findings).value();
-        report.pictureProblem = drawReport(report, chromatogram);
+        trace.findings = std::move(findings).value();
+        trace.pictureProblem = m_pictures.draw(trace);
     }
-    return report;
-}
-
-Error TraceCommand::drawReport(const TraceReport &report, const Chromatogram &chromatogram) const
-{
-    if (!m_pictures.areDrawn())
-        return {};
-    return m_pictures.draw(report.number, plotData(report, chromatogram, sourceText(report.file, m_options.target)));
+    return trace;
 }
 
 /// The error is one of writing.
-Error TraceCommand::accept(const TraceReport &report, Progress *progress)
+Error TraceCommand::accept(const Trace &trace, Progress *progress)
 {
     Error error;
-    if (report.problem.hasError())
-        fail(report.problem, report.isBroken ? QString() : subjectOf(report));
+    if (trace.problem.hasError())
+        fail(trace.problem, trace.isBroken ? QString() : trace.name());
     else
-        error = write(report);
+        error = write(trace);
     progress->update(m_tally.traces());
     return error;
 }
 
-Error TraceCommand::write(const TraceReport &report)
+Error TraceCommand::write(const Trace &trace)
 {
-    const Result<QByteArray> text = m_output->text(recordOf(report, m_table));
+    const Result<QByteArray> text = m_output.text(trace);
     if (text.hasError()) {
-        fail(text.error(), subjectOf(report));
+        fail(text.error(), trace.name());
         return {};
     }
-    tell(report);
-    if (report.pictureProblem.hasError())
-        return report.pictureProblem;
-    m_tally.addTrace(m_table.rows(report.findings).size());
-    return m_output->write(text.value());
+    tell(trace);
+    if (trace.pictureProblem.hasError())
+        return trace.pictureProblem;
+    m_tally.addTrace(m_table.rows(trace.findings).size());
+    return m_output.write(text.value());
 }
 
-void TraceCommand::tell(const TraceReport &report)
+void TraceCommand::tell(const Trace &trace)
 {
-    const QList<QString> remarks = {report.findings.remark, report.findings.nothingFound};
-    for (const QString &remark : report.findings.warnings + remarks) {
+    const QList<QString> remarks = {trace.findings.remark, trace.findings.nothingFound};
+    for (const QString &remark : trace.findings.warnings + remarks) {
         if (!remark.isEmpty())
-            m_messages.note(subjectOf(report) + QStringLiteral(": ") + remark);
+            m_messages.note(trace.name() + QStringLiteral(": ") + remark);
     }
 }
 

@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "ChromatogramSource.h"
 #include "Interruption.h"
 #include "Messages.h"
 #include "ModelFolder.h"
-#include "TraceAnalysis.h"
-#include "TraceOptions.h"
-#include "TraceOutput.h"
+#include "Trace.h"
 #include "TracePictures.h"
-#include "TraceReport.h"
 #include "TraceStream.h"
-#include "TraceTally.h"
+#include "TraceWriter.h"
+
+#include <zav/Error.h>
+#include <zav/Result.h>
+
+#include <QtCore/QList>
+#include <QtCore/QPointF>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <memory>
 #include <optional>
@@ -19,6 +25,37 @@
 namespace zav {
 
 class Progress;
+
+/// What `zav limits` and `zav split` can both be asked for.
+struct TraceOptions
+{
+    QStringList inputs;                     ///< paths, "-" for standard input; at least one
+    std::optional<ExtractionTarget> target; ///< extract this chromatogram instead of reading those that are stored
+    QString targetList;                     ///< or those of this file; empty: none
+    double targetPpm = 0;                   ///< for the rows of that file that name no tolerance
+    QString modelFolder;                    ///< empty: where the networks are installed
+    std::optional<int> maxPointCount;       ///< length of the network's input; unset: by the length of each trace
+    std::optional<TraceFormat> format;      ///< unset: a table on a terminal, else TSV
+    QString outputPath;                     ///< empty: standard output
+    QString picturePath;                    ///< a picture, or a folder for one of every trace; empty: none
+    QString pictureFolderFormat;            ///< of the pictures in a folder; empty: `picturePath` is a picture
+    int threads = 1;
+    bool verbose = false;
+
+    bool drawsPictures() const { return !picturePath.isEmpty(); }
+};
+
+/// What a command looks for in each trace. Belongs to one thread.
+class TraceAnalysis
+{
+public:
+    virtual ~TraceAnalysis() = default;
+
+    /// Loads the network once, so that what is wrong with it is known before any trace is read.
+    virtual Error load() = 0;
+
+    virtual Result<TraceFindings> analyse(const QList<QPointF> &points) = 0;
+};
 
 /// A command that looks for something in every trace of the files that were named: reads, analyses on several threads,
 /// and writes in the order of the files.
@@ -49,13 +86,12 @@ private:
     Error loadNetwork();
     Error analyseAll();
     Error finishOutput();
-    Result<std::optional<TraceInput>> read();
-    TraceReport analyse(TraceAnalysis *analysis, TraceInput input) const;
+    Result<std::optional<Trace>> read();
+    Trace analyse(TraceAnalysis *analysis, Trace trace) const;
     bool isInterrupted() const { return m_interruption && m_interruption->isRequested(); }
-    Error drawReport(const TraceReport &report, const Chromatogram &chromatogram) const;
-    Error accept(const TraceReport &report, Progress *progress);
-    Error write(const TraceReport &report);
-    void tell(const TraceReport &report);
+    Error accept(const Trace &trace, Progress *progress);
+    Error write(const Trace &trace);
+    void tell(const Trace &trace);
     void fail(const Error &error, const QString &subject);
 
     TraceOptions m_options;
@@ -63,9 +99,9 @@ private:
     Messages m_messages;
     TracePictures m_pictures;
     TraceTally m_tally;
-    std::optional<Interruption> m_interruption; ///< while traces are worked on, unless a person may be typing them
+    std::optional<Interruption> m_interruption; ///< while traces are worked on, unless standard input is read
     std::unique_ptr<TraceStream> m_stream;
-    std::unique_ptr<TraceOutput> m_output;
+    TraceOutput m_output;
     std::vector<std::unique_ptr<TraceAnalysis>> m_analyses; ///< one a thread
 };
 

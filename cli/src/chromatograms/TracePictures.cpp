@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TracePictures.h"
 
+#include "ChromatogramPlot.h"
+#include "PictureFile.h"
 #include "PrintableText.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 
 namespace zav {
 
@@ -39,25 +42,45 @@ Error TracePictures::prepare() const
 {
     if (!areDrawn())
         return {};
-    if (!canDrawChromatograms())
+    if (!canWritePictures())
         return Error(Failure, QStringLiteral("this build of zav cannot draw pictures"));
     if (isOneFile() || QDir().mkpath(m_path))
         return {};
     return Error(Failure, QStringLiteral("cannot make the folder %1 for the pictures").arg(displayText(m_path, 300)));
 }
 
-QString TracePictures::pathOf(qint64 number, const QString &id) const
+QString TracePictures::pathOf(const Trace &trace) const
 {
     if (isOneFile())
         return m_path;
-    const QString name =
-        QStringLiteral("%1_%2.%3").arg(number, NUMBER_DIGITS, 10, QLatin1Char('0')).arg(safeName(id), m_folderFormat);
+    const QString name = QStringLiteral("%1_%2.%3")
+                             .arg(trace.number, NUMBER_DIGITS, 10, QLatin1Char('0'))
+                             .arg(safeName(trace.chromatogram.id), m_folderFormat);
     return QDir(m_path).filePath(name);
 }
 
-Error TracePictures::draw(qint64 number, const ChromatogramPlotData &data) const
+/// The file's name, and how wide the trace was extracted where that is the same for all.
+QString TracePictures::sourceOf(const Trace &trace) const
 {
-    return drawChromatogram(data, pathOf(number, data.id));
+    const QString name = QFileInfo(inputName(trace.file)).fileName();
+    return m_ppm ? QStringLiteral("%1, %2 %3 ppm").arg(name, QChar(0xb1), QString::number(*m_ppm)) : name;
+}
+
+Error TracePictures::draw(const Trace &trace) const
+{
+    if (!areDrawn())
+        return {};
+    ChromatogramPlotData data;
+    data.id = trace.chromatogram.id;
+    data.source = sourceOf(trace);
+    data.points = trace.chromatogram.points;
+    data.timeUnit = trace.chromatogram.timeUnit;
+    data.intensityUnit = trace.chromatogram.intensityUnit;
+    for (const TracePeak &peak : trace.findings.peaks)
+        data.peaks.append({peak.start, peak.end, peak.apex});
+    for (const TraceSplit &split : trace.findings.splits)
+        data.splits.append({split.time, split.probability});
+    return drawChromatogram(data, pathOf(trace));
 }
 
 } // namespace zav

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TraceStream.h"
 
-#include "PrintableText.h"
-
 #include <utility>
 
 namespace zav {
@@ -28,19 +26,25 @@ qint64 TraceStream::count() const
     return m_paths.size() == 1 ? m_source->count() : -1;
 }
 
-Result<std::optional<TraceInput>> TraceStream::next()
+Result<std::optional<Trace>> TraceStream::next()
 {
     while (m_source) {
         Result<std::optional<TraceOutcome>> outcome = m_source->next();
         if (outcome.hasError())
             return outcome.error();
-        if (std::optional<TraceOutcome> trace = std::move(outcome).value())
-            return std::optional(
-                TraceInput{++m_number, m_paths[m_file], std::move(trace->chromatogram), std::move(trace->problem)});
-        if (const Error error = goOn(); error.hasError())
+        if (std::optional<TraceOutcome> read = std::move(outcome).value()) {
+            Trace trace;
+            trace.number = ++m_number;
+            trace.file = m_paths[m_file];
+            trace.chromatogram = std::move(read->chromatogram);
+            trace.isBroken = read->problem.hasError();
+            trace.problem = std::move(read->problem);
+            return std::optional(std::move(trace));
+        }
+        if (Error error = goOn(); error.hasError())
             return error;
     }
-    return std::optional<TraceInput>();
+    return std::optional<Trace>();
 }
 
 /// Closes the file and opens the next if there is one.
@@ -48,11 +52,6 @@ Error TraceStream::goOn()
 {
     m_source.reset();
     return ++m_file < m_paths.size() ? open() : Error();
-}
-
-QString inputName(const QString &path)
-{
-    return path == QLatin1String("-") ? QStringLiteral("standard input") : displayText(path, 300);
 }
 
 } // namespace zav

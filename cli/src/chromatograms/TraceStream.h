@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ChromatogramSource.h"
+#include "Trace.h"
 
 #include <zav/Error.h>
 #include <zav/Result.h>
@@ -14,15 +15,6 @@
 #include <optional>
 
 namespace zav {
-
-/// One trace of the files that were named, or why it could not be read.
-struct TraceInput
-{
-    qint64 number = 0; ///< from 1, over all files
-    QString file;      ///< as the user named it
-    Chromatogram chromatogram;
-    Error problem; ///< the trace is broken: only its id is valid, and the message says file and trace
-};
 
 /// The traces of several files, one after the other, one file open at a time.
 class TraceStream
@@ -37,8 +29,9 @@ public:
     /// How many traces `next` will yield, -1 where only reading tells.
     qint64 count() const;
 
-    /// The next trace; an empty optional at the end. The error is one of a file, and ends the stream.
-    Result<std::optional<TraceInput>> next();
+    /// The next trace, which may be broken; an empty optional at the end. The error is one of a file, and ends the
+    /// stream.
+    Result<std::optional<Trace>> next();
 
 private:
     Error goOn();
@@ -49,8 +42,5 @@ private:
     qsizetype m_file = 0; ///< index of the open file
     qint64 m_number = 0;  ///< of the last trace
 };
-
-/// What messages call a file of the command line.
-QString inputName(const QString &path);
 
 } // namespace zav

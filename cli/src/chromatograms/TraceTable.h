@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "TraceFindings.h"
+#include "Trace.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QList>

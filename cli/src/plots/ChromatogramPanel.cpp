@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ChromatogramPanel.h"
 
-#include "PlotLabel.h"
 #include "PlotStyle.h"
-#include "TickText.h"
 
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QPainter>

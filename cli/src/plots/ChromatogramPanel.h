@@ -3,8 +3,8 @@
 
 #include "ChromatogramPlot.h"
 #include "ChromatogramTrace.h"
-#include "LabelPlacement.h"
-#include "PlotScale.h"
+#include "PlotAxis.h"
+#include "PlotLabel.h"
 
 class QColor;
 class QFontMetricsF;

@@ -36,16 +36,13 @@ struct ChromatogramPlotData
     QList<ChromatogramPlotSplit> splits; ///< dashed lines, each with its probability
 };
 
-/// True when this build can draw at all (Qt Gui and Qt Svg were there).
-bool canDrawChromatograms();
-
 /// Draws the trace, its peaks and its splits into a file whose ending says what it is: .svg, .png or .pdf. The file
 /// appears under its name only when it is complete; an older one stays on failure.
 ///
 /// Points whose time or intensity is not finite break the line and are counted in the picture. Parts of peaks that lie
 /// outside the trace are not drawn, nor are peaks whose start lies after their end. Of more than 500 peaks or splits
-/// the first 500 are drawn, and the picture says so. A long trace costs a file no more than a short one: of the points
-/// that share a pixel, only those that are seen are written.
+/// the first 500 are drawn, and the picture says so. The file of a long trace is no larger than that of a short one: of
+/// the points that share a pixel, only those that are seen are written.
 ///
 /// Threads may draw side by side, into different files. Needs a QGuiApplication (`createApplication`). `InvalidInput`
 /// for another ending; `Failure` when the file cannot be written, when the machine has no font, and in a build that

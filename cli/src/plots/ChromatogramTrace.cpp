@@ -172,7 +172,7 @@ std::optional<double> ChromatogramTrace::intensityAt(double time) const
 
 QList<QPointF> withoutHiddenPoints(const QList<QPointF> &line, double columnWidth)
 {
-    const QList<QPointF> seen = extremesOfColumns(line, columnWidth);
+    QList<QPointF> seen = extremesOfColumns(line, columnWidth);
     if (seen.size() <= FEW_POINTS)
         return seen;
     const QList<LineColumn> columns = columnsOf(seen, columnWidth);

@@ -2,7 +2,6 @@
 #include "PlotAxis.h"
 
 #include "PlotStyle.h"
-#include "TickText.h"
 
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QPainter>
@@ -22,6 +21,39 @@ constexpr double TITLE_TEXT_SIZE = 12;
 constexpr double BOTTOM_TICK_SPACING = 80;
 constexpr double LEFT_TICK_SPACING = 34;
 
+// Numbers beside ticks share a power of ten from here on, and below here.
+constexpr double SHORTENED_FROM = 1e5;
+constexpr double SHORTENED_BELOW = 1e-3;
+constexpr int MAX_DECIMALS = 12;
+
+double niceStep(double atLeast)
+{
+    const double power = std::pow(10.0, std::floor(std::log10(atLeast)));
+    for (const double factor : {1.0, 2.0, 5.0}) {
+        if (factor * power >= atLeast * (1 - 1e-9))
+            return factor * power;
+    }
+    return 10 * power;
+}
+
+// Of a step, which is a small whole number times a power of ten.
+int decimalsOf(double step)
+{
+    int decimals = 0;
+    while (decimals < MAX_DECIMALS && std::abs(step - std::round(step)) > 1e-6 * step) {
+        step *= 10;
+        ++decimals;
+    }
+    return decimals;
+}
+
+int sharedExponent(double largest)
+{
+    if (largest <= 0 || (largest >= SHORTENED_BELOW && largest < SHORTENED_FROM))
+        return 0;
+    return 3 * static_cast<int>(std::floor(std::log10(largest) / 3 + 1e-9));
+}
+
 QList<double> ticksOf(const PlotScale &scale, double spacing)
 {
     const int count = static_cast<int>(std::abs(scale.end - scale.start) / spacing) + 1;
@@ -39,6 +71,40 @@ void drawRotated(QPainter *painter, const QPointF &centre, const QString &text)
 }
 
 } // namespace
+
+QList<double> niceTicks(double from, double to, int maxCount)
+{
+    const double step = niceStep((to - from) / (maxCount - 1));
+    const double slack = 1e-9 * step; // a limit that misses a tick by rounding only counts as one
+    QList<double> ticks;
+    const auto last = static_cast<qint64>(std::floor((to + slack) / step));
+    for (auto i = static_cast<qint64>(std::ceil((from - slack) / step)); i <= last; ++i)
+        ticks.append(static_cast<double>(i) * step);
+    return ticks;
+}
+
+QStringList tickTexts(const QList<double> &ticks)
+{
+    double largest = 0;
+    for (const double tick : ticks)
+        largest = std::max(largest, std::abs(tick));
+    const int exponent = sharedExponent(largest);
+    const double unit = std::pow(10.0, exponent);
+    const int decimals = decimalsOf((ticks.size() > 1 ? ticks[1] - ticks[0] : largest) / unit);
+    QStringList texts;
+    for (const double tick : ticks) {
+        const QString number = QString::number(tick / unit, 'f', decimals);
+        const bool isZero = number.toDouble() == 0;
+        texts.append(isZero ? QStringLiteral("0") : exponent == 0 ? number : number + u'e' + QString::number(exponent));
+    }
+    return texts;
+}
+
+QString textOnAxis(double value, double axisLength)
+{
+    const int decimals = static_cast<int>(std::ceil(-std::log10(axisLength / 1000)));
+    return QString::number(value, 'f', std::clamp(decimals, 0, 7));
+}
 
 void BottomAxis::paint(QPainter *painter) const
 {

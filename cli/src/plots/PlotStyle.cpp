@@ -1,7 +1,32 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PlotStyle.h"
 
-namespace zav::plotStyle {
+#include <QtGui/QFontMetricsF>
+#include <QtGui/QPainter>
+
+#include <algorithm>
+
+namespace zav {
+
+namespace {
+
+// In page units.
+constexpr double LEGEND_TEXT_SIZE = 11;
+constexpr double LEGEND_GAP = 5;
+constexpr double LEGEND_STROKE = 12;
+
+constexpr qsizetype LONGEST_TEXT = 1000; // longer texts are never seen whole
+
+qsizetype charactersThatFit(const QString &text, const QFontMetricsF &metrics, double width)
+{
+    const qsizetype count = metrics.elidedText(text, Qt::ElideRight, width).size() - 1; // less the ellipsis
+    const qsizetype blank = text.lastIndexOf(u' ', count);
+    return blank > 0 ? blank : std::max<qsizetype>(count, 1);
+}
+
+} // namespace
+
+namespace plotStyle {
 
 QColor ionColor(QChar ionType)
 {
@@ -63,4 +88,54 @@ QFont font(double pixels)
     return font;
 }
 
-} // namespace zav::plotStyle
+} // namespace plotStyle
+
+QString printable(const QString &text)
+{
+    const QString line = text.simplified();
+    QString result;
+    for (qsizetype i = 0; i < line.size(); ++i) {
+        const bool isPair = line[i].isHighSurrogate() && i + 1 < line.size() && line[i + 1].isLowSurrogate();
+        if (isPair)
+            result += line[i++];
+        const bool isShown = isPair || (line[i].isPrint() && !line[i].isSurrogate());
+        result += isShown ? line[i] : QChar(QChar::ReplacementCharacter);
+    }
+    return result;
+}
+
+QStringList wrapped(const QString &text, const QFontMetricsF &metrics, double width, int maxLines)
+{
+    QString rest =
+        text.size() > LONGEST_TEXT ? text.left(LONGEST_TEXT / 2) + QChar(u'…') + text.right(LONGEST_TEXT / 2) : text;
+    QStringList lines;
+    while (lines.size() + 1 < maxLines && metrics.horizontalAdvance(rest) > width) {
+        const qsizetype count = charactersThatFit(rest, metrics, width);
+        lines.append(rest.left(count).trimmed());
+        rest = rest.mid(count).trimmed();
+    }
+    lines.append(metrics.elidedText(rest, Qt::ElideMiddle, width));
+    return lines;
+}
+
+void paintLegend(QPainter *painter, const QList<LegendEntry> &entries, double right, double y)
+{
+    painter->setFont(plotStyle::font(LEGEND_TEXT_SIZE));
+    const QFontMetricsF metrics(painter->font());
+    const double middle = y - metrics.capHeight() / 2;
+    double x = right;
+    for (qsizetype i = entries.size() - 1; i >= 0; --i) {
+        x -= metrics.horizontalAdvance(entries[i].text);
+        painter->setPen(plotStyle::textColor());
+        painter->drawText(QPointF(x, y), entries[i].text);
+        x -= LEGEND_GAP;
+        for (const QPen &pen : entries[i].pens) {
+            painter->setPen(pen);
+            painter->drawLine(QPointF(x - LEGEND_STROKE, middle), QPointF(x, middle));
+            x -= LEGEND_STROKE;
+        }
+        x -= 3 * LEGEND_GAP;
+    }
+}
+
+} // namespace zav

@@ -2,10 +2,19 @@
 #pragma once
 
 #include <QtCore/QChar>
+#include <QtCore/QList>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtGui/QColor>
 #include <QtGui/QFont>
+#include <QtGui/QPen>
 
-namespace zav::plotStyle {
+class QFontMetricsF;
+class QPainter;
+
+namespace zav {
+
+namespace plotStyle {
 
 /// The colour of an ion series: blue b, vermilion y, green a, from the palette of Okabe and Ito ("Color universal
 /// design", 2008), which colour-blind readers tell apart; dark grey for any other.
@@ -25,7 +34,27 @@ QColor axisColor();
 QColor textColor();
 QColor faintTextColor();
 
-/// The picture's font, the reader's own sans-serif one, at a height in page units.
+/// The reader's own sans-serif font, at a height in page units.
 QFont font(double pixels);
 
-} // namespace zav::plotStyle
+} // namespace plotStyle
+
+/// The text on one line. White space becomes one blank. Control characters and unpaired surrogates, which no picture
+/// can show, become the replacement character.
+QString printable(const QString &text);
+
+/// At most `maxLines` lines no wider than `width`, broken at blanks where there are any. A text that is longer is
+/// shortened in the middle of the last line: identifiers differ at their ends.
+QStringList wrapped(const QString &text, const QFontMetricsF &metrics, double width, int maxLines);
+
+/// What is drawn with these pens.
+struct LegendEntry
+{
+    QList<QPen> pens; ///< a stroke of each, from right to left
+    QString text;
+};
+
+/// The entries on one line, from left to right, that ends at `right` on the text's base line `y`.
+void paintLegend(QPainter *painter, const QList<LegendEntry> &entries, double right, double y);
+
+} // namespace zav

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumPanel.h"
 
-#include "PlotAxis.h"
 #include "PlotLabel.h"
 #include "PlotStyle.h"
 
+#include <QtCore/QHash>
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QPainter>
 
@@ -15,16 +15,136 @@ namespace zav {
 
 namespace {
 
+// In page units.
+constexpr double ION_WIDTH = 1.4;
+constexpr double THIN_WIDTH = 0.8;
 constexpr double LABEL_ROOM = 40; // above the tallest peak
 constexpr double LABEL_SIZE = 10;
-
-// Labels of smaller peaks would stand on the base line among the noise.
-constexpr double MIN_LABELLED_HEIGHT = 0.01;
 
 constexpr double EMPTY_TEXT_SIZE = 12;
 constexpr double TITLE_DISTANCE = 44; // of the axis title's middle from the axis
 
+// Labels of smaller peaks would stand on the base line among the noise.
+constexpr double MIN_LABELLED_HEIGHT = 0.01;
+
+QString superscript(int charge)
+{
+    static const QString digits = QStringLiteral("\u2070\u00B9\u00B2\u00B3\u2074\u2075\u2076\u2077\u2078\u2079");
+    QString text;
+    for (const QChar digit : QString::number(charge))
+        text += digits[digit.digitValue()];
+    return text + QChar(u'\u207A');
+}
+
+QString labelOf(const AnnotatedPeak &peak)
+{
+    if (peak.isotope || peak.ionType.isNull())
+        return {};
+    const QString charge = peak.charge > 1 ? superscript(peak.charge) : QString();
+    return peak.ionType + QString::number(peak.ionNumber) + peak.neutralLoss + charge;
+}
+
+PlotPeak plotPeak(const AnnotatedPeak &peak, double mz, double height)
+{
+    const bool isLoss = !peak.neutralLoss.isEmpty();
+    PlotPeak plotted;
+    plotted.mz = mz;
+    plotted.height = height;
+    plotted.labelHeight = height;
+    plotted.color =
+        peak.isotope || isLoss ? plotStyle::lighterIonColor(peak.ionType) : plotStyle::ionColor(peak.ionType);
+    plotted.width = peak.isotope ? THIN_WIDTH : ION_WIDTH;
+    plotted.isLoss = isLoss;
+    plotted.label = labelOf(peak);
+    return plotted;
+}
+
+QString ionOf(const AnnotatedPeak &peak)
+{
+    return peak.ionType + QString::number(peak.ionNumber) + peak.neutralLoss + QLatin1Char('/') +
+           QString::number(peak.charge);
+}
+
+// Remembers how tall the isotope envelope of each ion is.
+class EnvelopeHeights
+{
+public:
+    void add(const AnnotatedPeak &peak, double height)
+    {
+        double &tallest = m_heights[ionOf(peak)];
+        tallest = std::max(tallest, height);
+    }
+
+    double of(const AnnotatedPeak &peak) const { return m_heights.value(ionOf(peak)); }
+
+private:
+    QHash<QString, double> m_heights;
+};
+
+double tallestOf(const QList<AnnotatedPeak> &peaks)
+{
+    double tallest = 0;
+    for (const AnnotatedPeak &peak : peaks)
+        tallest = std::max(tallest, peak.intensity);
+    return tallest;
+}
+
+double tallestOf(const QList<QPointF> &peaks)
+{
+    double tallest = 0;
+    for (const QPointF &peak : peaks)
+        tallest = std::max(tallest, peak.y());
+    return tallest;
+}
+
+PlotPeak unmatchedPlotPeak(double mz, double height)
+{
+    PlotPeak plotted;
+    plotted.mz = mz;
+    plotted.height = height;
+    plotted.color = plotStyle::unmatchedColor();
+    plotted.width = THIN_WIDTH;
+    return plotted;
+}
+
 } // namespace
+
+QList<PlotPeak> predictedPlotPeaks(const SpectrumPlotData &data)
+{
+    const double tallest = tallestOf(data.predicted);
+    EnvelopeHeights envelopes;
+    for (const AnnotatedPeak &peak : data.predicted)
+        envelopes.add(peak, peak.intensity / tallest);
+    QList<PlotPeak> peaks;
+    for (const AnnotatedPeak &peak : data.predicted) {
+        if (!(peak.intensity > 0))
+            continue;
+        peaks.append(plotPeak(peak, peak.mz, peak.intensity / tallest));
+        peaks.last().labelHeight = envelopes.of(peak);
+    }
+    return peaks;
+}
+
+QList<PlotPeak> observedPlotPeaks(const SpectrumPlotData &data)
+{
+    const QList<QPointF> &observed = data.observed->peaks;
+    const double tallest = tallestOf(observed);
+    QList<PlotPeak> peaks;
+    for (const QPointF &peak : observed)
+        peaks.append(unmatchedPlotPeak(peak.x(), peak.y() / tallest));
+    if (!data.comparison)
+        return peaks;
+    EnvelopeHeights envelopes;
+    for (const PeakMatch &match : data.comparison->matches)
+        envelopes.add(data.predicted[match.predicted], peaks[match.observed].height);
+    for (const PeakMatch &match : data.comparison->matches) {
+        const AnnotatedPeak &ion = data.predicted[match.predicted];
+        PlotPeak &peak = peaks[match.observed];
+        peak = plotPeak(ion, peak.mz, peak.height);
+        peak.labelHeight = envelopes.of(ion);
+    }
+    return peaks;
+}
 
 double SpectrumPanel::fullHeight() const
 {

@@ -23,9 +23,6 @@ struct SpectrumPlotData
     std::optional<SpectrumComparison> comparison; ///< colours the matched observed peaks and adds the figures
 };
 
-/// True when this build can draw at all (Qt Gui and Qt Svg were there).
-bool canDrawSpectra();
-
 /// Draws the spectrum, or with `observed` the mirror plot, into a file whose ending says what it is: .svg, .png or
 /// .pdf. The file appears under its name only when it is complete; an older one stays on failure.
 ///

@@ -3,6 +3,7 @@
 
 #include "ExitCode.h"
 #include "ObservedSpectrumFile.h"
+#include "PictureFile.h"
 #include "PrecursorCheck.h"
 #include "PrintableText.h"
 #include "Progress.h"
@@ -177,7 +178,7 @@ Error SpectrumCommand::finishOutput()
 /// Before the prediction, so that a mistyped path costs no time and writes nothing.
 Error SpectrumCommand::readObserved()
 {
-    if (!m_options.picturePath.isEmpty() && !canDrawSpectra())
+    if (!m_options.picturePath.isEmpty() && !canWritePictures())
         return Error(Failure, QStringLiteral("this build of zav cannot draw pictures"));
     if (m_options.observedPath.isEmpty() || m_problems.first().hasError())
         return {};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "TraceTally.h"
+#include "Trace.h"
 
 #include <gtest/gtest.h>
 

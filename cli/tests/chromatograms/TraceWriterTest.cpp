@@ -8,16 +8,36 @@
 namespace zav {
 namespace {
 
-/// A trace of one file with a peak from 1.5 to 2.5.
-TraceRecord recordWithPeak(const QString &id, const QString &timeUnit)
+/// A trace of as many points as are asked for, in which nothing was found.
+Trace emptyTrace(const QString &file, const QString &id, const QString &timeUnit, int points)
 {
-    return {QStringLiteral("a.mzML"), id, timeUnit,
-            QStringLiteral("counts"), 40, {{1.5, 2.5, 2, 1234567.5, 0.125, 0.1, 9}}};
+    Trace trace;
+    trace.file = file;
+    trace.chromatogram.id = id;
+    trace.chromatogram.timeUnit = timeUnit;
+    trace.chromatogram.points.resize(points);
+    return trace;
 }
 
-std::string textOf(TraceWriter *writer, const TraceRecord &record)
+/// A trace with a peak from 1.5 to 2.5.
+Trace traceWithPeak(const QString &id, const QString &timeUnit)
 {
-    const Result<QByteArray> text = writer->trace(record);
+    Trace trace = emptyTrace(QStringLiteral("a.mzML"), id, timeUnit, 40);
+    trace.chromatogram.intensityUnit = QStringLiteral("counts");
+    trace.findings.peaks = {{1.5, 2.5, 2, 1234567.5, 0.125, 0.1, 9}};
+    return trace;
+}
+
+Trace traceWithSplits(const QString &file, const QString &id, const QString &timeUnit, const QList<TraceSplit> &splits)
+{
+    Trace trace = emptyTrace(file, id, timeUnit, 9);
+    trace.findings.splits = splits;
+    return trace;
+}
+
+std::string textOf(TraceWriter *writer, const Trace &trace)
+{
+    const Result<QByteArray> text = writer->text(trace);
     EXPECT_FALSE(text.hasError()) << text.error().message().toStdString();
     return text.hasError() ? std::string() : text.value().toStdString();
 }
@@ -25,10 +45,10 @@ std::string textOf(TraceWriter *writer, const TraceRecord &record)
 TEST(TraceWriter, TsvHasAHeaderWithTheUnitAndARowAPeak)
 {
     const auto writer = makeTraceWriter(TraceFormat::Tsv, peakTable(), 0);
-    EXPECT_EQ(textOf(writer.get(), recordWithPeak("x", "min")),
+    EXPECT_EQ(textOf(writer.get(), traceWithPeak("x", "min")),
               "id\tstart_min\tend_min\tapex_min\theight\tarea\tarea_above_line\tpoints\n"
               "x\t1.50000\t2.50000\t2.00000\t1234567.5\t0.125\t0.1\t9\n");
-    EXPECT_EQ(textOf(writer.get(), recordWithPeak("y", "min")),
+    EXPECT_EQ(textOf(writer.get(), traceWithPeak("y", "min")),
               "y\t1.50000\t2.50000\t2.00000\t1234567.5\t0.125\t0.1\t9\n");
     EXPECT_EQ(writer->closing(), QByteArray());
 }
@@ -36,51 +56,51 @@ TEST(TraceWriter, TsvHasAHeaderWithTheUnitAndARowAPeak)
 TEST(TraceWriter, UnknownUnitLeavesTheColumnsPlain)
 {
     const auto writer = makeTraceWriter(TraceFormat::Tsv, splitTable(), 0);
-    EXPECT_EQ(textOf(writer.get(), {{}, "x", {}, {}, 9, {{3.25, 0.75}}}),
+    EXPECT_EQ(textOf(writer.get(), traceWithSplits({}, "x", {}, {{3.25, 0.75}})),
               "id\tsplit\tprobability\nx\t3.25000\t0.7500\n");
 }
 
 TEST(TraceWriter, SeveralFilesAreNamedInARow)
 {
     const auto writer = makeTraceWriter(TraceFormat::Tsv, splitTable(), 6);
-    EXPECT_EQ(textOf(writer.get(), {"a.mzML", "x", "s", {}, 9, {{3, 0.5}, {4, 1}}}),
+    EXPECT_EQ(textOf(writer.get(), traceWithSplits("a.mzML", "x", "s", {{3, 0.5}, {4, 1}})),
               "file\tid\tsplit_s\tprobability\na.mzML\tx\t3.00000\t0.5000\na.mzML\tx\t4.00000\t1.0000\n");
 }
 
 TEST(TraceWriter, TraceWithoutRowsStillGivesTheHeader)
 {
     const auto writer = makeTraceWriter(TraceFormat::Tsv, splitTable(), 0);
-    EXPECT_EQ(textOf(writer.get(), {{}, "x", "min", {}, 9, {}}), "id\tsplit_min\tprobability\n");
-    EXPECT_EQ(textOf(writer.get(), {{}, "y", "min", {}, 9, {}}), "");
+    EXPECT_EQ(textOf(writer.get(), traceWithSplits({}, "x", "min", {})), "id\tsplit_min\tprobability\n");
+    EXPECT_EQ(textOf(writer.get(), traceWithSplits({}, "y", "min", {})), "");
 }
 
 TEST(TraceWriter, LaterTracesAreConvertedToTheUnitOfTheHeader)
 {
     const auto writer = makeTraceWriter(TraceFormat::Tsv, peakTable(), 0);
-    EXPECT_FALSE(textOf(writer.get(), recordWithPeak("x", "s")).empty());
-    EXPECT_EQ(textOf(writer.get(), recordWithPeak("y", "min")),
+    EXPECT_FALSE(textOf(writer.get(), traceWithPeak("x", "s")).empty());
+    EXPECT_EQ(textOf(writer.get(), traceWithPeak("y", "min")),
               "y\t90.00000\t150.00000\t120.00000\t1234567.5\t7.5\t6\t9\n");
 }
 
 TEST(TraceWriter, UnknownUnitDoesNotGoWithAKnownOne)
 {
     const auto writer = makeTraceWriter(TraceFormat::Tsv, peakTable(), 0);
-    EXPECT_FALSE(textOf(writer.get(), recordWithPeak("x", "s")).empty());
-    EXPECT_EQ(writer->trace(recordWithPeak("y", "")).error().message(),
+    EXPECT_FALSE(textOf(writer.get(), traceWithPeak("x", "s")).empty());
+    EXPECT_EQ(writer->text(traceWithPeak("y", "")).error().message(),
               "times in an unknown unit do not go with the header's, in s");
 }
 
 TEST(TraceWriter, TabsAndLineEndsInAnIdDoNotBreakTheRow)
 {
     const auto writer = makeTraceWriter(TraceFormat::Tsv, splitTable(), 0);
-    EXPECT_EQ(textOf(writer.get(), {{}, "a\tb\nc", {}, {}, 9, {{3, 0.5}}}),
+    EXPECT_EQ(textOf(writer.get(), traceWithSplits({}, "a\tb\nc", {}, {{3, 0.5}})),
               "id\tsplit\tprobability\na\\x09b\\x0ac\t3.00000\t0.5000\n");
 }
 
 TEST(TraceWriter, TableHasColumnsOfFixedWidthAndTheIdLast)
 {
     const auto writer = makeTraceWriter(TraceFormat::Table, splitTable(), 8);
-    EXPECT_EQ(textOf(writer.get(), {"a.tsv", "peak 1", "min", {}, 9, {{3, 0.5}}}),
+    EXPECT_EQ(textOf(writer.get(), traceWithSplits("a.tsv", "peak 1", "min", {{3, 0.5}})),
               "   split_min  probability  file      id\n"
               "     3.00000       0.5000  a.tsv     peak 1\n");
 }
@@ -88,8 +108,8 @@ TEST(TraceWriter, TableHasColumnsOfFixedWidthAndTheIdLast)
 TEST(TraceWriter, JsonHoldsEveryTraceWithItsUnits)
 {
     const auto writer = makeTraceWriter(TraceFormat::Json, peakTable(), 6);
-    std::string text = textOf(writer.get(), recordWithPeak("x\t", "s"));
-    text += textOf(writer.get(), {"b.tsv", "y", {}, {}, 3, {}});
+    std::string text = textOf(writer.get(), traceWithPeak("x\t", "s"));
+    text += textOf(writer.get(), emptyTrace("b.tsv", "y", {}, 3));
     text += writer->closing().toStdString();
     const nlohmann::json document = nlohmann::json::parse(text);
     const nlohmann::json &traces = document.at("traces");
@@ -104,7 +124,7 @@ TEST(TraceWriter, JsonHoldsEveryTraceWithItsUnits)
 TEST(TraceWriter, JsonOfOneFileDoesNotNameIt)
 {
     const auto writer = makeTraceWriter(TraceFormat::Json, splitTable(), 0);
-    const std::string text = textOf(writer.get(), {"a.tsv", "x", "min", {}, 9, {{3, 0.5}}});
+    const std::string text = textOf(writer.get(), traceWithSplits("a.tsv", "x", "min", {{3, 0.5}}));
     const nlohmann::json trace = nlohmann::json::parse(text + writer->closing().toStdString()).at("traces").at(0);
     EXPECT_FALSE(trace.contains("file"));
     EXPECT_EQ(trace.at("splits"), nlohmann::json::parse(R"([{"split": 3.0, "probability": 0.5}])"));

@@ -2,7 +2,6 @@
 //
 // The arithmetic of a chromatogram's picture, without fonts.
 #include "ChromatogramTrace.h"
-#include "TickText.h"
 
 #include <gtest/gtest.h>
 
@@ -148,31 +147,6 @@ TEST(AreaOverEnds, EndsWhereTheLineDipsUnderIt)
     EXPECT_TRUE(areaOverEnds({}).isEmpty());
     EXPECT_TRUE(areaOverEnds({{1, 1}}).isEmpty());
     EXPECT_TRUE(areaOverEnds({{1, 1}, {1, 5}}).isEmpty());
-}
-
-TEST(TickText, AllTicksHaveTheDecimalsOfTheStep)
-{
-    EXPECT_EQ(tickTexts({0, 0.5, 1.0}), (QStringList{"0", "0.5", "1.0"}));
-    EXPECT_EQ(tickTexts({17.45, 17.5, 17.55}), (QStringList{"17.45", "17.50", "17.55"}));
-    EXPECT_EQ(tickTexts({20000, 40000}), (QStringList{"20000", "40000"}));
-    EXPECT_EQ(tickTexts({7.25}), (QStringList{"7.25"}));
-    EXPECT_TRUE(tickTexts({}).isEmpty());
-}
-
-TEST(TickText, LongNumbersShareAPowerOfAThousand)
-{
-    EXPECT_EQ(tickTexts({0, 50000, 100000}), (QStringList{"0", "50e3", "100e3"}));
-    EXPECT_EQ(tickTexts({0, 5e5, 1e6, 1.5e6}), (QStringList{"0", "0.5e6", "1.0e6", "1.5e6"}));
-    EXPECT_EQ(tickTexts({-2e9, 0, 2e9}), (QStringList{"-2e9", "0", "2e9"}));
-    EXPECT_EQ(tickTexts({0, 2e-5, 4e-5}), (QStringList{"0", "20e-6", "40e-6"}));
-}
-
-TEST(TickText, ValueIsAsPreciseAsItsAxisIsLong)
-{
-    EXPECT_EQ(textOnAxis(23.4567, 60), "23.46");
-    EXPECT_EQ(textOnAxis(23.4567, 4), "23.457");
-    EXPECT_EQ(textOnAxis(1523.4567, 3600), "1523");
-    EXPECT_EQ(textOnAxis(5, 1e-30), "5.0000000");
 }
 
 } // namespace

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "TraceTally.h"
+#include "Trace.h"
+
+#include "PrintableText.h"
 
 namespace zav {
 
 namespace {
+
+constexpr int PATH_LENGTH = 300;
+constexpr int ID_LENGTH = 120;
 
 /// `1 trace`, `2 traces`; the name is a plural in s.
 QString counted(qint64 count, const QString &plural)
@@ -12,6 +17,16 @@ QString counted(qint64 count, const QString &plural)
 }
 
 } // namespace
+
+QString Trace::name() const
+{
+    return inputName(file) + QStringLiteral(": ") + displayText(chromatogram.id, ID_LENGTH);
+}
+
+QString inputName(const QString &path)
+{
+    return path == QLatin1String("-") ? QStringLiteral("standard input") : displayText(path, PATH_LENGTH);
+}
 
 void TraceTally::addTrace(qsizetype rows)
 {

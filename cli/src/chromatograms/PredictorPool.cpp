@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "NetworkSize.h"
+#include "PredictorPool.h"
+
+#include "ExplainedError.h"
+
+#include <QtCore/QFileInfo>
 
 #include <algorithm>
 
@@ -13,6 +17,11 @@ QPointF joined(const QList<QPointF> &points, qsizetype first, qsizetype end)
     for (qsizetype i = first; i < end; ++i)
         sum += points[i].y();
     return {points[first].x(), sum / static_cast<double>(end - first)};
+}
+
+QString fileName(const QString &path)
+{
+    return QFileInfo(path).fileName();
 }
 
 } // namespace
@@ -33,6 +42,27 @@ QList<QPointF> thinnedTo(int size, const QList<QPointF> &points)
     for (qsizetype i = 0; i < size; ++i)
         thinned.append(joined(points, i * points.size() / size, (i + 1) * points.size() / size));
     return thinned;
+}
+
+QString thinningRemark(qsizetype pointCount, int size)
+{
+    if (pointCount <= size)
+        return {};
+    return QStringLiteral("%1 points thinned to %2 for the network").arg(pointCount).arg(size);
+}
+
+Error loadingError(const Error &error, const QString &modelFilePath)
+{
+    const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
+    return explainedError(error, QStringLiteral("cannot load %1: %2").arg(fileName(modelFilePath), reason));
+}
+
+Error runError(const Error &error, const QString &modelFilePath, int size)
+{
+    if (!error.message().isEmpty())
+        return error;
+    return explainedError(
+        error, QStringLiteral("%1 does not work on an input of %2 points").arg(fileName(modelFilePath)).arg(size));
 }
 
 } // namespace zav
