@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "FileDigest.h"
 #include "LibraryWriter.h"
 #include "OutputFile.h"
-#include "Sha256.h"
 
 class QFile;
 
