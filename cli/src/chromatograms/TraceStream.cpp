@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TraceStream.h"
 
-#include "PrintableText.h"
-
 #include <utility>
 
 namespace zav {
@@ -48,11 +46,6 @@ Error TraceStream::goOn()
 {
     m_source.reset();
     return ++m_file < m_paths.size() ? open() : Error();
-}
-
-QString inputName(const QString &path)
-{
-    return path == QLatin1String("-") ? QStringLiteral("standard input") : displayText(path, 300);
 }
 
 } // namespace zav

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FileDigest.h"
 
+#include "ByteStream.h"
 #include "PrintableText.h"
 
 #include <QtCore/QFile>
@@ -59,7 +60,7 @@ Result<QByteArray> fileSha256(const QString &path)
         hash.add(bytes.constData(), std::max<qint64>(size, 0));
     }
     if (!isFine)
-        return Error(Failure, QStringLiteral("cannot read %1: %2").arg(displayText(path, 300), file.errorString()));
+        return cannotRead(displayText(path, 300), file.errorString());
     return hash.result();
 }
 

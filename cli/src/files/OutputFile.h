@@ -21,6 +21,7 @@ public:
     /// `path` empty or "-": standard output.
     explicit OutputFile(const QString &path);
     ~OutputFile();
+    Q_DISABLE_COPY_MOVE(OutputFile)
 
     /// Has to come first and succeed.
     Error open();
