@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TraceCommand.h"
 
+#include "ByteStream.h"
 #include "ExitCode.h"
 #include "OrderedPipeline.h"
 #include "PrintableText.h"

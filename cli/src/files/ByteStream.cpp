@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ByteStream.h"
 
+#include "PrintableText.h"
+
 #include <QtCore/QFileInfo>
+
+#include <zlib.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -11,10 +15,12 @@ namespace zav {
 
 namespace {
 
-// Gzip makes a thousand bytes of one at most: 64 MB of a piece.
 constexpr qint64 PIECE_BYTES = 1 << 16;
 
 constexpr char GZIP_MAGIC[] = "\x1f\x8b";
+
+// windowBits for inflateInit2: the largest window, gzip's header and trailer.
+constexpr int GZIP_WINDOW_BITS = 15 + 16;
 
 bool isStandardInput(const QString &path)
 {
@@ -23,19 +29,87 @@ bool isStandardInput(const QString &path)
 
 } // namespace
 
-ByteStream::ByteStream(const QString &path)
-    : m_name(isStandardInput(path) ? QStringLiteral("standard input") : path), m_file(path)
-{}
+QString inputName(const QString &path)
+{
+    return isStandardInput(path) ? QStringLiteral("standard input") : displayText(path, 300);
+}
+
+Error cannotRead(const QString &name, const QString &reason)
+{
+    return {Failure, QStringLiteral("cannot read %1: %2").arg(name, reason)};
+}
+
+/// The state of inflating.
+struct ByteStream::Gzip
+{
+    z_stream stream{};
+    bool isInitialised = inflateInit2(&stream, GZIP_WINDOW_BITS) == Z_OK;
+    bool isWithinMember = false;
+    QByteArray encoded; // what `stream` reads from
+
+    Gzip() = default;
+    ~Gzip()
+    {
+        if (isInitialised)
+            inflateEnd(&stream);
+    }
+    Q_DISABLE_COPY_MOVE(Gzip)
+
+    void take(QByteArray bytes)
+    {
+        encoded = std::move(bytes);
+        stream.next_in = reinterpret_cast<Bytef *>(encoded.data());
+        stream.avail_in = static_cast<uInt>(encoded.size());
+    }
+
+    // Zero bytes behind a member are padding.
+    void skipPadding()
+    {
+        for (; !isWithinMember && stream.avail_in > 0 && *stream.next_in == 0; --stream.avail_in)
+            ++stream.next_in;
+        isWithinMember = isWithinMember || stream.avail_in > 0;
+    }
+
+    // Why the bytes cannot be inflated, an empty text when all went well.
+    QString inflateInto(QByteArray *decoded)
+    {
+        if (!isInitialised)
+            return QStringLiteral("zlib cannot be started");
+        decoded->resize(PIECE_BYTES);
+        stream.next_out = reinterpret_cast<Bytef *>(decoded->data());
+        stream.avail_out = static_cast<uInt>(decoded->size());
+        for (skipPadding(); isWithinMember && stream.avail_out > 0; skipPadding()) {
+            const int status = inflate(&stream, Z_NO_FLUSH);
+            if (status == Z_BUF_ERROR) // wants more input
+                break;
+            if (status == Z_STREAM_END) {
+                isWithinMember = false;
+                inflateReset(&stream);
+            } else if (status != Z_OK) {
+                return QStringLiteral("it is damaged gzip: %1")
+                    .arg(QString::fromLatin1(stream.msg != nullptr ? stream.msg : zError(status)));
+            }
+        }
+        decoded->truncate(decoded->size() - stream.avail_out);
+        return {};
+    }
+};
+
+ByteStream::ByteStream(const QString &path) : m_name(inputName(path)), m_file(path) {}
+
+ByteStream::~ByteStream() = default;
 
 Result<std::unique_ptr<ByteStream>> ByteStream::open(const QString &path)
 {
     std::unique_ptr<ByteStream> stream(new ByteStream(path));
+    QFile &file = stream->m_file;
     if (!isStandardInput(path) && QFileInfo(path).isDir())
-        return stream->failure(QStringLiteral("is a folder"));
-    const bool isOpen = isStandardInput(path) ? stream->m_file.open(stdin, QIODevice::ReadOnly)
-                                              : stream->m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        return cannotRead(stream->m_name, QStringLiteral("it is a folder"));
+    const bool isOpen = isStandardInput(path) ? file.open(stdin, QIODevice::ReadOnly)
+                                              : file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     if (!isOpen)
-        return stream->failure(QStringLiteral("cannot be read: ") + stream->m_file.errorString());
+        return cannotRead(stream->m_name, file.errorString());
+    stream->m_rawSize = file.size();
     if (Error error = stream->start(); error.hasError())
         return error;
     return stream;
@@ -45,19 +119,17 @@ Error ByteStream::start()
 {
     if (Error error = readRaw(&m_next); error.hasError())
         return error;
-    if (m_next.isEmpty())
-        return failure(QStringLiteral("is empty"));
+    if (m_next.size() == 1) { // a pipe may give less than the two bytes that tell the kind
+        QByteArray more;
+        if (Error error = readRaw(&more); error.hasError())
+            return error;
+        m_next += more;
+    }
     if (!m_next.startsWith(GZIP_MAGIC))
         return {};
-    m_decoder.emplace();
-    if (Error error = decode(); error.hasError())
-        return error;
-    return m_next.isEmpty() ? failure(QStringLiteral("is empty")) : Error();
-}
-
-QByteArrayView ByteStream::peek()
-{
-    return m_next;
+    m_gzip = std::make_unique<Gzip>();
+    m_gzip->take(std::exchange(m_next, {}));
+    return inflatePiece();
 }
 
 Error ByteStream::read(QByteArray *piece)
@@ -69,26 +141,50 @@ Error ByteStream::read(QByteArray *piece)
     return {}; // a failure behind this piece is told when its turn comes
 }
 
-Error ByteStream::refill()
+Error ByteStream::seek(qint64 offset)
 {
-    if (Error error = readRaw(&m_next); error.hasError())
-        return error;
-    return m_decoder ? decode() : Error();
+    if (m_file.isSequential() || !m_file.seek(m_gzip ? 0 : offset))
+        return cannotRead(m_name, QStringLiteral("it cannot be read a second time"));
+    m_rawRead = m_file.pos();
+    const bool isGzipped = m_gzip != nullptr;
+    m_gzip = isGzipped ? std::make_unique<Gzip>() : nullptr;
+    m_error = refill();
+    while (isGzipped && !m_error.hasError() && !m_next.isEmpty() && m_next.size() <= offset) {
+        offset -= m_next.size();
+        m_error = refill();
+    }
+    if (isGzipped)
+        m_next.remove(0, offset);
+    return m_error;
 }
 
-// Puts decoded bytes in place of encoded ones, of which it reads more until some come out.
-Error ByteStream::decode()
+double ByteStream::fractionRead() const
+{
+    return m_rawSize > 0 ? std::min(1.0, double(m_rawRead) / double(m_rawSize)) : 0;
+}
+
+Error ByteStream::refill()
+{
+    return m_gzip ? inflatePiece() : readRaw(&m_next);
+}
+
+// Reads encoded bytes until some decoded ones come out.
+Error ByteStream::inflatePiece()
 {
     for (;;) {
-        if (m_next.isEmpty())
-            return m_decoder->isComplete() ? Error() : failure(QStringLiteral("ends within its gzipped data"));
-        const QByteArray encoded = std::exchange(m_next, {});
-        if (const Error error = m_decoder->decode(encoded, &m_next); error.hasError())
-            return failure(error.message());
+        if (const QString problem = m_gzip->inflateInto(&m_next); !problem.isEmpty()) {
+            m_next.clear();
+            return cannotRead(m_name, problem);
+        }
         if (!m_next.isEmpty())
             return {};
-        if (Error error = readRaw(&m_next); error.hasError())
+        QByteArray encoded;
+        if (Error error = readRaw(&encoded); error.hasError())
             return error;
+        if (encoded.isEmpty())
+            return m_gzip->isWithinMember ? cannotRead(m_name, QStringLiteral("it ends within its gzipped data"))
+                                          : Error();
+        m_gzip->take(std::move(encoded));
     }
 }
 
@@ -97,12 +193,8 @@ Error ByteStream::readRaw(QByteArray *piece)
     piece->resize(PIECE_BYTES);
     const qint64 count = m_file.read(piece->data(), PIECE_BYTES);
     piece->resize(std::max(count, qint64{0}));
-    return count < 0 ? failure(QStringLiteral("cannot be read: ") + m_file.errorString()) : Error();
-}
-
-Error ByteStream::failure(const QString &what) const
-{
-    return {Failure, m_name + QStringLiteral(": ") + what};
+    m_rawRead += piece->size();
+    return count < 0 ? cannotRead(m_name, m_file.errorString()) : Error();
 }
 
 } // namespace zav

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "GzipDecoder.h"
-
 #include <zav/Result.h>
 
 #include <QtCore/QByteArray>
@@ -11,40 +9,61 @@
 #include <QtCore/QString>
 
 #include <memory>
-#include <optional>
 
 namespace zav {
 
-/// The bytes of a file or of standard input from first to last, piece by piece. Gzipped content is recognised by its
-/// first bytes and inflated on the way.
+/// What messages call an input: "standard input" for "-", else the path.
+QString inputName(const QString &path);
+
+/// What is said of an input that cannot be read, whoever reads it: "cannot read `name`: `reason`". A reason about the
+/// input itself begins with "it": "it is empty".
+Error cannotRead(const QString &name, const QString &reason);
+
+/// The bytes of a file or of standard input, piece by piece. Gzipped content (RFC 1952, also of several members, as
+/// bgzip writes them) is recognised by its first two bytes, whatever the file's name, and inflated on the way. Holds a
+/// few pieces of 64 KiB.
 class ByteStream
 {
 public:
-    /// "-" is standard input. An error for what cannot be opened, is a folder or is empty.
+    /// "-" is standard input. An error for what cannot be opened, for a folder and for gzip that is damaged at its
+    /// start. A file without content is none.
     static Result<std::unique_ptr<ByteStream>> open(const QString &path);
 
-    /// For messages: the path, or "standard input".
+    ~ByteStream();
+    Q_DISABLE_COPY_MOVE(ByteStream)
+
+    /// For messages, as `inputName` says.
     QString name() const { return m_name; }
 
     /// The bytes that the next `read` gives, without taking them; empty where nothing is left or reading fails.
-    QByteArrayView peek();
+    QByteArrayView peek() const { return m_next; }
 
     /// Puts the next piece into `piece`, empty at the end. The error names the file and comes back on every later call.
     Error read(QByteArray *piece);
 
+    /// Goes to a place in the content, counted in bytes from its start; `read` goes on there. Gzipped content is
+    /// inflated again up to the place. An error for what can be read only once, such as a pipe.
+    Error seek(qint64 offset);
+
+    /// How much of the file was read, within 0 to 1; 0 where its size is unknown.
+    double fractionRead() const;
+
 private:
+    struct Gzip;
+
     explicit ByteStream(const QString &path);
 
     Error start();
     Error refill();
-    Error decode();
+    Error inflatePiece();
     Error readRaw(QByteArray *piece);
-    Error failure(const QString &what) const;
 
     QString m_name;
     QFile m_file;
-    std::optional<GzipDecoder> m_decoder;
-    QByteArray m_next; // what `read` gives next
+    std::unique_ptr<Gzip> m_gzip; // only for gzipped content
+    QByteArray m_next;            // what `read` gives next
+    qint64 m_rawSize = 0;
+    qint64 m_rawRead = 0;
     Error m_error;
 };
 

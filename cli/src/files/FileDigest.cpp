@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FileDigest.h"
 
+#include "ByteStream.h"
 #include "PrintableText.h"
-#include "Sha256.h"
 
 #include <QtCore/QFile>
+
+#include <openssl/evp.h>
 
 #include <algorithm>
 
@@ -15,6 +17,35 @@ namespace {
 constexpr qsizetype READ_AT_ONCE = 1 << 20;
 
 } // namespace
+
+struct Sha256::Private
+{
+    EVP_MD_CTX *context = EVP_MD_CTX_new();
+
+    Private() = default;
+    ~Private() { EVP_MD_CTX_free(context); }
+    Q_DISABLE_COPY_MOVE(Private)
+};
+
+Sha256::Sha256() : d(std::make_unique<Private>())
+{
+    EVP_DigestInit_ex(d->context, EVP_sha256(), nullptr);
+}
+
+Sha256::~Sha256() = default;
+
+void Sha256::add(const char *bytes, qsizetype size)
+{
+    EVP_DigestUpdate(d->context, bytes, static_cast<size_t>(size));
+}
+
+QByteArray Sha256::result()
+{
+    QByteArray digest(EVP_MAX_MD_SIZE, '\0');
+    unsigned size = 0;
+    EVP_DigestFinal_ex(d->context, reinterpret_cast<unsigned char *>(digest.data()), &size);
+    return digest.first(size).toHex();
+}
 
 Result<QByteArray> fileSha256(const QString &path)
 {
@@ -29,7 +60,7 @@ Result<QByteArray> fileSha256(const QString &path)
         hash.add(bytes.constData(), std::max<qint64>(size, 0));
     }
     if (!isFine)
-        return Error(Failure, QStringLiteral("cannot read %1: %2").arg(displayText(path, 300), file.errorString()));
+        return cannotRead(displayText(path, 300), file.errorString());
     return hash.result();
 }
 

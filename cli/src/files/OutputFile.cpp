@@ -75,7 +75,7 @@ QString OutputFile::name() const
 Error OutputFile::flush()
 {
     const QByteArray bytes = std::exchange(m_pending, {});
-    // A disk that becomes full takes a part, without a reason; the attempt at the rest has it.
+    // A disk that becomes full takes a part of the bytes without an error; writing the rest tells the reason.
     for (qsizetype done = 0; done < bytes.size();) {
         const qint64 written = m_file->write(bytes.constData() + done, bytes.size() - done);
         if (written <= 0)

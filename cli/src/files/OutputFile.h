@@ -24,8 +24,7 @@ public:
     /// `path` empty or "-": standard output.
     explicit OutputFile(const QString &path);
     ~OutputFile();
-    OutputFile(const OutputFile &) = delete;
-    OutputFile &operator=(const OutputFile &) = delete;
+    Q_DISABLE_COPY_MOVE(OutputFile)
 
     /// Has to come first and succeed.
     Error open();

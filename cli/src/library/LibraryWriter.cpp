@@ -4,7 +4,6 @@
 #include "FileDigest.h"
 #include "OutputFile.h"
 #include "PrintableText.h"
-#include "Sha256.h"
 #include "SqliteLibrary.h"
 
 #include <QtCore/QFile>

@@ -1,98 +1,78 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PeptideList.h"
 
+#include "LineReader.h"
 #include "PrintableText.h"
-
-#include <QtCore/QFile>
-#include <QtCore/QRegularExpression>
-#include <QtCore/QStringList>
-
-#include <cstdio>
+#include "TableHeading.h"
 
 namespace zav {
 
 namespace {
 
-struct Columns
-{
-    int peptide = 0;
-    int charge = 1;
-};
+// Other columns may be long, such as a list of proteins.
+constexpr qsizetype MAX_LINE_BYTES = 1 << 24;
 
-QStringList splitRow(const QString &line)
-{
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
-    QStringList cells = line.contains(QLatin1Char('\t')) ? line.split(QLatin1Char('\t')) : line.trimmed().split(blanks);
-    for (QString &cell : cells)
-        cell = cell.trimmed();
-    return cells;
-}
+constexpr char PEPTIDE[] = "peptide";
+constexpr char SEQUENCE[] = "sequence";
+constexpr char CHARGE[] = "charge";
 
-bool readHeader(const QStringList &cells, Columns *columns)
+/// Where peptide and charge stand.
+class PeptideColumns
 {
-    Columns found{-1, -1};
-    for (int i = 0; i < cells.size(); ++i) {
-        const QString name = cells[i].toLower();
-        if (found.peptide < 0 && (name == QLatin1String("peptide") || name == QLatin1String("sequence")))
-            found.peptide = i;
-        if (found.charge < 0 && name == QLatin1String("charge"))
-            found.charge = i;
+public:
+    /// Whether `line` is a header; if it is none, the columns are the first two.
+    bool readHeader(QByteArrayView line)
+    {
+        m_heading.look(line, {PEPTIDE, SEQUENCE, CHARGE});
+        const qsizetype peptide = m_heading.column(PEPTIDE);
+        const qsizetype sequence = m_heading.column(SEQUENCE);
+        const bool isSequence = sequence >= 0 && (peptide < 0 || sequence < peptide); // the first of the two counts
+        m_peptide = isSequence ? SEQUENCE : PEPTIDE;
+        const bool isHeader = m_heading.has(m_peptide) && m_heading.has(CHARGE);
+        if (!isHeader) {
+            m_peptide = PEPTIDE;
+            m_heading.assume({PEPTIDE, CHARGE});
+        }
+        return isHeader;
     }
-    if (found.peptide < 0 || found.charge < 0)
-        return false;
-    *columns = found;
-    return true;
-}
 
-PeptideListRow readRow(const QStringList &cells, const Columns &columns, int line)
-{
-    PeptideListRow row;
-    row.line = line;
-    row.precursor.peptide = cells.value(columns.peptide);
-    const QString charge = cells.value(columns.charge);
-    bool isNumber = false;
-    row.precursor.charge = charge.toInt(&isNumber);
-    if (charge.isEmpty())
-        row.problem = QStringLiteral("the charge is missing");
-    else if (!isNumber)
-        row.problem = QStringLiteral("charge '%1' is not a whole number").arg(displayText(charge, 20));
-    return row;
-}
+    PeptideListRow readRow(QByteArrayView line) const
+    {
+        PeptideListRow row;
+        row.precursor.peptide = m_heading.text(line, m_peptide);
+        const QString charge = m_heading.text(line, CHARGE);
+        bool isNumber = false;
+        row.precursor.charge = charge.toInt(&isNumber);
+        if (charge.isEmpty())
+            row.problem = QStringLiteral("the charge is missing");
+        else if (!isNumber)
+            row.problem = QStringLiteral("charge '%1' is not a whole number").arg(displayText(charge, 20));
+        return row;
+    }
+
+private:
+    TableHeading m_heading{TableHeading::TabOrBlanks};
+    const char *m_peptide = PEPTIDE;
+};
 
 } // namespace
 
-Result<QList<PeptideListRow>> readPeptideList(QIODevice &input)
-{
-    QList<PeptideListRow> rows;
-    Columns columns;
-    bool headerIsPossible = true;
-    for (int number = 1;; ++number) {
-        const QByteArray bytes = input.readLine();
-        if (bytes.isEmpty())
-            break;
-        QString line = QString::fromUtf8(bytes);
-        if (number == 1 && line.startsWith(QChar::ByteOrderMark))
-            line.remove(0, 1);
-        if (line.trimmed().isEmpty() || line.startsWith(QLatin1Char('#')))
-            continue;
-        const QStringList cells = splitRow(line);
-        if (!(headerIsPossible && readHeader(cells, &columns)))
-            rows.append(readRow(cells, columns, number));
-        headerIsPossible = false;
-    }
-    return rows;
-}
-
 Result<QList<PeptideListRow>> readPeptideList(const QString &path)
 {
-    const bool isStandardInput = path == QLatin1String("-");
-    QFile file(path);
-    const bool isOpen = isStandardInput ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
-    if (!isOpen)
-        return Error(Failure, QStringLiteral("cannot read %1: %2").arg(displayText(path, 300), file.errorString()));
-    Result<QList<PeptideListRow>> rows = readPeptideList(file);
-    if (file.error() != QFileDevice::NoError)
-        return Error(Failure, QStringLiteral("cannot read %1: %2").arg(displayText(path, 300), file.errorString()));
+    const Result<std::unique_ptr<LineReader>> opened = LineReader::open(path, MAX_LINE_BYTES);
+    if (opened.hasError())
+        return opened.error();
+    LineReader &lines = *opened.value();
+    PeptideColumns columns;
+    QList<PeptideListRow> rows;
+    for (bool mayBeHeader = true; lines.nextContent(); mayBeHeader = false) {
+        if (mayBeHeader && columns.readHeader(lines.line()))
+            continue;
+        rows.append(columns.readRow(lines.line()));
+        rows.last().line = static_cast<int>(lines.number());
+    }
+    if (lines.error().hasError())
+        return lines.error();
     return rows;
 }
 

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ChromatogramSource.h"
 
-#include "ChromatogramJsonLines.h"
-#include "ChromatogramTable.h"
+#include "ChromatogramText.h"
 #include "PrintableText.h"
 #include "mzml/MzMlChromatograms.h"
-#include "mzml/MzMlExtraction.h"
 
 #include <algorithm>
 
@@ -78,8 +76,8 @@ Result<std::unique_ptr<ChromatogramSource>> openAs(Format format, std::unique_pt
         return targets.isEmpty() ? openMzMlChromatograms(std::move(bytes))
                                  : openMzMlExtraction(std::move(bytes), targets);
     if (format == Format::Table)
-        return ChromatogramTable::open(std::move(bytes));
-    return std::unique_ptr<ChromatogramSource>(std::make_unique<ChromatogramJsonLines>(std::move(bytes)));
+        return openChromatogramTable(std::move(bytes));
+    return openChromatogramJsonLines(std::move(bytes));
 }
 
 } // namespace
@@ -93,6 +91,8 @@ Result<std::unique_ptr<ChromatogramSource>> openChromatograms(const Chromatogram
     if (opened.hasError())
         return opened.error();
     std::unique_ptr<ByteStream> bytes = std::move(opened).value();
+    if (bytes->peek().isEmpty())
+        return cannotRead(bytes->name(), QStringLiteral("it is empty"));
     const Format chosen = format ? *format : formatByStart(bytes->peek());
     return openAs(chosen, std::move(bytes), request.targets);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ObservedSpectrumFile.h"
 
+#include "ByteStream.h"
 #include "PrintableText.h"
 #include "SpectrumFile.h"
 
@@ -112,7 +113,7 @@ Result<int> onlySpectrum(SpectrumFile *file, const QString &path)
 Result<int> chooseSpectrum(SpectrumFile *file, const QString &path, const QString &scan)
 {
     if (file->spectrumCount() == 0)
-        return Error(InvalidInput, path + QStringLiteral(": holds no spectrum"));
+        return cannotRead(inputName(path), QStringLiteral("it holds no spectrum"));
     return scan.isEmpty() ? onlySpectrum(file, path) : namedSpectrum(file, path, scan);
 }
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumFile.h"
 
-#include "MgfFile.h"
-#include "PeakTableFile.h"
+#include "PeakText.h"
 #include "mzml/MzMlFile.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace zav {
 
@@ -22,12 +24,23 @@ Result<std::unique_ptr<SpectrumFile>> openSpectrumFile(const QString &path)
     if (endsWithAny(path, {".mzml", ".mzml.gz"}))
         return openMzMlFile(path);
     if (endsWithAny(path, {".mgf"}))
-        return MgfFile::open(path);
+        return openMgfFile(path);
     if (endsWithAny(path, {".tsv", ".txt"}))
-        return PeakTableFile::open(path);
+        return readPeakTable(path);
     return Error(InvalidInput,
                  path +
                      QStringLiteral(": spectra are read from files that end in .mzML, .mzML.gz, .mgf, .tsv or .txt"));
+}
+
+bool isPeak(const QPointF &peak)
+{
+    return std::isfinite(peak.x()) && peak.x() > 0 && std::isfinite(peak.y()) && peak.y() >= 0;
+}
+
+void tidyPeaks(QList<QPointF> *peaks)
+{
+    peaks->removeIf([](const QPointF &peak) { return !(peak.y() > 0); });
+    std::stable_sort(peaks->begin(), peaks->end(), [](const QPointF &a, const QPointF &b) { return a.x() < b.x(); });
 }
 
 } // namespace zav

@@ -5,6 +5,8 @@
 
 #include <zav/Result.h>
 
+#include <QtCore/QList>
+#include <QtCore/QPointF>
 #include <QtCore/QString>
 
 #include <memory>
@@ -40,5 +42,11 @@ public:
 
 /// Opens a file by its ending, as `readObservedSpectrum` describes.
 Result<std::unique_ptr<SpectrumFile>> openSpectrumFile(const QString &path);
+
+/// True for an m/z above 0 and an intensity of 0 or more, both finite.
+bool isPeak(const QPointF &peak);
+
+/// Drops the peaks of intensity 0 and sorts the others by m/z.
+void tidyPeaks(QList<QPointF> *peaks);
 
 } // namespace zav

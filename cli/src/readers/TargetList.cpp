@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TargetList.h"
 
-#include "LineStream.h"
-#include "NumberText.h"
+#include "LineReader.h"
 #include "PrintableText.h"
 #include "TableHeading.h"
 
@@ -42,7 +41,7 @@ public:
         if (m_lines.error().hasError())
             return m_lines.error();
         if (targets.isEmpty())
-            return Error(Failure, m_lines.name() + QStringLiteral(": holds no target (a heading without rows)"));
+            return cannotRead(m_lines.name(), QStringLiteral("it holds no target (a heading without rows)"));
         return targets;
     }
 
@@ -68,12 +67,7 @@ private:
     {
         if (cell(column).isEmpty())
             return {};
-        const std::optional<double> number = finiteNumber(cell(column));
-        if (!number)
-            return m_lines.errorHere(QStringLiteral("%1 '%2' is not a finite number")
-                                         .arg(QLatin1String(column), displayText(QString::fromUtf8(cell(column)))));
-        *out = *number;
-        return {};
+        return m_heading.readNumber(m_lines, column, out);
     }
 
     Error readId(QString *id)
@@ -98,7 +92,7 @@ private:
 
     QByteArrayView cell(const char *column) const { return m_heading.cell(m_lines.line(), column); }
 
-    LineStream m_lines;
+    LineReader m_lines;
     double m_defaultPpm;
     TableHeading m_heading;
     QSet<QString> m_ids;
@@ -108,10 +102,13 @@ private:
 
 Result<QList<ExtractionTarget>> readTargetList(const QString &path, double defaultPpm)
 {
-    Result<std::unique_ptr<ByteStream>> bytes = ByteStream::open(path);
-    if (bytes.hasError())
-        return bytes.error();
-    return TargetReader(std::move(bytes).value(), defaultPpm).read();
+    Result<std::unique_ptr<ByteStream>> opened = ByteStream::open(path);
+    if (opened.hasError())
+        return opened.error();
+    std::unique_ptr<ByteStream> bytes = std::move(opened).value();
+    if (bytes->peek().isEmpty())
+        return cannotRead(bytes->name(), QStringLiteral("it is empty"));
+    return TargetReader(std::move(bytes), defaultPpm).read();
 }
 
 } // namespace zav

@@ -3,19 +3,32 @@
 
 #include <QtCore/QByteArray>
 
+#include <algorithm>
 #include <vector>
 
 namespace zav {
 
 /// Keeps many short texts in few large pieces of memory. The entries of a library are made in one thread and freed in
-/// another, ten thousands at a time; one by one that costs more than their making.
+/// another, ten thousands at a time; allocating and freeing each text by itself costs more than making it.
 class TextArena
 {
 public:
     /// A copy of the text, which is valid as long as the arena, also after that was moved.
-    QByteArray keep(const QByteArray &text);
+    QByteArray keep(const QByteArray &text)
+    {
+        if (m_chunks.empty() || m_chunks.back().capacity() - m_chunks.back().size() < text.size()) {
+            m_chunks.emplace_back();
+            m_chunks.back().reserve(std::max(CHUNK_SIZE, text.size()));
+        }
+        QByteArray &chunk = m_chunks.back();
+        const qsizetype place = chunk.size();
+        chunk.append(text);
+        return QByteArray::fromRawData(chunk.constData() + place, text.size());
+    }
 
 private:
+    static constexpr qsizetype CHUNK_SIZE = 1 << 20;
+
     std::vector<QByteArray> m_chunks;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryWriter.h"
 
-#include "Sha256.h"
+#include "FileDigest.h"
 #include "TemporaryFiles.h"
 
 #include <gtest/gtest.h>

@@ -1,21 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PeptideList.h"
 
-#include <gtest/gtest.h>
-
-#include <QtCore/QBuffer>
+#include "MzMlText.h"
+#include "TemporaryFiles.h"
 
 namespace zav {
 namespace {
 
 QList<PeptideListRow> read(const QByteArray &text)
 {
-    QBuffer buffer;
-    buffer.setData(text);
-    EXPECT_TRUE(buffer.open(QIODevice::ReadOnly));
-    const Result<QList<PeptideListRow>> rows = readPeptideList(buffer);
+    const TemporaryFiles files;
+    const Result<QList<PeptideListRow>> rows = readPeptideList(files.write("list.tsv", text));
     EXPECT_FALSE(rows.hasError());
-    return rows.value();
+    return rows.hasError() ? QList<PeptideListRow>() : rows.value();
 }
 
 /// `line:peptide/charge[!problem]` of every row, a blank between.
@@ -43,6 +40,16 @@ TEST(PeptideList, HeaderIsSkippedAndSaysWhereTheColumnsStand)
 {
     EXPECT_EQ(summary("peptide\tcharge\nPEPTIDE\t2\n"), "2:PEPTIDE/2");
     EXPECT_EQ(summary("protein\tCharge\tSequence\nP1 of\t2\tPEPTIDE\n"), "2:PEPTIDE/2");
+    EXPECT_EQ(summary("charge  peptide\n2 PEPTIDE\n3\tSAMPLER\n"), "2:PEPTIDE/2 3:SAMPLER/3");
+    EXPECT_EQ(summary("charge\tpeptide\tsequence\n2\tAK\tCK\n"), "2:AK/2");
+    EXPECT_EQ(summary("charge\tsequence\tpeptide\n2\tAK\tCK\n"), "2:AK/2");
+}
+
+TEST(PeptideList, HeaderNamesBothColumnsAndComesFirst)
+{
+    EXPECT_EQ(summary("peptide\nPEPTIDE\t2\n"), "1:peptide/0!the charge is missing 2:PEPTIDE/2");
+    EXPECT_EQ(summary("PEPTIDE\t2\npeptide\tcharge\n"),
+              "1:PEPTIDE/2 2:peptide/0!charge 'charge' is not a whole number");
 }
 
 TEST(PeptideList, WindowsLinesReadAsUnixLines)
@@ -75,6 +82,11 @@ TEST(PeptideList, EmptyFileHasNoRows)
 {
     EXPECT_EQ(summary(""), "");
     EXPECT_EQ(summary("peptide\tcharge\n"), "");
+}
+
+TEST(PeptideList, GzippedListIsRead)
+{
+    EXPECT_EQ(summary(gzip("peptide\tcharge\nPEPTIDE\t2\n")), "2:PEPTIDE/2");
 }
 
 TEST(PeptideList, MissingFileIsNamedInTheError)

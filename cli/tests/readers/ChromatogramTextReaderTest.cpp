@@ -82,9 +82,10 @@ TEST_F(ChromatogramText, TableWhoseIdComesBackIsRefusedThere)
 
 TEST_F(ChromatogramText, TableThatIsNoneIsRefused)
 {
-    EXPECT_EQ(read("a.tsv", "").error, "a.tsv: is empty");
-    EXPECT_EQ(read("a.tsv", "\n# only a comment\n").error, "a.tsv: holds no table");
-    EXPECT_EQ(read("a.tsv", "rt\tintensity\n").error, "a.tsv: holds no chromatogram (a heading without rows)");
+    EXPECT_EQ(read("a.tsv", "").error, "cannot read a.tsv: it is empty");
+    EXPECT_EQ(read("a.tsv", "\n# only a comment\n").error, "cannot read a.tsv: it holds no table");
+    EXPECT_EQ(read("a.tsv", "rt\tintensity\n").error,
+              "cannot read a.tsv: it holds no chromatogram (a heading without rows)");
     EXPECT_EQ(read("a.tsv", "rt,intensity\n1,2\n").error,
               "a.tsv, line 1: the heading has no column 'rt' (columns are separated by tabs)");
     EXPECT_EQ(read("a.tsv", "rt\tid\n1\ta\n").error,
@@ -142,8 +143,8 @@ TEST_F(ChromatogramText, JsonLineThatCannotBeUsedBreaksItsTraceAlone)
 
 TEST_F(ChromatogramText, FileThatIsNoJsonLinesIsRefused)
 {
-    EXPECT_EQ(read("a.jsonl", "").error, "a.jsonl: is empty");
-    EXPECT_EQ(read("a.jsonl", "\n\n").error, "a.jsonl: holds no chromatogram");
+    EXPECT_EQ(read("a.jsonl", "").error, "cannot read a.jsonl: it is empty");
+    EXPECT_EQ(read("a.jsonl", "\n\n").error, "cannot read a.jsonl: it holds no chromatogram");
     EXPECT_EQ(read("a.jsonl", "rt\tintensity\n1\t2\n").error, "a.jsonl, line 1: expected a JSON object on the line");
 }
 
@@ -164,13 +165,13 @@ TEST_F(ChromatogramText, GzippedTextIsReadWhereverItIs)
 TEST_F(ChromatogramText, DamagedGzipIsAnErrorOfTheFile)
 {
     const QByteArray whole = gzip("rt\tintensity\n1\t2\n2\t3\n");
-    EXPECT_EQ(read("a.tsv.gz", whole.chopped(12)).error, "a.tsv.gz: ends within its gzipped data");
-    EXPECT_EQ(read("a.tsv.gz", whole.left(2)).error, "a.tsv.gz: ends within its gzipped data");
+    EXPECT_EQ(read("a.tsv.gz", whole.chopped(12)).error, "cannot read a.tsv.gz: it ends within its gzipped data");
+    EXPECT_EQ(read("a.tsv.gz", whole.left(2)).error, "cannot read a.tsv.gz: it ends within its gzipped data");
     QByteArray damaged = whole;
     damaged[damaged.size() - 6] = static_cast<char>(damaged[damaged.size() - 6] + 1); // of its checksum
-    EXPECT_EQ(read("a.tsv.gz", damaged).error, "a.tsv.gz: is damaged gzip: incorrect data check");
+    EXPECT_EQ(read("a.tsv.gz", damaged).error, "cannot read a.tsv.gz: it is damaged gzip: incorrect data check");
     const QByteArray empty = QByteArray::fromHex("1f8b080000000000000303000000000000000000"); // of no bytes
-    EXPECT_EQ(read("a.tsv.gz", empty).error, "a.tsv.gz: is empty");
+    EXPECT_EQ(read("a.tsv.gz", empty).error, "cannot read a.tsv.gz: it is empty");
 }
 
 TEST_F(ChromatogramText, RequestThatNoFileCanSatisfyIsInvalidInput)
@@ -180,8 +181,8 @@ TEST_F(ChromatogramText, RequestThatNoFileCanSatisfyIsInvalidInput)
     EXPECT_EQ(code({files.path("a.tsv"), "csv", {}}), InvalidInput);
     EXPECT_EQ(code({files.write("a.tsv", "rt\tintensity\n1\t2\n"), {}, {{"t", 500, 10}}}), InvalidInput);
     EXPECT_EQ(TraceList::read(files, {files.path("no.tsv"), {}, {}}).error,
-              "no.tsv: cannot be read: No such file or directory");
-    EXPECT_EQ(TraceList::read(files, {files.path(""), "tsv", {}}).error, ": is a folder");
+              "cannot read no.tsv: No such file or directory");
+    EXPECT_EQ(TraceList::read(files, {files.path(""), "tsv", {}}).error, "cannot read : it is a folder");
     EXPECT_EQ(TraceList::read(files, {files.write("a.dat", "rt\tintensity\n1\t2\n"), "tsv", {}}).outcomes.size(), 1);
 }
 
@@ -197,7 +198,7 @@ TEST_F(ChromatogramText, StandardInputTellsItsFormatByItsStart)
               "standard input, line 1: the heading has no column 'rt' (columns are separated by tabs)");
     EXPECT_EQ(readStandardInput("rt\tintensity\n1\tx\n").summary(files).front(),
               "standard input, line 2: intensity 'x' is not a finite number");
-    EXPECT_EQ(readStandardInput("").error, "standard input: is empty");
+    EXPECT_EQ(readStandardInput("").error, "cannot read standard input: it is empty");
 }
 
 } // namespace

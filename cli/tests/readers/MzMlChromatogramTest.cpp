@@ -244,29 +244,33 @@ TEST_F(MzMlChromatograms, FileThatEndsTooEarlyGivesItsWholeTracesAndAnError)
     const QByteArray whole = mzMlDocument(threeTraces());
     const TraceList within = read(whole.left(whole.indexOf("id=\"c\"") + 100));
     EXPECT_EQ(within.summary(files), (Strings{"a", "b"}));
-    EXPECT_EQ(within.error, "a.mzML: ends within chromatogram 'c'");
+    EXPECT_EQ(within.error, "cannot read a.mzML: it ends within chromatogram 'c'");
     const TraceList behind = read(whole.left(whole.indexOf("</run>")));
     EXPECT_EQ(behind.summary(files), (Strings{"a", "b", "c"}));
-    EXPECT_EQ(behind.error, "a.mzML: is cut short: it ends within <run>");
-    EXPECT_EQ(read(whole.left(whole.indexOf("<cvList"))).error, "a.mzML: is cut short: it ends within <mzML>");
-    EXPECT_EQ(read(gzip(whole).chopped(20), "a.mzML.gz").error, "a.mzML.gz: ends within its gzipped data");
+    EXPECT_EQ(behind.error, "cannot read a.mzML: it is cut short: it ends within <run>");
+    EXPECT_EQ(read(whole.left(whole.indexOf("<cvList"))).error,
+              "cannot read a.mzML: it is cut short: it ends within <mzML>");
+    EXPECT_EQ(read(gzip(whole).chopped(20), "a.mzML.gz").error,
+              "cannot read a.mzML.gz: it ends within its gzipped data");
 }
 
 TEST_F(MzMlChromatograms, FileThatIsNoMzMlIsRefused)
 {
-    EXPECT_EQ(read("").error, "a.mzML: is empty");
-    EXPECT_EQ(read("hello\n").error, "a.mzML: is not mzML: it holds no XML element");
+    EXPECT_EQ(read("").error, "cannot read a.mzML: it is empty");
+    EXPECT_EQ(read("hello\n").error, "cannot read a.mzML: it is not mzML: it holds no XML element");
     EXPECT_EQ(read("<?xml version=\"1.0\"?><mzXML><msRun/></mzXML>").error,
-              "a.mzML: is not mzML: its outermost element is <mzXML>");
+              "cannot read a.mzML: it is not mzML: its outermost element is <mzXML>");
     EXPECT_EQ(read("<mzML><run></chromatogramList></run></mzML>").error,
-              "a.mzML: is damaged: </chromatogramList> closes nothing that is open");
-    EXPECT_EQ(read("<mzML " + QByteArray(3 << 20, 'x')).error, "a.mzML: is not XML: a tag has no end");
+              "cannot read a.mzML: it is damaged: </chromatogramList> closes nothing that is open");
+    EXPECT_EQ(read("<mzML " + QByteArray(3 << 20, 'x')).error, "cannot read a.mzML: it is not XML: a tag has no end");
     EXPECT_EQ(read("<mzML>" + QByteArray("<a>").repeated(200)).error,
-              "a.mzML: is not mzML: its elements nest too deeply");
-    EXPECT_EQ(read(QByteArray("\xFF\xFE<\0m\0", 6)).error, "a.mzML: is UTF-16; only UTF-8 and Latin-1 are read");
-    EXPECT_EQ(read(mzMlDocument("")).error, "a.mzML: holds no chromatogram");
-    EXPECT_EQ(read(mzMlDocument("<spectrumList count=\"2\"></spectrumList>")).error,
-              "a.mzML: holds no chromatogram; name an m/z to extract chromatograms from its MS1 spectra");
+              "cannot read a.mzML: it is not mzML: its elements nest too deeply");
+    EXPECT_EQ(read(QByteArray("\xFF\xFE<\0m\0", 6)).error,
+              "cannot read a.mzML: it is UTF-16; only UTF-8 and Latin-1 are read");
+    EXPECT_EQ(read(mzMlDocument("")).error, "cannot read a.mzML: it holds no chromatogram");
+    EXPECT_EQ(
+        read(mzMlDocument("<spectrumList count=\"2\"></spectrumList>")).error,
+        "cannot read a.mzML: it holds no chromatogram; name an m/z to extract chromatograms from its MS1 spectra");
 }
 
 } // namespace

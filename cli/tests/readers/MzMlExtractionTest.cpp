@@ -122,8 +122,8 @@ TEST_F(MzMlExtraction, CountIsThatOfTheTargets)
 
 TEST_F(MzMlExtraction, FileWithoutMs1SpectraIsAnError)
 {
-    EXPECT_EQ(extract(run({SPECTRA[1]}), {{"t", 500}}).error, "a.mzML: holds no MS1 spectrum");
-    EXPECT_EQ(extract(mzMlDocument(""), {{"t", 500}}).error, "a.mzML: holds no MS1 spectrum");
+    EXPECT_EQ(extract(run({SPECTRA[1]}), {{"t", 500}}).error, "cannot read a.mzML: it holds no MS1 spectrum");
+    EXPECT_EQ(extract(mzMlDocument(""), {{"t", 500}}).error, "cannot read a.mzML: it holds no MS1 spectrum");
 }
 
 TEST_F(MzMlExtraction, Ms1SpectrumThatCannotBeUsedIsAnErrorOfTheFile)
@@ -142,7 +142,7 @@ TEST_F(MzMlExtraction, Ms1SpectrumThatCannotBeUsedIsAnErrorOfTheFile)
               "a.mzML: spectrum 'scan=2': expected array of size 2, but decoded array is actually size 1");
     const QByteArray whole = run(SPECTRA);
     EXPECT_EQ(extract(whole.left(whole.indexOf("scan=4") + 300), {{"t", 500}}).error,
-              "a.mzML: ends within spectrum 'scan=4'");
+              "cannot read a.mzML: it ends within spectrum 'scan=4'");
     EXPECT_EQ(extract(QByteArray(whole).replace("MS:1000514", "MS:1000516"), {{"t", 500}}).error,
               "a.mzML: spectrum 'scan=1': it has no m/z or no intensity array");
 }

@@ -110,15 +110,15 @@ TEST_F(MzMlReader, ScanThatCannotBeUsedIsRefused)
 TEST_F(MzMlReader, DamagedFilesAreErrorsThatNameTheFile)
 {
     const QByteArray whole = mzMl({{"scan=7"}});
-    EXPECT_EQ(message(read("")), "a.mzML: is empty");
+    EXPECT_EQ(message(read("")), "cannot read a.mzML: it is empty");
     EXPECT_EQ(message(readObservedSpectrum(files.path("no.mzML"), {})),
-              "no.mzML: cannot be read: No such file or directory");
+              "cannot read no.mzML: No such file or directory");
     for (const QByteArray &content : {QByteArray("hello\n"), whole.left(whole.size() / 2), whole.left(200),
                                       QByteArray(whole).replace("<spectrum index", "<broken<spectrum index"),
                                       QByteArray(whole).replace("</spectrum>", "</spectre>")}) {
         const auto spectrum = read(content);
         EXPECT_TRUE(spectrum.error().equals(Failure)) << content.toStdString();
-        EXPECT_TRUE(message(spectrum).starts_with("a.mzML: is not mzML that can be read")) << message(spectrum);
+        EXPECT_TRUE(message(spectrum).starts_with("cannot read a.mzML: it is not valid mzML: ")) << message(spectrum);
     }
     EXPECT_TRUE(read(gzip(whole).left(150), {}, "a.mzML.gz").hasError());
 }
@@ -132,7 +132,8 @@ TEST_F(MzMlReader, DamagedPeaksAreErrorsThatNameTheSpectrum)
     EXPECT_TRUE(read(mzMl({{"scan=7", 2, {100, 200}, {1}}})).hasError());
     QByteArray damaged = mzMl({{"scan=7", 2, {100.5, 200.25}, {20, 1000}, true}});
     damaged.insert(damaged.indexOf("<binary>") + 12, "!!!!");
-    EXPECT_TRUE(message(read(damaged)).starts_with("a.mzML: is not mzML that can be read")) << message(read(damaged));
+    EXPECT_TRUE(message(read(damaged)).starts_with("cannot read a.mzML: it is not valid mzML: "))
+        << message(read(damaged));
 }
 
 TEST_F(MzMlReader, WrongIndexOffsetDoesNotCrash)
@@ -143,7 +144,7 @@ TEST_F(MzMlReader, WrongIndexOffsetDoesNotCrash)
              {indexedMzMl(mzMl({{"scan=7"}}), index, offset), indexedMzMl(mzMl({{"scan=7"}}), index)}) {
             const auto spectrum = read(content);
             if (spectrum.hasError())
-                EXPECT_TRUE(message(spectrum).starts_with("a.mzML: ")) << message(spectrum);
+                EXPECT_TRUE(message(spectrum).starts_with("cannot read a.mzML: ")) << message(spectrum);
             else
                 EXPECT_EQ(spectrum.value().peaks, TWO_PEAKS);
         }
@@ -153,7 +154,7 @@ TEST_F(MzMlReader, WrongIndexOffsetDoesNotCrash)
 TEST_F(MzMlReader, FileOfChromatogramsAloneHoldsNoSpectrum)
 {
     const QByteArray index = "<index name=\"chromatogram\"><offset idRef=\"TIC\">300</offset></index>";
-    EXPECT_EQ(message(read(indexedMzMl(mzMl({}), index))), "a.mzML: holds no spectrum");
+    EXPECT_EQ(message(read(indexedMzMl(mzMl({}), index))), "cannot read a.mzML: it holds no spectrum");
 }
 
 // A measured file. What is expected stands in the file's own metadata, written by the instrument's software.

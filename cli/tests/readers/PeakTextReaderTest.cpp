@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Measured spectra from MGF files and plain tables.
+#include "MzMlText.h"
 #include "ObservedSpectrumFile.h"
 #include "TemporaryFiles.h"
 
@@ -65,20 +66,18 @@ TEST_F(PeakTextReader, ValuesThatAreNoPeakAreRefused)
 
 TEST_F(PeakTextReader, EmptyTableIsAnError)
 {
-    EXPECT_EQ(message(read("a.tsv", "")), "a.tsv: holds no peaks");
-    EXPECT_EQ(message(read("a.tsv", "m/z\tintensity\n")), "a.tsv: holds no peaks");
+    EXPECT_EQ(message(read("a.tsv", "")), "cannot read a.tsv: it holds no peaks");
+    EXPECT_EQ(message(read("a.tsv", "m/z\tintensity\n")), "cannot read a.tsv: it holds no peaks");
 }
 
 TEST_F(PeakTextReader, FileThatIsNoTextIsRefusedWithoutReadingItWhole)
 {
-    EXPECT_EQ(message(read("a.tsv", QByteArray(1 << 20, '\1'))),
-              "a.tsv, line 1: the line is too long for a text file of peaks");
+    EXPECT_EQ(message(read("a.tsv", QByteArray(1 << 20, '\1'))), "a.tsv, line 1: the line is longer than 65536 bytes");
 }
 
 TEST_F(PeakTextReader, MissingFileFolderAndUnknownEndingAreErrors)
 {
-    EXPECT_EQ(message(readObservedSpectrum(files.path("no.mgf"), {})),
-              "no.mgf: cannot be read: No such file or directory");
+    EXPECT_EQ(message(readObservedSpectrum(files.path("no.mgf"), {})), "cannot read no.mgf: No such file or directory");
     EXPECT_TRUE(readObservedSpectrum(files.path("no.mgf"), {}).error().equals(Failure));
     EXPECT_EQ(message(readObservedSpectrum(files.path("."), {})),
               ".: spectra are read from files that end in .mzML, .mzML.gz, .mgf, .tsv or .txt");
@@ -86,7 +85,7 @@ TEST_F(PeakTextReader, MissingFileFolderAndUnknownEndingAreErrors)
     EXPECT_EQ(message(raw), "a.raw: spectra are read from files that end in .mzML, .mzML.gz, .mgf, .tsv or .txt");
     EXPECT_TRUE(raw.error().equals(InvalidInput));
     QDir(files.path(QString())).mkdir("folder.mgf");
-    EXPECT_EQ(message(readObservedSpectrum(files.path("folder.mgf"), {})), "folder.mgf: is a folder");
+    EXPECT_EQ(message(readObservedSpectrum(files.path("folder.mgf"), {})), "cannot read folder.mgf: it is a folder");
 }
 
 const QByteArray ONE_SPECTRUM = "# search: none\nCOM=a run\nCHARGE=2+ and 3+\n\n"
@@ -120,6 +119,12 @@ TEST_F(PeakTextReader, ScanIsFoundByTitleScanNumberAndIndex)
         EXPECT_EQ(spectrum.value().title, "c");
         EXPECT_EQ(spectrum.value().peaks.size(), 2);
     }
+}
+
+TEST_F(PeakTextReader, GzippedContentIsReadTheSame)
+{
+    EXPECT_EQ(read("a.mgf", gzip(THREE_SPECTRA), "b").value().peaks, (QList<QPointF>{{2, 1}}));
+    EXPECT_EQ(read("a.tsv", gzip("100.5 20\n200.25 1000\n")).value().peaks, TWO_PEAKS);
 }
 
 TEST_F(PeakTextReader, WithoutScanNumbersANumberIsTheIndexFromZero)
@@ -156,8 +161,8 @@ TEST_F(PeakTextReader, SurveySpectrumAndAmbiguousScanAreRefused)
 
 TEST_F(PeakTextReader, DamagedMgfNamesTheLine)
 {
-    EXPECT_EQ(message(read("a.mgf", "hello\n")), "a.mgf: holds no spectrum (no line BEGIN IONS)");
-    EXPECT_EQ(message(read("a.mgf", "")), "a.mgf: holds no spectrum (no line BEGIN IONS)");
+    EXPECT_EQ(message(read("a.mgf", "hello\n")), "cannot read a.mgf: it holds no spectrum (no line BEGIN IONS)");
+    EXPECT_EQ(message(read("a.mgf", "")), "cannot read a.mgf: it holds no spectrum (no line BEGIN IONS)");
     EXPECT_EQ(message(read("a.mgf", "BEGIN IONS\n1 2\n")),
               "a.mgf, line 2: the file ends within a spectrum (no END IONS)");
     EXPECT_EQ(message(read("a.mgf", "BEGIN IONS\n1 2\nBEGIN IONS\n1 2\nEND IONS\n")),

@@ -53,8 +53,8 @@ TEST_F(TargetLists, EveryColumnIsReadWhateverTheOrder)
 
 TEST_F(TargetLists, WhatIsNoTargetIsRefusedWithItsLine)
 {
-    EXPECT_EQ(message(""), "t.tsv: is empty");
-    EXPECT_EQ(message("mz\n"), "t.tsv: holds no target (a heading without rows)");
+    EXPECT_EQ(message(""), "cannot read t.tsv: it is empty");
+    EXPECT_EQ(message("mz\n"), "cannot read t.tsv: it holds no target (a heading without rows)");
     EXPECT_EQ(message("id\tm/z\nx\t5\n"),
               "t.tsv, line 1: the heading has no column 'mz' (columns are separated by tabs)");
     EXPECT_EQ(message("mz\tid\n500\ta\n\tb\n"), "t.tsv, line 3: the row has no mz");

@@ -1,12 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "GzipLineReader.h"
+#include "LineReader.h"
 #include "ProteinTable.h"
 
 namespace zav {
 
-/// Reads a FASTA file protein by protein, plain or compressed with gzip.
+/// Reads what a header line of a FASTA file says, without its '>'.
+///
+/// UniProtKB's form (https://www.uniprot.org/help/fasta-headers), `sp|P02768|ALBU_HUMAN Albumin OS=... GN=ALB PE=1`,
+/// gives accession and entry name. Of every other header the first word is the accession. ` GN=` names the gene in
+/// either; it ends before the next field (two capital letters and '='). The accession is empty where the header has no
+/// word.
+Protein readFastaHeader(QByteArrayView header);
+
+/// The same for an identifier alone, `sp|P02768|ALBU_HUMAN` or `P02768`, which is not split at blanks.
+Protein readProteinIdentifier(const QString &identifier);
+
+/// Reads a FASTA file protein by protein, plain or gzipped; "-" is standard input.
 ///
 /// Sequences are turned into upper case; blanks in them, empty lines and lines that begin with ';' or '#' are passed
 /// over, and the stop signs '*' at a sequence's end are dropped. What is neither a letter nor '*' nor '-' in a
@@ -15,7 +26,7 @@ namespace zav {
 class FastaReader
 {
 public:
-    explicit FastaReader(const QString &path) : m_lines(path) {}
+    explicit FastaReader(const QString &path) : m_path(path) {}
 
     /// Has to come first and succeed.
     Error open();
@@ -26,8 +37,8 @@ public:
     const Protein &protein() const { return m_protein; }
     QByteArrayView sequence() const { return m_sequence; } ///< valid until the next call of `next`; may be empty
     Error error() const { return m_error; }                ///< why `next` stopped; no error at the end of the file
-    QString name() const { return m_lines.name(); }        ///< what messages call the file
-    double fractionRead() const { return m_lines.fractionRead(); }
+    QString name() const { return inputName(m_path); }     ///< what messages call the file
+    double fractionRead() const { return m_lines->fractionRead(); }
 
 private:
     bool findHeader();
@@ -35,8 +46,9 @@ private:
     bool appendResidues(QByteArrayView line);
     bool fail(const Error &error);
 
-    GzipLineReader m_lines;
-    bool m_isAtHeader = false; // the reader stands on the header of the next protein
+    QString m_path;
+    std::unique_ptr<LineReader> m_lines; // from `open` on
+    bool m_isAtHeader = false;           // the reader stands on the header of the next protein
     Protein m_protein;
     QByteArray m_sequence;
     Error m_error;

@@ -76,7 +76,7 @@ Result<DigestedPeptides> digestFasta(const QString &path, const PeptideRequest &
     if (fasta.error().hasError())
         return fasta.error();
     if (collector.counts().proteins == 0)
-        return Error(Failure, QStringLiteral("%1 holds no protein (no line that begins with '>')").arg(fasta.name()));
+        return cannotRead(fasta.name(), QStringLiteral("it holds no protein (no line that begins with '>')"));
     return collector.finish();
 }
 

@@ -1,14 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PeptideTableReader.h"
 
-#include "FastaHeader.h"
+#include "FastaReader.h"
 
-#include <algorithm>
+#include <QtCore/QStringList>
+
 #include <utility>
 
 namespace zav {
 
 namespace {
+
+constexpr qsizetype MAX_LINE_BYTES = 1 << 24;
+
+constexpr char PEPTIDE[] = "peptide";
+constexpr char SEQUENCE[] = "sequence";
+constexpr char PROTEIN[] = "protein";
+constexpr char GENE[] = "gene";
+constexpr char CHARGE[] = "charge";
 
 QStringList trimmedParts(const QString &text, QChar separator)
 {
@@ -16,14 +25,6 @@ QStringList trimmedParts(const QString &text, QChar separator)
     for (QString &part : parts)
         part = part.trimmed();
     return parts;
-}
-
-qsizetype columnNamed(const QStringList &cells, const char *name)
-{
-    const auto cell = std::find_if(cells.begin(), cells.end(), [name](const QString &candidate) {
-        return candidate.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
-    });
-    return cell == cells.end() ? -1 : cell - cells.begin();
 }
 
 QString firstWord(const QString &line)
@@ -35,47 +36,46 @@ QString firstWord(const QString &line)
 
 Error PeptideTableReader::open()
 {
-    return m_lines.open();
+    Result<std::unique_ptr<LineReader>> lines = LineReader::open(m_path, MAX_LINE_BYTES);
+    if (lines.hasError())
+        return lines.error();
+    m_lines = std::move(lines).value();
+    return {};
 }
 
 bool PeptideTableReader::next()
 {
     m_peptide.clear();
     m_proteins.clear();
-    while (!m_error.hasError() && m_lines.next()) {
-        const QString line = QString::fromUtf8(m_lines.line());
-        if (line.trimmed().isEmpty() || line.startsWith(QLatin1Char('#')))
-            continue;
-        const bool isHeader = std::exchange(m_isFirstLine, false) && readHeader(trimmedParts(line, QLatin1Char('\t')));
+    while (!m_error.hasError() && m_lines->nextContent()) {
+        const QByteArrayView line = m_lines->line();
+        const bool isHeader = std::exchange(m_isFirstLine, false) && readHeader(line);
         if (!isHeader && !m_error.hasError())
             return readRow(line);
     }
-    return m_error.hasError() || !m_lines.error().hasError() ? false : fail(m_lines.error());
+    return m_error.hasError() || !m_lines->error().hasError() ? false : fail(m_lines->error());
 }
 
-bool PeptideTableReader::readHeader(const QStringList &cells)
+bool PeptideTableReader::readHeader(QByteArrayView line)
 {
-    m_peptideColumn = columnNamed(cells, "peptide");
-    if (m_peptideColumn < 0)
-        m_peptideColumn = columnNamed(cells, "sequence");
-    m_proteinColumn = columnNamed(cells, "protein");
-    m_geneColumn = columnNamed(cells, "gene");
-    const bool namesMore = m_proteinColumn >= 0 || m_geneColumn >= 0 || columnNamed(cells, "charge") >= 0;
-    m_isTable = m_peptideColumn >= 0 && (namesMore || cells[m_peptideColumn] != QLatin1String("PEPTIDE"));
-    if (!m_isTable && m_proteinColumn >= 0)
-        return fail(m_lines.errorHere(QStringLiteral("the header names no column 'peptide'")));
+    m_heading.look(line, {PEPTIDE, SEQUENCE, PROTEIN, GENE, CHARGE});
+    m_peptideColumn = m_heading.has(PEPTIDE) ? PEPTIDE : SEQUENCE;
+    const bool namesMore = m_heading.has(PROTEIN) || m_heading.has(GENE) || m_heading.has(CHARGE);
+    m_isTable = m_heading.has(m_peptideColumn) &&
+                (namesMore || m_heading.text(line, m_peptideColumn) != QLatin1String("PEPTIDE"));
+    if (!m_isTable && m_heading.has(PROTEIN))
+        return fail(m_lines->errorHere(QStringLiteral("the header names no column 'peptide'")));
     return m_isTable;
 }
 
-bool PeptideTableReader::readRow(const QString &line)
+bool PeptideTableReader::readRow(QByteArrayView line)
 {
     if (!m_isTable) {
-        m_peptide = firstWord(line).toUtf8().toUpper();
+        m_peptide = firstWord(QString::fromUtf8(line)).toUtf8().toUpper();
         return true;
     }
-    const QStringList cells = trimmedParts(line, QLatin1Char('\t'));
-    m_peptide = cells.value(m_peptideColumn).toUtf8().toUpper();
-    return readProteins(cells.value(m_proteinColumn), cells.value(m_geneColumn));
+    m_peptide = m_heading.text(line, m_peptideColumn).toUtf8().toUpper();
+    return readProteins(m_heading.text(line, PROTEIN), m_heading.text(line, GENE));
 }
 
 bool PeptideTableReader::readProteins(const QString &proteins, const QString &genes)
@@ -85,9 +85,9 @@ bool PeptideTableReader::readProteins(const QString &proteins, const QString &ge
     const QStringList identifiers = trimmedParts(proteins, QLatin1Char(';'));
     const QStringList geneNames = trimmedParts(genes, QLatin1Char(';'));
     if (geneNames.size() != 1 && geneNames.size() != identifiers.size())
-        return fail(m_lines.errorHere(QStringLiteral("%1 proteins and %2 genes cannot be told to each other")
-                                          .arg(identifiers.size())
-                                          .arg(geneNames.size())));
+        return fail(m_lines->errorHere(QStringLiteral("%1 proteins and %2 genes cannot be told to each other")
+                                           .arg(identifiers.size())
+                                           .arg(geneNames.size())));
     for (qsizetype i = 0; i < identifiers.size(); ++i) {
         if (identifiers[i].isEmpty())
             continue;

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "GzipLineReader.h"
+#include "LineReader.h"
 #include "ProteinTable.h"
+#include "TableHeading.h"
 
 #include <QtCore/QList>
-#include <QtCore/QStringList>
 
 namespace zav {
 
-/// Reads a list of peptides for a library, plain or compressed with gzip: one a line, or a table with tabs whose first
+/// Reads a list of peptides for a library, plain or gzipped: one a line, or a table with tabs whose first
 /// line names its columns, in any case: `peptide` (or `sequence`), and where they are there `protein` and `gene`.
 /// Without such a line the peptide is what stands before the first tab or blank, and the rest of the line is ignored.
 /// A first line `PEPTIDE` in capitals is a peptide, unless it names `protein`, `gene` or `charge` as well.
@@ -21,7 +21,7 @@ namespace zav {
 class PeptideTableReader
 {
 public:
-    explicit PeptideTableReader(const QString &path) : m_lines(path) {}
+    explicit PeptideTableReader(const QString &path) : m_path(path) {}
 
     /// Has to come first and succeed.
     Error open();
@@ -33,20 +33,20 @@ public:
     QByteArray peptide() const { return m_peptide; }              ///< in upper case, whatever it consists of
     const QList<Protein> &proteins() const { return m_proteins; } ///< in the order of the row
     Error error() const { return m_error; } ///< why `next` stopped; no error at the end of the file
-    double fractionRead() const { return m_lines.fractionRead(); }
+    double fractionRead() const { return m_lines->fractionRead(); }
 
 private:
-    bool readHeader(const QStringList &cells);
-    bool readRow(const QString &line);
+    bool readHeader(QByteArrayView line);
+    bool readRow(QByteArrayView line);
     bool readProteins(const QString &proteins, const QString &genes);
     bool fail(const Error &error);
 
-    GzipLineReader m_lines;
+    QString m_path;
+    std::unique_ptr<LineReader> m_lines; // from `open` on
     bool m_isFirstLine = true;
     bool m_isTable = false;
-    qsizetype m_peptideColumn = -1;
-    qsizetype m_proteinColumn = -1;
-    qsizetype m_geneColumn = -1;
+    TableHeading m_heading;
+    const char *m_peptideColumn = nullptr; // the name that it has in this table
     QByteArray m_peptide;
     QList<Protein> m_proteins;
     Error m_error;

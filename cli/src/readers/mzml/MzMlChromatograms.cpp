@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MzMlChromatograms.h"
 
-#include "MzMlArrays.h"
 #include "MzMlElements.h"
 #include "PrintableText.h"
 #include "ProteoWizard.h"
@@ -95,8 +94,8 @@ private:
     Error noChromatogram() const
     {
         const QString hint = QStringLiteral("; name an m/z to extract chromatograms from its MS1 spectra");
-        return {Failure, m_elements.name() + QStringLiteral(": holds no chromatogram") +
-                             (m_elements.declaredSpectra() > 0 ? hint : QString())};
+        return cannotRead(m_elements.name(), QStringLiteral("it holds no chromatogram") +
+                                                 (m_elements.declaredSpectra() > 0 ? hint : QString()));
     }
 
     static constexpr int MAX_ID_LENGTH = 120; // native ids name transition, sample, period and more

@@ -10,8 +10,12 @@ namespace zav {
 /// this function, their exceptions too; each chromatogram is given to them alone, so that a damaged one spoils no
 /// other.
 ///
-/// Fails for a file that holds none, with a word on its spectra. A build without ProteoWizard (libpwizlite) returns
-/// `Failure` with a message that says so.
+/// Fails for a file that holds none; if it holds spectra, the message says that chromatograms can be extracted.
 Result<std::unique_ptr<ChromatogramSource>> openMzMlChromatograms(std::unique_ptr<ByteStream> bytes);
+
+/// Chromatograms that are extracted from the MS1 spectra of an mzML file, as `openChromatograms` describes them. A
+/// damaged MS1 spectrum is an error of the file: every trace would have a hole there.
+Result<std::unique_ptr<ChromatogramSource>> openMzMlExtraction(std::unique_ptr<ByteStream> bytes,
+                                                               const QList<ExtractionTarget> &targets);
 
 } // namespace zav

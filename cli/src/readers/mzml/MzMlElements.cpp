@@ -2,7 +2,6 @@
 #include "MzMlElements.h"
 
 #include "PrintableText.h"
-#include "XmlText.h"
 
 #include <algorithm>
 #include <utility>
@@ -32,8 +31,8 @@ void append(QByteArrayView bytes, std::string *out)
     out->append(bytes.data(), static_cast<std::size_t>(bytes.size()));
 }
 
-// ProteoWizard reads past the end of its copy of a reference such as `&#55;`: it shall see none. Nothing that is asked
-// of it, numbers and accessions, is written so; ids are read here.
+// ProteoWizard reads past the end of its copy of a reference such as `&#55;`, so it gets none. The numbers and
+// accessions that it decodes are never written so; ids are read here.
 void maskCharacterReferences(std::string *text)
 {
     for (std::size_t at = text->find("&#"); at != std::string::npos; at = text->find("&#", at))
@@ -86,10 +85,10 @@ Error MzMlElements::step()
 Error MzMlElements::open(const QByteArray &tagName)
 {
     if (m_open.empty() && tagName != "mzML" && tagName != "indexedmzML")
-        return m_tags.errorHere(
-            QStringLiteral("is not mzML: its outermost element is <%1>").arg(displayText(QString::fromUtf8(tagName))));
+        return m_tags.failure(QStringLiteral("it is not mzML: its outermost element is <%1>")
+                                  .arg(displayText(QString::fromUtf8(tagName))));
     if (m_open.size() >= MAX_DEPTH)
-        return m_tags.errorHere(QStringLiteral("is not mzML: its elements nest too deeply"));
+        return m_tags.failure(QStringLiteral("it is not mzML: its elements nest too deeply"));
     m_open.push_back(tagName);
     return {};
 }
@@ -97,8 +96,8 @@ Error MzMlElements::open(const QByteArray &tagName)
 Error MzMlElements::close(const QByteArray &tagName)
 {
     if (m_open.empty() || m_open.back() != tagName)
-        return m_tags.errorHere(QStringLiteral("is damaged: </%1> closes nothing that is open")
-                                    .arg(displayText(QString::fromUtf8(tagName))));
+        return m_tags.failure(QStringLiteral("it is damaged: </%1> closes nothing that is open")
+                                  .arg(displayText(QString::fromUtf8(tagName))));
     m_open.pop_back();
     m_isDone = tagName == "mzML";
     return {};
@@ -145,8 +144,8 @@ Error MzMlElements::readContent(MzMlElement *element)
     }
     if (m_tags.error().hasError())
         return m_tags.error();
-    return m_tags.errorHere(
-        QStringLiteral("ends within %1 '%2'").arg(QString::fromUtf8(m_element), displayText(element->id)));
+    return m_tags.failure(
+        QStringLiteral("it ends within %1 '%2'").arg(QString::fromUtf8(m_element), displayText(element->id)));
 }
 
 // Whether a tag can only stand behind the element that is being read.
@@ -197,8 +196,8 @@ Error MzMlElements::endOfFile() const
     if (m_tags.error().hasError())
         return m_tags.error();
     if (m_open.empty())
-        return m_tags.errorHere(QStringLiteral("is not mzML: it holds no XML element"));
-    return m_tags.errorHere(QStringLiteral("is cut short: it ends within <%1>").arg(QString::fromUtf8(m_open.back())));
+        return m_tags.failure(QStringLiteral("it is not mzML: it holds no XML element"));
+    return m_tags.failure(QStringLiteral("it is cut short: it ends within <%1>").arg(QString::fromUtf8(m_open.back())));
 }
 
 } // namespace zav

@@ -26,8 +26,8 @@ struct MzMlElement
 /// The file's index is not read, so that a wrong or missing one does no harm, nor is what stands behind `</mzML>`.
 ///
 /// In the text, references to parameter groups are replaced by the groups' parameters. Outside of the data arrays only
-/// the parameters stay that readers need (MS level, start time): decoders refuse those that are younger than their copy
-/// of the ontology. The `&` of character references is written out (`&amp;#55;`).
+/// the parameters that readers need stay (MS level, start time): decoders refuse parameters that their copy of the
+/// ontology lacks. The `&` of character references is written out (`&amp;#55;`).
 class MzMlElements
 {
 public:

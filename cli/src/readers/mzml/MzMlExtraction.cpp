@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MzMlExtraction.h"
+#include "MzMlChromatograms.h"
 
-#include "ExtractedTraces.h"
-#include "MzMlArrays.h"
 #include "MzMlElements.h"
 #include "PrintableText.h"
 #include "ProteoWizard.h"
@@ -11,13 +9,83 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <sstream>
+#include <utility>
 
 namespace zav {
 
 namespace {
 
 using pwiz::msdata::Spectrum;
+
+constexpr double PARTS_PER_MILLION = 1e6;
+
+std::vector<double> reordered(const std::vector<double> &values, const std::vector<std::size_t> &order)
+{
+    std::vector<double> out(values.size());
+    std::transform(order.begin(), order.end(), out.begin(), [&](std::size_t i) { return values[i]; });
+    return out;
+}
+
+void sortByMz(std::vector<double> *mzs, std::vector<double> *intensities)
+{
+    if (std::is_sorted(mzs->begin(), mzs->end()))
+        return;
+    std::vector<std::size_t> order(mzs->size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return (*mzs)[a] < (*mzs)[b]; });
+    *mzs = reordered(*mzs, order);
+    *intensities = reordered(*intensities, order);
+}
+
+double sumInWindow(const ExtractionTarget &target, const std::vector<double> &mzs,
+                   const std::vector<double> &intensities)
+{
+    const double halfWidth = target.mz * target.ppm / PARTS_PER_MILLION;
+    const auto first = std::lower_bound(mzs.begin(), mzs.end(), target.mz - halfWidth);
+    const auto last = std::upper_bound(first, mzs.end(), target.mz + halfWidth);
+    return std::accumulate(intensities.begin() + (first - mzs.begin()), intensities.begin() + (last - mzs.begin()),
+                           0.0);
+}
+
+/// The chromatograms of targets, which grow spectrum by spectrum.
+class ExtractedTraces
+{
+public:
+    explicit ExtractedTraces(QList<ExtractionTarget> targets);
+
+    /// Adds a point to each target whose range of time holds `time`: the sum of the intensities in its window. Both
+    /// vectors have the same length; they come back ordered by m/z. Costs a binary search for each target.
+    void addSpectrum(double time, std::vector<double> *mzs, std::vector<double> *intensities);
+
+    qsizetype count() const { return m_targets.size(); }
+
+    /// Gives the points of a target away, together with its id.
+    Chromatogram take(qsizetype index);
+
+private:
+    QList<ExtractionTarget> m_targets;
+    QList<QList<QPointF>> m_points;
+};
+
+ExtractedTraces::ExtractedTraces(QList<ExtractionTarget> targets)
+    : m_targets(std::move(targets)), m_points(m_targets.size())
+{}
+
+void ExtractedTraces::addSpectrum(double time, std::vector<double> *mzs, std::vector<double> *intensities)
+{
+    sortByMz(mzs, intensities);
+    for (qsizetype i = 0; i < m_targets.size(); ++i) {
+        if (time >= m_targets[i].rtFrom && time <= m_targets[i].rtTo)
+            m_points[i].append({time, sumInWindow(m_targets[i], *mzs, *intensities)});
+    }
+}
+
+Chromatogram ExtractedTraces::take(qsizetype index)
+{
+    return {m_targets[index].id, std::exchange(m_points[index], {}), {}, {}};
+}
 
 bool isMs1(const Spectrum &spectrum)
 {
@@ -85,7 +153,7 @@ private:
             if (Error error = readSpectrum(std::move(*spectrum)); error.hasError())
                 return error;
         }
-        return m_timeUnit ? Error() : Error(Failure, m_elements.name() + QStringLiteral(": holds no MS1 spectrum"));
+        return m_timeUnit ? Error() : cannotRead(m_elements.name(), QStringLiteral("it holds no MS1 spectrum"));
     }
 
     Error readSpectrum(MzMlElement element)

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MzMlFile.h"
 
-#include "PeakLine.h"
 #include "ProteoWizard.h"
 
 #include <QtCore/QFile>

@@ -7,8 +7,6 @@ namespace zav {
 
 /// Opens an mzML file, plain or gzipped, with or without an index. ProteoWizard's reader stays behind this function,
 /// its exceptions too.
-///
-/// A build without it (libpwizlite) returns `Failure` with a message that says so.
 Result<std::unique_ptr<SpectrumFile>> openMzMlFile(const QString &path);
 
 } // namespace zav

@@ -11,10 +11,10 @@ Error checkFile(const QString &path)
 {
     QFile file(path);
     if (QFileInfo(path).isDir())
-        return {Failure, path + QStringLiteral(": is a folder")};
+        return cannotRead(inputName(path), QStringLiteral("it is a folder"));
     if (!file.open(QIODevice::ReadOnly))
-        return {Failure, path + QStringLiteral(": cannot be read: ") + file.errorString()};
-    return file.size() > 0 ? Error() : Error(Failure, path + QStringLiteral(": is empty"));
+        return cannotRead(inputName(path), file.errorString());
+    return file.size() > 0 ? Error() : cannotRead(inputName(path), QStringLiteral("it is empty"));
 }
 
 QString plainMessage(const char *what)
@@ -24,6 +24,26 @@ QString plainMessage(const char *what)
     const QString message = QString::fromUtf8(what).simplified();
     const QString plain = QString(message).remove(place);
     return plain.isEmpty() ? message : plain;
+}
+
+QString unitText(pwiz::cv::CVID unit)
+{
+    switch (unit) {
+    case pwiz::cv::CVID_Unknown:
+        return {};
+    case pwiz::cv::UO_minute:
+        return QStringLiteral("min");
+    case pwiz::cv::UO_second:
+        return QStringLiteral("s");
+    case pwiz::cv::UO_millisecond:
+        return QStringLiteral("ms");
+    case pwiz::cv::UO_hour:
+        return QStringLiteral("h");
+    case pwiz::cv::MS_number_of_detector_counts:
+        return QStringLiteral("counts");
+    default:
+        return QString::fromStdString(pwiz::cv::cvTermInfo(unit).name);
+    }
 }
 
 } // namespace zav

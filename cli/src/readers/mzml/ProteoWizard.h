@@ -1,11 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
+//
+// Private to the readers of mzML: what they share of ProteoWizard.
 #pragma once
+
+#include "ByteStream.h"
 
 #include <zav/Error.h>
 
 #include <QtCore/QString>
 
+#include <pwiz/data/msdata/MSData.hpp>
+
 #include <exception>
+#include <optional>
+#include <vector>
 
 namespace zav {
 
@@ -14,19 +22,34 @@ namespace zav {
 template <typename Step>
 auto caughtAs(const QString &subject, const Step &step) -> decltype(step());
 
-/// Likewise, with a message that the file is no mzML that can be read.
+/// Likewise, with a message that the file cannot be read because it is not valid mzML.
 template <typename Step>
 auto caught(const QString &path, const Step &step) -> decltype(step())
 {
-    return caughtAs(path + QStringLiteral(": is not mzML that can be read"), step);
+    return caughtAs(cannotRead(inputName(path), QStringLiteral("it is not valid mzML")).message(), step);
 }
 
 /// An error for a folder and for a file that is missing, unreadable or empty: ProteoWizard's own messages for these
 /// name its sources rather than the file.
 Error checkFile(const QString &path);
 
-/// A message of ProteoWizard's without the names of its functions and its places in the text that it was given.
+/// A message of ProteoWizard's without the names of its functions and the positions in the text that it was given.
 QString plainMessage(const char *what);
+
+/// One data array of a chromatogram or a spectrum.
+struct MzMlArray
+{
+    std::vector<double> values;
+    QString unit;
+};
+
+/// The unit as this program writes it: "min", "s", "counts", the ontology's name for others, empty for none.
+QString unitText(pwiz::cv::CVID unit);
+
+/// The array of a kind (time, intensity, m/z), stored as floating-point or integer numbers; nothing where `source` has
+/// none. `source` is a `Chromatogram` or a `Spectrum`.
+template <typename Source>
+std::optional<MzMlArray> arrayOf(const Source &source, pwiz::cv::CVID kind);
 
 template <typename Step>
 auto caughtAs(const QString &subject, const Step &step) -> decltype(step())
@@ -40,6 +63,24 @@ auto caughtAs(const QString &subject, const Step &step) -> decltype(step())
     } catch (...) {
         return Error(Failure, subject);
     }
+}
+
+template <typename Source>
+std::optional<MzMlArray> arrayOf(const Source &source, pwiz::cv::CVID kind)
+{
+    const auto take = [&](const auto &arrays) -> std::optional<MzMlArray> {
+        for (const auto &array : arrays) {
+            if (!array->hasCVParam(kind))
+                continue;
+            MzMlArray out{std::vector<double>(array->data.size()), unitText(array->cvParam(kind).units)};
+            for (std::size_t i = 0; i < out.values.size(); ++i)
+                out.values[i] = static_cast<double>(array->data[i]);
+            return out;
+        }
+        return std::nullopt;
+    };
+    std::optional<MzMlArray> found = take(source.binaryDataArrayPtrs);
+    return found ? found : take(source.integerDataArrayPtrs);
 }
 
 } // namespace zav

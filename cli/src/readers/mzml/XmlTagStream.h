@@ -5,9 +5,20 @@
 
 #include <QtCore/QByteArrayView>
 
+#include <optional>
 #include <string>
 
 namespace zav {
+
+/// How long the markup at the front of `text`, which begins with `<`, is: a tag with its closing `>`, a comment, a
+/// processing instruction, a CDATA section or a declaration. -1 where it goes on behind `text`.
+qsizetype xmlMarkupSize(QByteArrayView text);
+
+/// The value of a tag's attribute as it stands there; nothing where it has none of that name.
+std::optional<QByteArrayView> xmlAttribute(QByteArrayView tag, QByteArrayView name);
+
+/// The text with XML's five entities and its character references replaced; what is none of them stays.
+QString withoutXmlEntities(const QString &text);
 
 /// The tags of an XML file from first to last, in the memory of a few tags. Comments, processing instructions and the
 /// like are passed over. It finds tags and no more: whether they nest is for the caller to judge.
@@ -33,14 +44,14 @@ public:
     /// it has none of that name.
     QString attribute(QByteArrayView name) const;
 
-    Error errorHere(const QString &what) const; ///< `Failure` with the file's name and `what`
+    Error failure(const QString &reason) const; ///< that the file cannot be read
 
 private:
     bool findTag(std::string *text);
     bool takeMarkup(qsizetype *size);
     bool refill();
     void readMarkup(qsizetype size);
-    bool fail(const QString &what);
+    bool fail(const QString &reason);
 
     std::unique_ptr<ByteStream> m_bytes;
     QByteArray m_buffer;

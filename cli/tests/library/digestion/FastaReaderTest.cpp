@@ -2,7 +2,6 @@
 #include "FastaReader.h"
 
 #include "DigestionFixtures.h"
-#include "FastaHeader.h"
 #include "TemporaryFiles.h"
 
 namespace zav {
@@ -82,7 +81,7 @@ TEST_F(FastaReaderTest, FaultsNameFileAndLine)
     EXPECT_EQ(readText(">P1\nMAAK\nCC3R\n"), " ! p.fasta, line 3: '3' is no residue of a protein");
     EXPECT_EQ(readText(">P1\nAK\n> \nMAAK\n"), "P1||:AK ! p.fasta, line 3: the FASTA header names no protein");
     EXPECT_EQ(readText(">P1\n" + QByteArray((1 << 24) + (1 << 16), 'A') + "\n"),
-              " ! cannot read p.fasta: has a line of more than 16777216 bytes");
+              " ! p.fasta, line 2: the line is longer than 16777216 bytes");
 }
 
 TEST_F(FastaReaderTest, SequenceOfAGenomesLengthIsRefused)
@@ -116,11 +115,11 @@ TEST_F(FastaReaderTest, TruncatedAndDamagedCompressedFilesAreRefused)
     QFile fixture(digestionFile("two_members.fasta.gz"));
     ASSERT_TRUE(fixture.open(QIODevice::ReadOnly));
     const QByteArray whole = fixture.readAll();
-    EXPECT_EQ(readText(whole.left(40)), " ! cannot read p.fasta: ends within its compressed data");
+    EXPECT_EQ(readText(whole.left(40)), " ! cannot read p.fasta: it ends within its gzipped data");
     QByteArray damaged = whole;
     damaged[30] = static_cast<char>(damaged[30] ^ 0x55);
-    EXPECT_NE(readText(damaged).find("cannot read p.fasta: is damaged gzip: "), std::string::npos);
-    EXPECT_NE(readText(whole + "rubbish").find("cannot read p.fasta: is damaged gzip: "), std::string::npos);
+    EXPECT_NE(readText(damaged).find("cannot read p.fasta: it is damaged gzip: "), std::string::npos);
+    EXPECT_NE(readText(whole + "rubbish").find("cannot read p.fasta: it is damaged gzip: "), std::string::npos);
 }
 
 std::string header(const QByteArray &text)

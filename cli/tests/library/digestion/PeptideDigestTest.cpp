@@ -72,7 +72,7 @@ TEST_F(PeptideDigestTest, FailuresNameTheFileOrTheField)
         const auto result = digestFasta(m_files.write(QStringLiteral("p.fasta"), fasta), request);
         return m_files.withoutFolder(result.error().message());
     };
-    EXPECT_EQ(failure("", tryptic()), "p.fasta holds no protein (no line that begins with '>')");
+    EXPECT_EQ(failure("", tryptic()), "cannot read p.fasta: it holds no protein (no line that begins with '>')");
     EXPECT_EQ(failure(">P1\nAA1K\n", tryptic()), "p.fasta, line 2: '1' is no residue of a protein");
     PeptideRequest request = tryptic();
     request.digestion.missedCleavages = -1;

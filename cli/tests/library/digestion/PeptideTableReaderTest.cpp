@@ -46,6 +46,7 @@ TEST_F(PeptideTableReaderTest, HeaderSaysWhereTheColumnsStand)
     EXPECT_EQ(read("Gene\tcharge\tPeptide\tProtein\nG1\t2\tPEPTIDEK\tP1\n"), "PEPTIDEK(P1//G1)");
     EXPECT_EQ(read("sequence\tprotein\nPEPTIDEK\tsp|P1|ONE_TEST\n"), "PEPTIDEK(P1/ONE_TEST/)");
     EXPECT_EQ(read("\xEF\xBB\xBFpeptide\nPEPTIDEK\n"), "PEPTIDEK()");
+    EXPECT_EQ(read("sequence\tpeptide\nAK\tCK\n"), "CK()");
 }
 
 TEST_F(PeptideTableReaderTest, PeptideOfTheHeadersNameIsAPeptide)

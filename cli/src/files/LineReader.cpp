@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "LineStream.h"
+#include "LineReader.h"
 
 #include <utility>
 
@@ -11,11 +11,19 @@ constexpr char BYTE_ORDER_MARK[] = "\xEF\xBB\xBF";
 
 } // namespace
 
-LineStream::LineStream(std::unique_ptr<ByteStream> bytes, qsizetype maxLineBytes)
+Result<std::unique_ptr<LineReader>> LineReader::open(const QString &path, qsizetype maxLineBytes)
+{
+    Result<std::unique_ptr<ByteStream>> bytes = ByteStream::open(path);
+    if (bytes.hasError())
+        return bytes.error();
+    return std::make_unique<LineReader>(std::move(bytes).value(), maxLineBytes);
+}
+
+LineReader::LineReader(std::unique_ptr<ByteStream> bytes, qsizetype maxLineBytes)
     : m_bytes(std::move(bytes)), m_maxLineBytes(maxLineBytes)
 {}
 
-bool LineStream::next()
+bool LineReader::next()
 {
     if (m_error.hasError())
         return false;
@@ -27,7 +35,7 @@ bool LineStream::next()
     return m_begin < m_buffer.size() && takeLine(m_buffer.size() - m_begin, 0);
 }
 
-bool LineStream::nextContent()
+bool LineReader::nextContent()
 {
     while (next()) {
         if (const QByteArrayView text = m_line.trimmed(); !text.isEmpty() && text.front() != '#')
@@ -37,29 +45,31 @@ bool LineStream::nextContent()
 }
 
 // Where the line's LF stands in the buffer, which it fills as far as needed; -1 where the text ends without one.
-qsizetype LineStream::findEnd()
+qsizetype LineReader::findEnd()
 {
     qsizetype searched = m_begin;
     for (;;) {
         if (const qsizetype end = m_buffer.indexOf('\n', searched); end >= 0)
             return end;
         if (m_buffer.size() - m_begin > m_maxLineBytes) {
-            ++m_number;
-            m_error = errorHere(QStringLiteral("the line is longer than %1 bytes").arg(m_maxLineBytes));
+            failTooLong();
             return -1;
         }
         QByteArray piece;
         m_error = m_bytes->read(&piece);
         if (piece.isEmpty())
             return -1;
-        m_buffer.remove(0, std::exchange(m_begin, 0));
+        m_buffer.remove(0, m_begin);
+        m_offset += std::exchange(m_begin, 0);
         searched = m_buffer.size();
         m_buffer += piece;
     }
 }
 
-bool LineStream::takeLine(qsizetype size, qsizetype endSize)
+bool LineReader::takeLine(qsizetype size, qsizetype endSize)
 {
+    if (size > m_maxLineBytes)
+        return failTooLong();
     m_line = QByteArrayView(m_buffer).sliced(m_begin, size);
     m_begin += size + endSize;
     if (m_line.endsWith('\r'))
@@ -69,9 +79,27 @@ bool LineStream::takeLine(qsizetype size, qsizetype endSize)
     return true;
 }
 
-Error LineStream::errorHere(const QString &what) const
+bool LineReader::failTooLong()
+{
+    ++m_number;
+    m_error = errorHere(QStringLiteral("the line is longer than %1 bytes").arg(m_maxLineBytes));
+    return false;
+}
+
+Error LineReader::errorHere(const QString &what) const
 {
     return {Failure, QStringLiteral("%1, line %2: ").arg(name(), QString::number(m_number)) + what};
+}
+
+Error LineReader::seek(const Place &place)
+{
+    m_buffer.clear();
+    m_offset = place.offset;
+    m_begin = 0;
+    m_number = place.number;
+    m_line = {};
+    m_error = m_bytes->seek(place.offset);
+    return m_error;
 }
 
 } // namespace zav

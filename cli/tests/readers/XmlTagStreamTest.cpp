@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "mzml/XmlText.h"
+#include "mzml/XmlTagStream.h"
 
 #include <gtest/gtest.h>
 
