@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "ExplainedError.h"
+#include "NetworkLoading.h"
 #include "NetworkSize.h"
 
 #include <zav/Result.h>
-
-#include <QtCore/QFileInfo>
-#include <QtCore/QString>
 
 #include <map>
 #include <memory>
@@ -36,20 +33,13 @@ public:
             return known.get();
         auto made = std::make_unique<Predictor>();
         m_options.maxPointCount = size;
-        if (const Error error = made->init(m_options); error.hasError())
-            return loadingError(error);
+        if (const Error error = loadNetwork(m_options, made.get()); error.hasError())
+            return error;
         known = std::move(made);
         return known.get();
     }
 
 private:
-    Error loadingError(const Error &error) const
-    {
-        const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
-        return explainedError(
-            error, QStringLiteral("cannot load %1: %2").arg(QFileInfo(m_options.modelFilePath).fileName(), reason));
-    }
-
     Options m_options;
     int m_fixedSize = 0;
     std::map<int, std::unique_ptr<Predictor>> m_predictors;

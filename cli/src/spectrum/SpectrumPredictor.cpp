@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumPredictor.h"
 
-#include "ExplainedError.h"
 #include "IonNames.h"
+#include "NetworkLoading.h"
 #include "PeakNaming.h"
 #include "PeptideMasses.h"
 #include "QuietStandardError.h"
 #include "TheoreticalFragments.h"
-
-#include <QtCore/QFileInfo>
 
 #include <algorithm>
 #include <optional>
@@ -19,21 +17,6 @@ namespace {
 
 constexpr char SOURCE_FILE[] = "cli/src/spectrum/SpectrumPredictor";
 
-/// Names the file, which the library's own message need not do.
-Error loadingError(const Error &error, const QString &path)
-{
-    const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
-    return explainedError(error, QStringLiteral("cannot load %1: %2").arg(QFileInfo(path).fileName(), reason));
-}
-
-/// The library tells a network that does not fit by code and trail alone.
-Error predictionError(const Error &error, int charge)
-{
-    if (!error.hasError() || !error.message().isEmpty())
-        return error;
-    return explainedError(error, QStringLiteral("msms_charge%1.pb is not a network for charge %1").arg(charge));
-}
-
 } // namespace
 
 SpectrumPredictor::SpectrumPredictor(const PredictionContent &content) : m_content(content) {}
@@ -41,34 +24,25 @@ SpectrumPredictor::~SpectrumPredictor() = default;
 
 Error SpectrumPredictor::load(const ModelFolder &folder, const QSet<int> &charges)
 {
-    QList<int> usable;
-    for (int charge : charges) {
-        Error error = folder.checkFragmentationNetwork(charge);
-        if (error.hasError())
-            m_unavailable.insert(charge, error);
-        else
-            usable.append(charge);
-    }
+    QList<int> usable = charges.values();
     std::sort(usable.begin(), usable.end());
     while (!usable.isEmpty()) {
-        const Error error = init(folder, usable);
+        int failed = 0;
+        const Error error = init(folder, usable, &failed);
         if (!error.hasError())
             return {};
-        const int reached = m_predictor->maxPredictionChargeState() + 1;
-        const int failed = usable.contains(reached) ? reached : usable.first();
-        m_unavailable.insert(failed, loadingError(error, folder.fragmentationNetwork(failed)));
+        m_unavailable.insert(failed, error);
         usable.removeOne(failed);
     }
     return m_unavailable.first();
 }
 
-Error SpectrumPredictor::init(const ModelFolder &folder, const QList<int> &charges)
+Error SpectrumPredictor::init(const ModelFolder &folder, const QList<int> &charges, int *failedCharge)
 {
     const QuietStandardError quiet(!m_content.verbose);
     m_predictor = std::make_unique<MsMsFragmentationPredictomatic>();
     m_predictor->setCysteineFixedMass(m_content.cysteineMass);
-    const QStringList paths = folder.fragmentationNetworks(charges);
-    return m_predictor->init(paths[0], paths[1], paths[2], paths[3], paths[4]);
+    return loadFragmentationNetworks(folder, charges, m_predictor.get(), failedCharge);
 }
 
 QList<Result<PredictedSpectrum>> SpectrumPredictor::predict(const QList<Precursor> &precursors)

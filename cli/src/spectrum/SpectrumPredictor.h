@@ -43,7 +43,7 @@ public:
     QList<Result<PredictedSpectrum>> predict(const QList<Precursor> &precursors);
 
 private:
-    Error init(const ModelFolder &folder, const QList<int> &charges);
+    Error init(const ModelFolder &folder, const QList<int> &charges, int *failedCharge);
     QList<Result<PredictedSpectrum>> predictCharge(const QList<Precursor> &precursors);
     Result<PredictedSpectrum> assemble(const Precursor &precursor, const QList<FragmentPeak> &fragments);
     Error addPeaks(const Precursor &precursor, const QList<FragmentPeak> &fragments, QList<AnnotatedPeak> *peaks);
