@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TraceAnalysis.h"
 
-#include "ExplainedError.h"
+#include "Messages.h"
 
 #include <QtCore/QFileInfo>
 

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TraceCommand.h"
 
-#include "ExitCode.h"
+#include "Command.h"
 #include "OrderedPipeline.h"
 #include "PrintableText.h"
 #include "Progress.h"
-#include "QuietStandardError.h"
 #include "RuntimeThreads.h"
 #include "TargetList.h"
 #include "Terminal.h"

@@ -50,9 +50,4 @@ Error TraceStream::goOn()
     return ++m_file < m_paths.size() ? open() : Error();
 }
 
-QString inputName(const QString &path)
-{
-    return path == QLatin1String("-") ? QStringLiteral("standard input") : displayText(path, 300);
-}
-
 } // namespace zav

@@ -50,7 +50,4 @@ private:
     qint64 m_number = 0;  ///< of the last trace
 };
 
-/// What messages call a file of the command line.
-QString inputName(const QString &path);
-
 } // namespace zav

@@ -37,4 +37,13 @@ void Messages::writeLine(const QString &line)
     std::fputs(qUtf8Printable(line + QLatin1Char('\n')), stderr);
 }
 
+Error explainedError(const Error &error, const QString &message)
+{
+    Error explained(error.code(), message);
+    for (const CaughtAt &place : error.trail())
+        explained.ecatch(qUtf8Printable(place.functionSignature), qUtf8Printable(place.sourceFile), place.line);
+    explained.addWarnings(error.warnings());
+    return explained;
+}
+
 } // namespace zav

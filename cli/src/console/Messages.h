@@ -33,4 +33,8 @@ private:
     Progress *m_progress = nullptr;
 };
 
+/// The error with another message, its code and trail kept: for a failure that its origin tells by code and trail
+/// alone, or that needs to be put in the user's terms.
+Error explainedError(const Error &error, const QString &message);
+
 } // namespace zav

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InspectCommand.h"
 
-#include "ExitCode.h"
 #include "ModelFolder.h"
-#include "QuietStandardError.h"
+#include "NetworkInspection.h"
+#include "Terminal.h"
 #include "TextTable.h"
 
 #include <cstdio>
@@ -44,36 +44,26 @@ Result<QList<NetworkInspection>> inspectQuietly(const QString &folder, bool verb
 
 } // namespace
 
-int InspectCommand::run()
+Error InspectCommand::work()
 {
-    const QString folder = m_options.modelFolder.isEmpty() ? installedModelFolder() : m_options.modelFolder;
-    const Result<QList<NetworkInspection>> inspections = inspectQuietly(folder, m_options.verbose);
-    if (inspections.hasError()) {
-        m_messages.failure(inspections.error());
-        return SomeFailed;
-    }
+    const Result<QList<NetworkInspection>> inspections =
+        inspectQuietly(ModelFolder::pathFor(m_options.modelFolder), m_options.verbose);
+    if (inspections.hasError())
+        return inspections.error();
     TextTable table({QStringLiteral("network"), QStringLiteral("kind"), QStringLiteral("charge"),
                      QStringLiteral("input"), QStringLiteral("output"), QStringLiteral("held-out figures"),
                      QStringLiteral("SHA-256"), QStringLiteral("trial")});
-    int exitCode = AllDone;
-    for (const NetworkInspection &inspection : inspections.value()) {
+    for (const NetworkInspection &inspection : inspections.value())
         table.addRow(tableRow(inspection));
-        if (!inspection.isSound())
-            exitCode = SomeFailed;
-    }
     std::fputs(qUtf8Printable(table.text()), stdout);
     std::fflush(stdout);
-    for (const NetworkInspection &inspection : inspections.value())
-        reportProblems(inspection);
-    return exitCode;
-}
-
-void InspectCommand::reportProblems(const NetworkInspection &inspection)
-{
-    for (const Error &error : {inspection.contractError, inspection.hashError, inspection.trialError}) {
-        if (error.hasError())
-            m_messages.failure(error, inspection.name);
+    for (const NetworkInspection &inspection : inspections.value()) {
+        for (const Error &error : {inspection.contractError, inspection.hashError, inspection.trialError}) {
+            if (error.hasError())
+                fail(error, inspection.name);
+        }
     }
+    return {};
 }
 
 } // namespace zav

@@ -23,9 +23,13 @@ class ModelFolder
 public:
     explicit ModelFolder(const QString &path) : m_path(path) {}
 
-    /// The folder that the user named, or where the networks are installed: beside the running program, in the build
-    /// folder or the prefix. `Failure` when it is no folder or holds no network for that use; says where was looked.
+    /// The folder that the user named or, where `asked` is empty, that of the installed networks: its place relative to
+    /// the running program is the same in the build folder and in a prefix. `Failure` when it is no folder or holds no
+    /// network for that use; the message says where they were looked for. Needs the application object.
     static Result<ModelFolder> find(const QString &asked, NetworkUse use = NetworkUse::Fragmentation);
+
+    /// The same folder, not looked into. Needs the application object.
+    static QString pathFor(const QString &asked);
 
     QString path() const { return m_path; }
 
@@ -48,9 +52,5 @@ private:
 
     QString m_path;
 };
-
-/// Where the networks stand when the user names no folder, relative to the running program. Needs the application
-/// object.
-QString installedModelFolder();
 
 } // namespace zav

@@ -16,8 +16,6 @@ struct NetworkInspection
     Error contractError;
     Error hashError;  ///< the graph file is missing, unreadable or not the one that the contract describes
     Error trialError; ///< a trial prediction failed
-
-    bool isSound() const { return !contractError.hasError() && !hashError.hasError() && !trialError.hasError(); }
 };
 
 /// Inspects every network of a folder, that is every name with a graph (.pb) or a contract (.json), in the order of

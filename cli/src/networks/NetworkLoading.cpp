@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NetworkLoading.h"
 
-#include "ExplainedError.h"
+#include "Messages.h"
 
 #include <QtCore/QFileInfo>
 

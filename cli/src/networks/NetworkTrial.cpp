@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NetworkTrial.h"
 
-#include "ExplainedError.h"
+#include "Messages.h"
 #include "NetworkLoading.h"
 
 #include <zav/MsMsFragmentationPredictomatic.h>

@@ -5,7 +5,6 @@
 #include "NetworkLoading.h"
 #include "PeakNaming.h"
 #include "PeptideMasses.h"
-#include "QuietStandardError.h"
 #include "TheoreticalFragments.h"
 
 #include <algorithm>
@@ -39,7 +38,6 @@ Error SpectrumPredictor::load(const ModelFolder &folder, const QSet<int> &charge
 
 Error SpectrumPredictor::init(const ModelFolder &folder, const QList<int> &charges, int *failedCharge)
 {
-    const QuietStandardError quiet(!m_content.verbose);
     m_predictor = std::make_unique<MsMsFragmentationPredictomatic>();
     m_predictor->setCysteineFixedMass(m_content.cysteineMass);
     return loadFragmentationNetworks(folder, charges, m_predictor.get(), failedCharge);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Messages.h"
 #include "ModelFolder.h"
 #include "PredictedSpectrum.h"
 
@@ -22,7 +21,6 @@ struct PredictionContent
     double cysteineMass = 57.02146; ///< Da added to every cysteine
     bool isotopes = true;           ///< the heavier isotopes of each fragment
     bool ionNames = false;          ///< which ion each peak is
-    bool verbose = false;           ///< what the runtime writes while it loads stays visible
 };
 
 /// Predicts spectra with the networks of one folder, loading only those that the work needs.
