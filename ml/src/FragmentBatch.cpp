@@ -7,7 +7,6 @@
 #include "ReturnIfError.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace zav {
@@ -24,16 +23,16 @@ QString tooLongRemark(const QString &peptide, int maximumLength, int charge)
         .arg(peptide, QString::number(peptide.size()), QString::number(maximumLength), QString::number(charge));
 }
 
-QString weightlessRemark(const QString &peptide)
+QString massRemark(const QString &peptide)
 {
-    return QStringLiteral("%1 has a fragment without a mass above 0 and up to 1e6 Da: not predicted").arg(peptide);
+    return QStringLiteral("%1 has a fragment whose mass is not finite or above 1e6 Da: not predicted").arg(peptide);
 }
 
 } // namespace
 
-FragmentBatch::FragmentBatch(Model &model, int precursorCharge, double fixedMass)
+FragmentBatch::FragmentBatch(Model &model, int precursorCharge, double fixedMass, IsotopePeaks isotopePeaks)
     : network(model), charge(precursorCharge), maximumLength(peptideVocabulary::maximumPeptideLength(precursorCharge)),
-      annotator(precursorCharge, fixedMass)
+      assembler(precursorCharge, fixedMass, isotopePeaks)
 {}
 
 Error FragmentBatch::predict(const QStringList &peptides)
@@ -103,7 +102,7 @@ Error FragmentBatch::predictBlock(const QStringList &peptides, const qsizetype *
     ZAV_RETURN_IF_ERROR(network.run(input, output), __LINE__);
     std::vector<float> predictions;
     ZAV_RETURN_IF_ERROR(output.getData<float>(&predictions), __LINE__);
-    const int slotCount = annotator.slotCount();
+    const int slotCount = assembler.slotCount();
     const int expected = static_cast<int>(count) * slotCount;
     ZAV_RETURN_IF_ERROR(ErrorUtils::equal<int>(expected, static_cast<int>(predictions.size()), Failure), __LINE__);
     for (std::size_t i = 0; i < count; ++i)
@@ -123,10 +122,10 @@ std::vector<float> FragmentBatch::encodeBlock(const QStringList &peptides, const
 
 void FragmentBatch::keepSpectrum(const QString &peptide, qsizetype index, const float *intensities)
 {
-    if (std::optional<QList<FragmentPeak>> spectrum = annotator.annotate(peptide, intensities))
-        spectra[index] = *std::move(spectrum);
+    if (assembler.assemble(peptide, intensities))
+        spectra[index] = assembler.namedPeaks();
     else
-        remarks[index] = weightlessRemark(peptide);
+        remarks[index] = massRemark(peptide);
 }
 
 } // namespace zav

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "FragmentAnnotator.h"
+#include "SpectrumAssembler.h"
 #include "Tensor.h"
 
 #include <zav/Error.h>
@@ -31,7 +31,7 @@ public:
     static constexpr std::size_t PEPTIDES_PER_RUN = 128;
 
     /// `model` has to outlive the batch; `fixedMass` in Da weighs on every cysteine.
-    FragmentBatch(Model &model, int precursorCharge, double fixedMass);
+    FragmentBatch(Model &model, int precursorCharge, double fixedMass, IsotopePeaks isotopePeaks);
 
     /// Predicts every peptide that can be; the others get an empty list and a warning on the returned (no-error)
     /// `Error`, in the order of the peptides. Once per object.
@@ -51,7 +51,7 @@ private:
     Model &network;
     int charge; ///< of the precursors
     int maximumLength;
-    FragmentAnnotator annotator;
+    SpectrumAssembler assembler;
     Tensor input;
     Tensor output;
     std::map<qsizetype, QString> remarks; ///< by index of the peptide

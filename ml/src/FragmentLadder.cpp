@@ -72,11 +72,12 @@ bool startsAtCTerminus(QChar ionType)
     return ionType == u'y' || ionType == u'z';
 }
 
-double residueMass(QChar residue)
+Residue weigh(QChar residue, double cysteineFixedMass)
 {
     // Built on first use: the table of the layer below has to exist by then.
     static const ResidueMasses masses = tabulateResidueMasses();
-    return residue.unicode() < masses.size() ? masses[residue.unicode()] : 0.0;
+    return {residue.unicode() < masses.size() ? masses[residue.unicode()] : 0.0,
+            residue == MODIFIED_RESIDUE ? cysteineFixedMass : 0.0};
 }
 
 } // namespace zav::fragmentLadder

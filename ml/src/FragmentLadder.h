@@ -30,10 +30,35 @@ int slotCount(const QList<IonSeries> &series);
 /// Whether the residues of a series are counted from the C-terminus.
 bool startsAtCTerminus(QChar ionType);
 
-/// Monoisotopic mass in Da of a residue without modification; 0 for a character that is none.
-double residueMass(QChar residue);
-
 /// The one residue that carries the predictor's fixed mass.
 inline constexpr QChar MODIFIED_RESIDUE = u'C';
+
+/// What a residue adds to the mass of a fragment, in Da.
+struct Residue
+{
+    double mass;      ///< monoisotopic, without modification; 0 for a character that is no residue
+    double fixedMass; ///< 0 without modification
+};
+
+Residue weigh(QChar residue, double cysteineFixedMass);
+
+/// The ions of a series, from the shortest on.
+class GrowingIon
+{
+public:
+    GrowingIon(double startMass, int charge) : m_mass(startMass), m_charge(charge) {}
+
+    /// The m/z of the next ion, which has one residue more.
+    double mzWith(const Residue &residue)
+    {
+        m_mass += residue.mass;
+        m_mass += residue.fixedMass;
+        return m_mass / m_charge;
+    }
+
+private:
+    double m_mass; ///< Da, the protons included
+    int m_charge;
+};
 
 } // namespace zav::fragmentLadder

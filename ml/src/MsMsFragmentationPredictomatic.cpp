@@ -7,9 +7,9 @@
 #include "MsMsFragmentationPredictomatic_p.h"
 #include "PeptideVocabulary.h"
 #include "ReturnIfError.h"
+#include "SpectrumAssembler.h"
 #include "SpectrumLimits.h"
 #include "Tensor.h"
-#include "kelphysica.h"
 
 #include <algorithm>
 #include <array>
@@ -32,9 +32,18 @@ std::vector<float> encodePeptide(const QString &peptide, int charge)
     return rows;
 }
 
-void filterPredictedPoints(QList<QPointF> *points)
+/// Tags the error of a result that is passed on, unless it has no code.
+Error tagged(Error error, const char *functionSignature, int line)
 {
-    points->removeIf([](const QPointF &point) { return spectrumLimits::isOutside(point.x(), point.y()); });
+    if (error.hasError())
+        error.ecatch(functionSignature, SOURCE_FILE, line);
+    return error;
+}
+
+QList<QPointF> withinLimits(QList<QPointF> points)
+{
+    points.removeIf([](const QPointF &point) { return spectrumLimits::isOutside(point.x(), point.y()); });
+    return points;
 }
 
 Error missingOutError()
@@ -52,13 +61,11 @@ MsMsFragmentationPredictomatic::Private::~Private()
 Error MsMsFragmentationPredictomatic::Private::init(const QString &modelPath1, QString modelPath2, QString modelPath3,
                                                     QString modelPath4, QString modelPath5)
 {
-    const std::array<std::pair<const QString &, int>, 5> pathsAndLines{
-        {{modelPath1, 58}, {modelPath2, 62}, {modelPath3, 66}, {modelPath4, 70}, {modelPath5, 74}}};
-    int charge = 0;
-    for (const auto &[path, line] : pathsAndLines) {
-        ++charge;
+    const std::array<const QString *, 5> paths{&modelPath1, &modelPath2, &modelPath3, &modelPath4, &modelPath5};
+    for (int charge = 1; charge <= 5; ++charge) {
         auto model = std::make_unique<Model>();
-        ZAV_RETURN_IF_ERROR(model->init(path.toStdString(), {}), line);
+        ZAV_RETURN_IF_ERROR(model->init(paths[charge - 1]->toStdString(), {}),
+                            fragmentationTrail::NETWORK_OF_CHARGE[charge - 1]);
         delete models.take(charge);
         models.insert(charge, model.release());
     }
@@ -82,7 +89,8 @@ Error MsMsFragmentationPredictomatic::init(const QString &modelPath1, QString mo
                                            QString modelPath4, QString modelPath5)
 // NOLINTEND(performance-unnecessary-value-param)
 {
-    ZAV_RETURN_IF_ERROR(d->init(modelPath1, modelPath2, modelPath3, modelPath4, modelPath5), 123);
+    ZAV_RETURN_IF_ERROR(d->init(modelPath1, modelPath2, modelPath3, modelPath4, modelPath5),
+                        fragmentationTrail::NETWORKS);
     return NoError;
 }
 
@@ -112,40 +120,57 @@ Error MsMsFragmentationPredictomatic::predictMsMsFragmentation(const QString &pe
         return NoError;
     ZAV_RETURN_IF_ERROR(out == nullptr ? missingOutError() : Error(), __LINE__);
     const Result<Model *> model = d->model(charge);
-    ZAV_RETURN_IF_ERROR(model.error(), __LINE__);
+    if (model.hasError())
+        return tagged(model.error(), Q_FUNC_INFO, __LINE__);
 
     Tensor input;
     ZAV_RETURN_IF_ERROR(
-        input.init(model.value()->getGraph(), model.value()->getStatus(), peptideVocabulary::NETWORK_INPUT), 213);
+        input.init(model.value()->getGraph(), model.value()->getStatus(), peptideVocabulary::NETWORK_INPUT),
+        fragmentationTrail::GRAPH_INPUT);
     Tensor output;
     ZAV_RETURN_IF_ERROR(
-        output.init(model.value()->getGraph(), model.value()->getStatus(), peptideVocabulary::NETWORK_OUTPUT), 215);
+        output.init(model.value()->getGraph(), model.value()->getStatus(), peptideVocabulary::NETWORK_OUTPUT),
+        fragmentationTrail::GRAPH_OUTPUT);
     ZAV_RETURN_IF_ERROR(input.setData<float>(encodePeptide(peptide, charge)), __LINE__);
     ZAV_RETURN_IF_ERROR(model.value()->run(input, output), __LINE__);
     std::vector<float> predictions;
-    ZAV_RETURN_IF_ERROR(output.getData<float>(&predictions), 221);
+    ZAV_RETURN_IF_ERROR(output.getData<float>(&predictions), fragmentationTrail::NETWORK_RESULT);
 
-    Result<QList<QPointF>> points = buildPoints(buildMzPoints(peptide, charge), predictions);
-    ZAV_RETURN_IF_ERROR(points.error(), 230);
-    QList<QPointF> spectrum = std::move(points).value();
-    filterPredictedPoints(&spectrum);
-    *out = std::move(spectrum);
+    const Result<QList<QPointF>> spectrum = buildSpectrum(peptide, charge, predictions);
+    if (spectrum.hasError())
+        return tagged(spectrum.error(), Q_FUNC_INFO, fragmentationTrail::SPECTRUM);
+    *out = spectrum.value();
     return NoError;
 }
 
 Error MsMsFragmentationPredictomatic::predictFragments(const QStringList &peptides, int charge,
-                                                       QList<QList<FragmentPeak>> *out)
+                                                       QList<QList<FragmentPeak>> *out, IsotopePeaks isotopes)
 {
     ZAV_RETURN_IF_ERROR(out == nullptr ? missingOutError() : Error(), __LINE__);
     const Result<Model *> model = d->model(charge);
-    ZAV_RETURN_IF_ERROR(model.error(), __LINE__);
+    if (model.hasError())
+        return tagged(model.error(), Q_FUNC_INFO, __LINE__);
 
-    FragmentBatch batch(*model.value(), charge, cysteineFixedMass);
+    FragmentBatch batch(*model.value(), charge, cysteineFixedMass, isotopes);
     Error outcome = batch.predict(peptides);
     if (outcome.hasError())
         return std::move(outcome.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
     *out = batch.takeSpectra();
     return outcome;
+}
+
+/// The spectrum within its limits. The assembler makes it in one go; what it refuses, the single steps explain.
+Result<QList<QPointF>> MsMsFragmentationPredictomatic::buildSpectrum(const QString &peptide, int charge,
+                                                                     const std::vector<float> &predictions)
+{
+    SpectrumAssembler assembler(charge, cysteineFixedMass, IsotopePeaks::Included);
+    if (predictions.size() == static_cast<std::size_t>(assembler.slotCount()) &&
+        assembler.assemble(peptide, predictions.data()))
+        return assembler.points();
+    Result<QList<QPointF>> points = buildPoints(buildMzPoints(peptide, charge), predictions);
+    if (points.hasError())
+        return points;
+    return withinLimits(std::move(points).value());
 }
 
 QList<MsMsFragmentationPredictomatic::Fragment> MsMsFragmentationPredictomatic::buildMzPoints(const QString &peptide,
@@ -168,17 +193,15 @@ void MsMsFragmentationPredictomatic::addFragmentIonToMzPoints(double startMass, 
         return;
     const bool reversed = fragmentLadder::startsAtCTerminus(ionType);
     const qsizetype length = peptide.size();
-    double mass = startMass;
+    fragmentLadder::GrowingIon ion(startMass, charge);
     for (int i = 0; i < count; ++i) {
         if (i >= length) {
             out->append(Fragment{});
             continue;
         }
         const QChar residue = peptide.at(reversed ? length - 1 - i : i);
-        mass += fragmentLadder::residueMass(residue);
-        if (residue == fragmentLadder::MODIFIED_RESIDUE)
-            mass += cysteineFixedMass;
-        out->append({mass / charge, charge, ionType, i + 1, neutralLoss});
+        const double mz = ion.mzWith(fragmentLadder::weigh(residue, cysteineFixedMass));
+        out->append({mz, charge, ionType, i + 1, neutralLoss});
     }
 }
 
@@ -186,7 +209,8 @@ Result<QList<QPointF>> MsMsFragmentationPredictomatic::buildPoints(const QList<F
                                                                    const std::vector<float> &predictions)
 {
     ZAV_RETURN_IF_ERROR(
-        ErrorUtils::equal<int>(static_cast<int>(fragments.size()), static_cast<int>(predictions.size()), Failure), 256);
+        ErrorUtils::equal<int>(static_cast<int>(fragments.size()), static_cast<int>(predictions.size()), Failure),
+        fragmentationTrail::INTENSITY_COUNT);
     QList<QPointF> points;
     points.reserve(fragments.size() * TYPICAL_PEAKS_PER_SLOT);
     for (qsizetype slot = 0; slot < fragments.size(); ++slot) {
@@ -196,25 +220,20 @@ Result<QList<QPointF>> MsMsFragmentationPredictomatic::buildPoints(const QList<F
         const QPointF monoisotopic(fragment.mz, predictions.at(slot));
         points.append(monoisotopic);
         const Result<QList<QPointF>> isotopes = addIsotopesToFragments(monoisotopic, fragment.charge);
-        ZAV_RETURN_IF_ERROR(isotopes.error(), 274);
+        if (isotopes.hasError())
+            return tagged(isotopes.error(), Q_FUNC_INFO, fragmentationTrail::FRAGMENT_ISOTOPES);
         points.append(isotopes.value());
     }
     // Every m/z is a number here, so that the comparison is a true order: the isotope generator refuses a mass of NaN.
-    std::sort(points.begin(), points.end(), [](const QPointF &a, const QPointF &b) { return a.x() < b.x(); });
+    std::stable_sort(points.begin(), points.end(), [](const QPointF &a, const QPointF &b) { return a.x() < b.x(); });
     return points;
 }
 
 Result<QList<QPointF>> MsMsFragmentationPredictomatic::addIsotopesToFragments(const QPointF &point, int charge)
 {
-    const double mass = kelphysica::calculateUnchargedMassFromMzCharge(point.x(), charge, 0, true);
-    Result<QList<QPointF>> distribution =
-        isotopeGenerator.buildTheoreticalIsotopicDistributionPoints(mass, charge, 0.0);
-    ZAV_RETURN_IF_ERROR(distribution.error(), 440);
-    QList<QPointF> isotopes = std::move(distribution).value();
-    if (!isotopes.isEmpty())
-        isotopes.removeFirst();
-    for (QPointF &isotope : isotopes)
-        isotope.setY(isotope.y() * point.y());
+    Result<QList<QPointF>> isotopes = heavyIsotopePeaks(isotopeGenerator, point, charge);
+    if (isotopes.hasError())
+        return tagged(isotopes.error(), Q_FUNC_INFO, fragmentationTrail::ISOTOPE_ENVELOPE);
     return isotopes;
 }
 

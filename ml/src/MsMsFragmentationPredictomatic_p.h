@@ -9,6 +9,21 @@
 
 namespace zav {
 
+/// Lines in the trails of this class's errors, each standing for a step. Hosts read them: they stay as they are.
+namespace fragmentationTrail {
+
+inline constexpr int NETWORK_OF_CHARGE[]{58, 62, 66, 70, 74}; // loading that of precursor charge 1, 2 ...
+inline constexpr int NETWORKS = 123;                          // loading all of them
+inline constexpr int GRAPH_INPUT = 213;                       // binding the input
+inline constexpr int GRAPH_OUTPUT = 215;                      // binding the output
+inline constexpr int NETWORK_RESULT = 221;                    // reading the intensities
+inline constexpr int SPECTRUM = 230;                          // pairing them with the ladder
+inline constexpr int INTENSITY_COUNT = 256;                   // one intensity for each slot of the ladder
+inline constexpr int FRAGMENT_ISOTOPES = 274;                 // the isotope peaks of a fragment
+inline constexpr int ISOTOPE_ENVELOPE = 440;                  // the envelope that they are taken from
+
+} // namespace fragmentationTrail
+
 /// One slot of the fragment ladder. The defaults are those of a placeholder: a slot beyond the end of the peptide,
 /// which keeps the ladder in step with the network's output.
 struct MsMsFragmentationPredictomatic::Fragment

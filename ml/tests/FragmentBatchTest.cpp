@@ -2,6 +2,7 @@
 #include "FragmentComparison.h"
 #include "FragmentationTest.h"
 #include "MessageRecorder.h"
+#include "NaiveSpectrum.h"
 
 #include <limits>
 
@@ -54,6 +55,67 @@ TEST_F(FragmentBatchPrediction, GivesWhatOnePeptideCallsGiveAtEveryCharge)
         std::mt19937 generator(charge);
         load(charge, LinearNetwork::random(charge, charge).graph());
         expectSameAsOneByOne(randomPeptides(300, charge, &generator), charge);
+    }
+}
+
+TEST_F(FragmentBatchPrediction, WithIsotopesGivesTheSpectraOfOnePeptideCallsAtEveryCharge)
+{
+    for (int charge = 1; charge <= 5; ++charge) {
+        SCOPED_TRACE(charge);
+        std::mt19937 generator(charge + 50);
+        load(charge, LinearNetwork::random(charge, charge).graph());
+        // With fragments of equal m/z: the ends of a peptide that reads the same from both sides, and unknown residues.
+        QStringList peptides{QStringLiteral("A"), QStringLiteral("GAG"), QString(25, u'x'), QStringLiteral("CCCC")};
+        peptides.append(randomPeptides(150, charge, &generator));
+        Spectra spectra;
+        ASSERT_FALSE(predictor.predictFragments(peptides, charge, &spectra, IsotopePeaks::Included).hasError());
+        for (qsizetype i = 0; i < peptides.size(); ++i) {
+            SCOPED_TRACE(peptides.at(i).toStdString());
+            QList<QPointF> expected;
+            ASSERT_FALSE(predictor.predictMsMsFragmentation(peptides.at(i), charge, &expected).hasError());
+            EXPECT_TRUE(areSamePeaksInOrder(spectra.at(i), expected, EXACT));
+            EXPECT_TRUE(areNamedAfterIsotopes(spectra.at(i), &predictor, peptides.at(i), charge));
+        }
+    }
+}
+
+TEST_F(FragmentBatchPrediction, WithoutIsotopesGivesThePeaksOfIsotopeZero)
+{
+    load(3, LinearNetwork::random(3, 21).graph());
+    std::mt19937 generator(22);
+    const QStringList peptides = randomPeptides(50, 3, &generator);
+    Spectra with;
+    Spectra without;
+    ASSERT_FALSE(predictor.predictFragments(peptides, 3, &with, IsotopePeaks::Included).hasError());
+    ASSERT_FALSE(predictor.predictFragments(peptides, 3, &without).hasError());
+    for (qsizetype i = 0; i < peptides.size(); ++i) {
+        with[i].removeIf([](const FragmentPeak &peak) { return peak.isotope != 0; });
+        EXPECT_TRUE(std::equal(with.at(i).cbegin(), with.at(i).cend(), without.at(i).cbegin(), without.at(i).cend(),
+                               [](const FragmentPeak &a, const FragmentPeak &b) {
+                                   return a.mz == b.mz && a.intensity == b.intensity && isSameIon(a, b);
+                               }));
+    }
+}
+
+TEST_F(FragmentBatchPrediction, NumbersTheIsotopesOfAnIon)
+{
+    std::vector<float> intensities(359, 0.0F);
+    intensities[2] = 1.0F;       // y3
+    intensities[2 * 43] = 0.25F; // y1, doubly charged: its first isotope stays under the lowest intensity
+    load(2, constantNetwork(2, intensities));
+    Spectra spectra;
+    ASSERT_FALSE(predictor.predictFragments({QStringLiteral("RRK")}, 2, &spectra, IsotopePeaks::Included).hasError());
+    // Residues (Matrix Science, six digits): R 156.101111, K 128.094963.
+    const double y3 = 2 * 156.101111 + 128.094963 + 19.01784146677;
+    const std::vector<double> envelope = naive::isotopeEnvelope(y3 - 1.00727646677, 4);
+    const QList<FragmentPeak> peaks = spectra.first();
+    ASSERT_EQ(peaks.size(), 1 + 3) << "y3 with two isotopes: 1, 0.25 and 0.05";
+    EXPECT_EQ(peaks.first().charge, 2);
+    for (int k = 0; k < 3; ++k) {
+        EXPECT_NEAR(peaks.at(1 + k).mz, y3 + k * 1.0033548, 3e-6);
+        EXPECT_NEAR(peaks.at(1 + k).intensity, envelope[k], 1e-5);
+        EXPECT_EQ(peaks.at(1 + k).ionNumber, 3);
+        EXPECT_EQ(peaks.at(1 + k).isotope, k);
     }
 }
 
@@ -195,24 +257,33 @@ TEST_F(FragmentBatchPrediction, OfTooLongPeptidesOnlyHasAsManyEmptySpectra)
 TEST_F(FragmentBatchPrediction, WarnsOfPeptidesThatTheOnePeptideCallRefuses)
 {
     load(2, constantNetwork(2, std::vector<float>(359, 1.0F)));
+    predictor.setCysteineFixedMass(1e6);
     const QStringList peptides{
-        QStringLiteral("PEPTIDEx"), QStringLiteral("PEPTIDE"), QString(44, u'G'), QStringLiteral("xP"), QString(),
+        QStringLiteral("PEPTIDEC"), QStringLiteral("PEPTIDE"), QString(44, u'G'), QStringLiteral("CP"), QString(),
         QStringLiteral("PxP")};
     Spectra out;
     const Error outcome = predictor.predictFragments(peptides, 2, &out);
     EXPECT_FALSE(outcome.hasError());
-    const QString weightless =
-        QStringLiteral("%1 has a fragment without a mass above 0 and up to 1e6 Da: not predicted");
+    const QString tooHeavy =
+        QStringLiteral("%1 has a fragment whose mass is not finite or above 1e6 Da: not predicted");
     EXPECT_EQ(
         outcome.warnings(),
-        (QStringList{weightless.arg(peptides.at(0)),
+        (QStringList{tooHeavy.arg(peptides.at(0)),
                      peptides.at(2) +
                          QStringLiteral(" has 44 residues, more than the 43 of precursor charge 2: not predicted"),
-                     weightless.arg(peptides.at(3))}))
+                     tooHeavy.arg(peptides.at(3))}))
         << "in the order of the peptides";
     const QList<bool> predicted{false, true, false, false, false, true};
     for (int i = 0; i < peptides.size(); ++i)
         EXPECT_EQ(!out.at(i).isEmpty(), predicted.at(i)) << i;
+}
+
+TEST_F(FragmentBatchPrediction, PredictsPeptidesThatBeginOrEndWithAnUnknownResidue)
+{
+    load(2, LinearNetwork::random(2, 13).graph());
+    expectSameAsOneByOne({QStringLiteral("UPEPTIDEK"), QStringLiteral("PEPTIDEx"), QStringLiteral("xP"),
+                          QStringLiteral("pep"), QStringLiteral("x")},
+                         2);
 }
 
 TEST_F(FragmentBatchPrediction, WarnsWhereTheCysteineMassGivesNoFragmentMass)

@@ -149,6 +149,29 @@ TEST_F(FragmentLadder, WithoutAChargeInRangeIsTheASeries)
     }
 }
 
+TEST_F(FragmentLadder, OfAnUnknownResidueHasTheStartMassesToTheLastBit)
+{
+    // The residue weighs nothing, which leaves the sums of these masses (Da) in double arithmetic.
+    constexpr double WATER = 18.010565;
+    constexpr double AMMONIA = 17.026549;
+    constexpr double CARBON_MONOXIDE = 27.994915;
+    const int l = 50;
+    const std::vector<std::pair<int, double>> startMzs{{0, WATER + PROTON},
+                                                       {l, PROTON},
+                                                       {2 * l, (WATER + 2 * PROTON) / 2},
+                                                       {3 * l, 2 * PROTON / 2},
+                                                       {4 * l, PROTON - CARBON_MONOXIDE},
+                                                       {4 * l + 15, PROTON},
+                                                       {5 * l + 15, WATER + PROTON - AMMONIA},
+                                                       {6 * l + 15, PROTON - WATER},
+                                                       {7 * l + 15, PROTON - AMMONIA},
+                                                       {8 * l + 15, (WATER + 3 * PROTON) / 3},
+                                                       {9 * l + 15, 3 * PROTON / 3}};
+    const QList<Fragment> ladder = steps.buildMzPoints(QStringLiteral("X"), 3);
+    for (const auto &[slot, mz] : startMzs)
+        EXPECT_EQ(ladder.at(slot).mz, mz) << slot;
+}
+
 TEST_F(FragmentLadder, KeepsTheFullLengthIons)
 {
     const QList<Fragment> ladder = steps.buildMzPoints(QString(27, u'G'), 1);

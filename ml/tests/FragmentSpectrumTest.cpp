@@ -2,6 +2,7 @@
 #include "FragmentationInspector.h"
 #include "FragmentationTest.h"
 #include "NaiveSpectrum.h"
+#include "SpectrumAssembler.h"
 #include "SpectrumLimits.h"
 
 #include <algorithm>
@@ -107,9 +108,36 @@ TEST_F(FragmentSpectrum, OfAnEmptyPeptideIsEmpty)
     EXPECT_TRUE(points.value().isEmpty());
 }
 
-TEST_F(FragmentSpectrum, FailsWithAFragmentThatWeighsNothing)
+TEST_F(FragmentSpectrum, HasTheMonoisotopicPeakAloneOfAFragmentThatWeighsNothing)
 {
-    const Result<QList<QPointF>> points = build(QStringLiteral("XA"), 1, 1.0F);
+    // Of the seven fragments y1 and y1-NH3 weigh something: as much as water, and as that less ammonia.
+    const Result<QList<QPointF>> points = build(QStringLiteral("X"), 1, 1.0F);
+    ASSERT_FALSE(points.hasError());
+    const double proton = 1.00727646677;
+    const double y1 = 18.010565 + proton;
+    const double lessAmmonia = y1 - 17.026549;
+    QList<double> mzs{proton, proton, lessAmmonia, lessAmmonia + 1.0033548, y1, y1 + 1.0033548};
+    ASSERT_EQ(points.value().size(), mzs.size());
+    for (qsizetype i = 0; i < mzs.size(); ++i)
+        EXPECT_NEAR(points.value().at(i).x(), mzs.at(i), 1e-12) << i;
+}
+
+TEST_F(FragmentSpectrum, KeepsAFragmentAtZeroMz)
+{
+    Fragment fragment;
+    fragment.charge = 1;
+    for (const double mz : {0.0, -0.0}) {
+        fragment.mz = mz;
+        const Result<QList<QPointF>> points = steps.buildPoints({fragment}, {0.5F});
+        ASSERT_FALSE(points.hasError());
+        EXPECT_EQ(points.value(), (QList<QPointF>{{0.0, 0.5}}));
+    }
+}
+
+TEST_F(FragmentSpectrum, FailsWithAFragmentThatIsTooHeavy)
+{
+    predictor.setCysteineFixedMass(1e6);
+    const Result<QList<QPointF>> points = build(QStringLiteral("CA"), 1, 1.0F);
     ASSERT_TRUE(points.hasError());
     EXPECT_EQ(points.error().code(), InvalidInput);
     EXPECT_FALSE(points.error().message().isEmpty());
@@ -156,12 +184,31 @@ TEST_F(FragmentSpectrum, IsotopesFollowTheEnvelopeWithoutItsFirstPeak)
 
 TEST_F(FragmentSpectrum, IsotopesOfAnImpossibleIonFail)
 {
-    for (const double mz : {1.00727646677, 0.5, NOT_A_NUMBER, INFINITE}) {
+    for (const double mz : {1e6 + 1.1, NOT_A_NUMBER, INFINITE, -INFINITE}) {
         const Result<QList<QPointF>> isotopes = steps.addIsotopesToFragments({mz, 1.0}, 1);
         ASSERT_TRUE(isotopes.hasError());
         EXPECT_EQ(isotopes.error().code(), InvalidInput);
         EXPECT_EQ(lastPlacesOf(isotopes.error(), 1),
                   QStringList{QStringLiteral("MsMsFragmentationPredictomatic::addIsotopesToFragments 440")});
+    }
+}
+
+TEST_F(FragmentSpectrum, IonsWithoutMassHaveNoIsotopes)
+{
+    for (const double mz : {1.00727646677, 0.5, 0.0, -27.0}) {
+        const Result<QList<QPointF>> isotopes = steps.addIsotopesToFragments({mz, 1.0}, 1);
+        ASSERT_FALSE(isotopes.hasError());
+        EXPECT_TRUE(isotopes.value().isEmpty()) << mz;
+    }
+}
+
+TEST(HighestIsotopeAbundance, IsNotExceededUpToThreeChargesAtTheHighestMz)
+{
+    const TheoreticalIsotopePoint2dListGenerator generator;
+    for (double mass = -5.0; mass <= 3 * spectrumLimits::HIGHEST_MZ; mass += 0.5) {
+        const auto points = generator.buildTheoreticalIsotopicDistributionPoints(mass, 1, 0.0).value();
+        for (const QPointF &isotope : points.mid(1))
+            ASSERT_LE(isotope.y(), highestIsotopeAbundance(mass)) << mass;
     }
 }
 

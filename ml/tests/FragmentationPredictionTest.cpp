@@ -175,6 +175,19 @@ TEST_F(FragmentationPrediction, NamesAMissingOutput)
     EXPECT_EQ(out, MARK);
 }
 
+TEST_F(FragmentationPrediction, BindsTheInputBeforeTheOutput)
+{
+    GraphDefBuilder graph;
+    load(2, graph.noOp("init"));
+    const MessageRecorder log;
+    QList<QPointF> out = MARK;
+    const Error error = predictor.predictMsMsFragmentation(QStringLiteral("PEPTIDE"), 2, &out);
+    EXPECT_EQ(lastPlacesOf(error, 1),
+              QStringList{QStringLiteral("MsMsFragmentationPredictomatic::predictMsMsFragmentation 213")});
+    EXPECT_EQ(log.criticalTexts(), QStringList{QStringLiteral("No operation named import/conv1d_1_input exists")});
+    EXPECT_EQ(out, MARK);
+}
+
 TEST_F(FragmentationPrediction, RefusesAnOutputOfAnotherType)
 {
     GraphDefBuilder graph;
@@ -244,18 +257,100 @@ TEST_F(FragmentationPrediction, RefusesAnOutputOfAnotherSize)
     EXPECT_EQ(out, MARK);
 }
 
-TEST_F(FragmentationPrediction, FailsWhereAFragmentWeighsNothing)
+TEST_F(FragmentationPrediction, FailsWhereAFragmentHasNoMassOfAPeptide)
 {
-    ASSERT_FALSE(files.init(&predictor).hasError());
-    for (const QString &peptide : {QStringLiteral("xPEPTIDE"), QStringLiteral("PEPTIDEx"), QStringLiteral("pep")}) {
+    ASSERT_FALSE(files.init(&predictor).hasError()); // zero intensities: the weakest fragment is weighed too
+    for (const double mass : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e6}) {
+        predictor.setCysteineFixedMass(mass);
         QList<QPointF> out = MARK;
-        const Error error = predictor.predictMsMsFragmentation(peptide, 2, &out);
+        const Error error = predictor.predictMsMsFragmentation(QStringLiteral("PEPTIDEC"), 2, &out);
         EXPECT_EQ(error.code(), InvalidInput);
         EXPECT_EQ(lastPlacesOf(error, 3),
                   (QStringList{QStringLiteral("MsMsFragmentationPredictomatic::addIsotopesToFragments 440"),
                                QStringLiteral("MsMsFragmentationPredictomatic::buildPoints 274"),
                                QStringLiteral("MsMsFragmentationPredictomatic::predictMsMsFragmentation 230")}));
         EXPECT_EQ(out, MARK);
+    }
+}
+
+TEST_F(FragmentationPrediction, TakesAnUnknownResidueAtTheFirstEnd)
+{
+    load(1, constantNetwork(1, allSlots(1, 1.0F)));
+    QList<QPointF> spectrum;
+    ASSERT_FALSE(predictor.predictMsMsFragmentation(QStringLiteral("UG"), 1, &spectrum).hasError());
+    // b1 of nothing is a proton without isotopes. The b ions less water or ammonia, and a1, have negative m/z.
+    ASSERT_GE(spectrum.size(), 2);
+    EXPECT_EQ(spectrum.at(0), QPointF(1.00727646677, 1.0));
+    EXPECT_NEAR(spectrum.at(1).x(), 57.021464 + 1.00727646677 - 27.994915, MZ_TOLERANCE) << "a2";
+    const auto isMonoisotopic = [](const QPointF &point) { return point.y() == 1.0; };
+    EXPECT_EQ(std::count_if(spectrum.cbegin(), spectrum.cend(), isMonoisotopic), 1 + 4 + 6)
+        << "b1; y1, y2, b2 and a2; the y ions and b2 less water, and less ammonia";
+}
+
+TEST_F(FragmentationPrediction, TakesUnknownResiduesAtBothEnds)
+{
+    for (int charge = 1; charge <= 5; ++charge) {
+        load(charge, LinearNetwork::random(charge, 3).graph());
+        for (const QString &peptide :
+             {QStringLiteral("UPEPTIDEK"), QStringLiteral("PEPTIDEx"), QStringLiteral("pep")}) {
+            QList<QPointF> out = MARK;
+            const Error error = predictor.predictMsMsFragmentation(peptide, charge, &out);
+            EXPECT_FALSE(error.hasError()) << error.toString().toStdString();
+            EXPECT_NE(out, MARK);
+        }
+    }
+}
+
+TEST_F(FragmentationPrediction, KeepsAFragmentAtZeroMz)
+{
+    load(1, constantNetwork(1, allSlots(1, 1.0F)));
+    const MsMsFragmentationPredictomaticInspector steps(&predictor);
+    predictor.setCysteineFixedMass(0.0);
+    predictor.setCysteineFixedMass(-steps.buildMzPoints(QStringLiteral("C"), 1).at(0).mz);
+    ASSERT_EQ(steps.buildMzPoints(QStringLiteral("C"), 1).at(0).mz, 0.0);
+    QList<QPointF> out;
+    ASSERT_FALSE(predictor.predictMsMsFragmentation(QStringLiteral("C"), 1, &out).hasError());
+    EXPECT_EQ(out, (QList<QPointF>{{0.0, 1.0}})) << "y1; all others have negative m/z";
+}
+
+TEST_F(FragmentationPrediction, KeepsPeaksOfEqualMzInTheOrderOfTheLadder)
+{
+    // Unknown residues weigh nothing: the b ions and the y ions less water all stand at the proton's m/z.
+    constexpr std::size_t L = 27;
+    std::vector<float> intensities(177, 0.0F);
+    QList<QPointF> expected;
+    for (const std::size_t firstSlot : {L, 2 * L + 15}) {
+        for (std::size_t i = 0; i < L; ++i) {
+            intensities[firstSlot + i] = static_cast<float>((i * 7 + firstSlot) % 31 + 1);
+            expected.append({1.00727646677, intensities[firstSlot + i]});
+        }
+    }
+    load(1, constantNetwork(1, intensities));
+    QList<QPointF> spectrum;
+    ASSERT_FALSE(predictor.predictMsMsFragmentation(QString(L, u'x'), 1, &spectrum).hasError());
+    EXPECT_EQ(spectrum, expected);
+}
+
+TEST_F(FragmentationPrediction, GivesWhatItsStepsGiveOneByOne)
+{
+    const MsMsFragmentationPredictomaticInspector steps(&predictor);
+    for (int charge = 1; charge <= 5; ++charge) {
+        std::mt19937 generator(charge);
+        const LinearNetwork network = LinearNetwork::random(charge, 20 + charge);
+        load(charge, network.graph());
+        for (int i = 0; i < 200; ++i) {
+            // Light, negative and heavy fragments, above 1800 Da and at the limits of m/z.
+            predictor.setCysteineFixedMass(static_cast<double>(generator() % 3000) - 1000.0);
+            QString peptide = randomPeptide(static_cast<int>(generator() % 27), &generator);
+            peptide.replace(u'W', u'x').replace(u'P', u'C');
+            SCOPED_TRACE(peptide.toStdString());
+            QList<QPointF> expected =
+                steps.buildPoints(steps.buildMzPoints(peptide, charge), network.intensities(peptide)).value();
+            expected.removeIf([](const QPointF &point) { return point.x() > 2000.0 || point.y() < 0.025; });
+            QList<QPointF> spectrum;
+            ASSERT_FALSE(predictor.predictMsMsFragmentation(peptide, charge, &spectrum).hasError());
+            ASSERT_EQ(spectrum, expected);
+        }
     }
 }
 

@@ -67,6 +67,36 @@ TEST_P(ShippedFragmentation, BatchGivesWhatOnePeptideCallsGive)
     }
 }
 
+TEST_P(ShippedFragmentation, NamedPeaksAreThoseOfTheOnePeptideCall)
+{
+    // One peptide a call, so that the network does the same work in both.
+    constexpr double ROUNDING = 1e-6;
+    std::mt19937 generator(3);
+    const int charge = GetParam();
+    QStringList peptides{QStringLiteral("LQSRPAAPPAPGPGQLTLR"),
+                         QStringLiteral("UPEPTIDEK"),
+                         QStringLiteral("A"),
+                         QStringLiteral("GAGAGAG"),
+                         QStringLiteral("xxxx"),
+                         QString()};
+    for (int length = 5; length <= predictor.getMaximumPeptideLengthForCharge(charge); ++length)
+        peptides.append(randomPeptide(length, &generator));
+    qsizetype isotopeCount = 0;
+    for (const QString &peptide : peptides) {
+        SCOPED_TRACE(peptide.toStdString());
+        QList<QPointF> expected;
+        ASSERT_FALSE(predictor.predictMsMsFragmentation(peptide, charge, &expected).hasError());
+        QList<QList<FragmentPeak>> spectra;
+        ASSERT_FALSE(predictor.predictFragments({peptide}, charge, &spectra, IsotopePeaks::Included).hasError());
+        ASSERT_EQ(spectra.first().size(), expected.size());
+        EXPECT_TRUE(areSamePeaksInOrder(spectra.first(), expected, ROUNDING));
+        EXPECT_TRUE(areNamedAfterIsotopes(spectra.first(), &predictor, peptide, charge));
+        isotopeCount += std::count_if(spectra.first().cbegin(), spectra.first().cend(),
+                                      [](const FragmentPeak &peak) { return peak.isotope > 0; });
+    }
+    EXPECT_GT(isotopeCount, 10 * peptides.size());
+}
+
 INSTANTIATE_TEST_SUITE_P(AllCharges, ShippedFragmentation, ::testing::Range(1, 6));
 
 } // namespace

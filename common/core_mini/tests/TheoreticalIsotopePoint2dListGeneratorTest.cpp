@@ -221,11 +221,31 @@ TEST(IsotopeEnvelope, IsFiniteUpToTheHighestMass)
         ASSERT_TRUE(std::isfinite(point.x()) && std::isfinite(point.y()) && point.y() > 0.0);
 }
 
+TEST(IsotopeEnvelope, WithoutAMassIsTheMonoisotopicPeakAlone)
+{
+    for (const double mass : {0.0, -0.0, -27.5, -1e6, std::numeric_limits<double>::lowest()}) {
+        for (const int charge : {1, 2, 3}) {
+            const QList<QPointF> points = envelope(mass, charge);
+            ASSERT_EQ(1, points.size()) << mass;
+            EXPECT_EQ(mass / charge + PROTON, points.first().x());
+            EXPECT_EQ(1.0, points.first().y());
+        }
+    }
+    EXPECT_EQ(1, envelope(0.0, 1, std::numeric_limits<double>::denorm_min()).size());
+}
+
+TEST(IsotopeEnvelope, WithoutAMassStillRefusesWhatElseIsOutOfRange)
+{
+    EXPECT_TRUE(failure(0.0, 0, 0.0).equals(InvalidInput));
+    EXPECT_TRUE(failure(-27.5, -1, 0.0).equals(InvalidInput));
+    EXPECT_TRUE(failure(0.0, 1, 1.001).equals(InvalidInput));
+}
+
 TEST(IsotopeEnvelope, RefusesMassesOutOfRange)
 {
     constexpr double INFINITE = std::numeric_limits<double>::infinity();
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    for (const double mass : {0.0, -0.0, -27.99, -INFINITE, INFINITE, nan, std::nextafter(1e6, INFINITE)})
+    for (const double mass : {-INFINITE, INFINITE, nan, std::nextafter(1e6, INFINITE)})
         EXPECT_TRUE(failure(mass, 1, 0.0).equals(InvalidInput)) << mass;
 }
 
@@ -244,8 +264,8 @@ TEST(IsotopeEnvelope, RefusesASmallestAbundanceOutOfRange)
 
 TEST(IsotopeEnvelope, ErrorsNameTheValueAndCarryNoTrailYet)
 {
-    const Error error = failure(-27.5, 1, 0.0);
-    EXPECT_EQ(QStringLiteral("An isotope envelope needs a mass above 0 and up to 1e6 Da, not -27.5"), error.message());
+    const Error error = failure(2.5e6, 1, 0.0);
+    EXPECT_EQ(QStringLiteral("An isotope envelope needs a finite mass of up to 1e6 Da, not 2.5e+06"), error.message());
     EXPECT_TRUE(error.trail().isEmpty());
     EXPECT_EQ(QStringLiteral("An isotope envelope needs a charge of 1 or more, not 0"), failure(1.0, 0, 0.0).message());
     EXPECT_EQ(QStringLiteral("The smallest abundance of an isotope envelope must lie within 0 to 1, not 2"),

@@ -64,33 +64,37 @@ public:
     void setCysteineFixedMass(double mass);
 
     /// Predicts one spectrum: the fragments and their isotope peaks as (m/z, intensity), sorted by ascending m/z,
-    /// without peaks over 2000 m/z or under an intensity of 0.025. One network run.
+    /// without peaks over 2000 m/z or under an intensity of 0.025. Peaks of equal m/z stand in the order of the
+    /// network's ions. A fragment of no mass, as of unknown residues alone, has no isotope peaks; one of negative m/z
+    /// is left out. One network run.
     ///
     /// `out` is replaced on success only. A peptide longer than the charge allows, which every peptide with a residue
     /// is at a charge outside 1 to 5, is not an error: nothing is predicted and `out` stays as it was.
     ///
     /// `Error(Failure)`: the network of the charge is not loaded, or it does not fit its contract (operations
     /// "import/conv1d_1_input" and "import/dense_3/BiasAdd", float, one intensity per slot of the fragment ladder).
-    /// `Error(InvalidInput)`: a fragment has no mass within 0 (excluded) to 1e6 Da, as where the peptide begins or ends
-    /// with an unknown residue, or where the cysteine mass is not finite; a null `out`.
+    /// `Error(InvalidInput)`: the mass of a fragment is above 1e6 Da or, as with such a mass of cysteine, not finite; a
+    /// null `out`.
     Error predictMsMsFragmentation(const QString &peptide, int charge, QList<QPointF> *out);
 
-    /// Predicts the fragments of many peptides of one precursor charge, annotated and without isotope peaks, as
-    /// spectral libraries store them: the monoisotopic peaks that `predictMsMsFragmentation` gives, m/z alike,
-    /// intensities to float rounding.
+    /// Predicts the fragments of many peptides of one precursor charge, each peak named after its fragment.
     ///
-    /// `out` is replaced on success only, by one list per peptide in their order, each sorted by ascending m/z and
-    /// limited as `predictMsMsFragmentation` limits its peaks. A peptide longer than the charge allows, or one with a
-    /// fragment of no mass within 0 (excluded) to 1e6 Da, gets an empty list and a warning on the returned (no-error)
-    /// `Error`.
+    /// With `IsotopePeaks::Included` a peptide has the peaks that `predictMsMsFragmentation` gives it, in the same
+    /// order, m/z alike, intensities to float rounding; a peak within that rounding of the lowest intensity may be in
+    /// one of the two alone. With `LeftOut` it has those whose `isotope` is 0.
+    ///
+    /// `out` is replaced on success only, by one list per peptide in their order. A peptide longer than the charge
+    /// allows, or one with a fragment whose mass is not finite or above 1e6 Da, gets an empty list and a warning on the
+    /// returned (no-error) `Error`.
     ///
     /// `Error(Failure)`: the charge has no loaded network, or the network does not fit its contract.
     /// `Error(InvalidInput)`: a null `out`.
     ///
     /// The network runs once per block of 128 peptides of similar length, so that each costs a fraction of a single
     /// call; a network that is built for a fixed number of peptides, of which that number must be one, runs once for
-    /// each. Beyond `out` (about 60 bytes per peak) the call needs memory for one block.
-    Error predictFragments(const QStringList &peptides, int charge, QList<QList<FragmentPeak>> *out);
+    /// each. Beyond `out` (64 bytes per peak) the call needs memory for one block.
+    Error predictFragments(const QStringList &peptides, int charge, QList<QList<FragmentPeak>> *out,
+                           IsotopePeaks isotopes = IsotopePeaks::LeftOut);
 
 private:
     friend class MsMsFragmentationPredictomaticInspector; // the unit tests' view of the steps below
@@ -98,6 +102,7 @@ private:
     class Private;
     struct Fragment;
 
+    Result<QList<QPointF>> buildSpectrum(const QString &peptide, int charge, const std::vector<float> &predictions);
     QList<Fragment> buildMzPoints(const QString &peptide, int charge);
     void addFragmentIonToMzPoints(double startMass, int count, const QString &peptide, int charge, QChar ionType,
                                   const QString &neutralLoss, QList<Fragment> *out);

@@ -50,7 +50,7 @@ inline bool haveSamePeaks(const QList<FragmentPeak> &peaks, QList<QPointF> expec
 inline bool isSameIon(const FragmentPeak &a, const FragmentPeak &b)
 {
     return a.ionType == b.ionType && a.ionNumber == b.ionNumber && a.charge == b.charge &&
-           a.neutralLoss == b.neutralLoss;
+           a.neutralLoss == b.neutralLoss && a.isotope == b.isotope;
 }
 
 /// Whether each peak is named after a fragment of exactly its m/z, and none twice.
@@ -67,6 +67,37 @@ inline bool areNamedAfterFragments(const QList<FragmentPeak> &peaks, MsMsFragmen
         return std::count_if(ladder.cbegin(), ladder.cend(), isNamesake) == 1 &&
                std::count_if(peaks.cbegin(), peaks.cend(), isDouble) == 1;
     });
+}
+
+/// Whether each peak is one of the fragment that it is named after: of exactly its m/z, or of exactly that of its
+/// isotope; and none twice.
+inline bool areNamedAfterIsotopes(const QList<FragmentPeak> &peaks, MsMsFragmentationPredictomatic *predictor,
+                                  const QString &peptide, int charge)
+{
+    const MsMsFragmentationPredictomaticInspector steps(predictor);
+    const auto ladder = steps.buildMzPoints(peptide, charge);
+    return std::all_of(peaks.cbegin(), peaks.cend(), [&](const FragmentPeak &peak) {
+        const auto isDouble = [&peak](const FragmentPeak &other) { return isSameIon(peak, other); };
+        const auto fragment = std::find_if(ladder.cbegin(), ladder.cend(), [&peak](const auto &each) {
+            return isSameIon(peak,
+                             {0.0, 0.0, each.ionType, each.ionNumber, each.charge, each.neutralLoss, peak.isotope});
+        });
+        if (fragment == ladder.cend() || std::count_if(peaks.cbegin(), peaks.cend(), isDouble) != 1)
+            return false;
+        if (peak.isotope == 0)
+            return peak.mz == fragment->mz;
+        const auto isotopes = steps.addIsotopesToFragments({fragment->mz, 1.0}, fragment->charge).value();
+        return peak.isotope <= isotopes.size() && peak.mz == isotopes.at(peak.isotope - 1).x();
+    });
+}
+
+/// Whether both are the same peaks in the same order, m/z exactly, intensities within the tolerance.
+inline bool areSamePeaksInOrder(const QList<FragmentPeak> &peaks, const QList<QPointF> &expected, double tolerance)
+{
+    return std::equal(peaks.cbegin(), peaks.cend(), expected.cbegin(), expected.cend(),
+                      [tolerance](const FragmentPeak &peak, const QPointF &point) {
+                          return peak.mz == point.x() && std::abs(peak.intensity - point.y()) <= tolerance;
+                      });
 }
 
 inline bool isSortedByMz(const QList<FragmentPeak> &peaks)

@@ -178,6 +178,8 @@ QList<QPointF> spectrum(const QString &peptide, int precursorCharge, double cyst
         if (mzs[slot] > highestMz || intensities[slot] * HIGHEST_ABUNDANCE < lowestIntensity)
             continue;
         const double neutralMass = (mzs[slot] - (H1 - ELECTRON)) * charges[slot];
+        if (neutralMass <= 0.0)
+            continue; // of no atoms
         const int isotopes = 6 + static_cast<int>(neutralMass / DALTONS_PER_ISOTOPE);
         const std::vector<double> envelope = isotopeEnvelope(neutralMass, isotopes);
         for (int k = 1; k < isotopes; ++k)

@@ -26,9 +26,10 @@ public:
     /// is 1; from about 1800 Da on it is not the largest).
     ///
     /// Always two peaks, and on until one falls under `minRelativeAbundance` times the largest, which is left out.
-    /// `minRelativeAbundance` lies within 0 to 1; 0 stands for 0.001.
+    /// `minRelativeAbundance` lies within 0 to 1; 0 stands for 0.001. A mass of 0 or less, which no atom makes, has the
+    /// monoisotopic peak alone, at mass / charge + 1.00727646677 like any other.
     ///
-    /// `InvalidInput`, untagged, for a mass that is not within 0 (excluded) to 1e6 Da, where heights relative to the
+    /// `InvalidInput`, untagged, for a mass that is not finite or above 1e6 Da, where heights relative to the
     /// monoisotopic peak near the end of double; for a charge below 1; for a `minRelativeAbundance` out of range.
     ///
     /// A fragment's envelope takes well under a microsecond; the cost grows with the number of peaks.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 // The envelope of n_e atoms of each element e is the power series P(x) = prod_e A_e(x)^n_e, where the coefficient of
 // x^k in A_e is the abundance of the isotope k mass units above the lightest, relative to it. With n_e = mass * (atoms
@@ -80,6 +81,8 @@ using Abundances = QVarLengthArray<double, 64>;
 
 Abundances relativeAbundances(double mass, double minRelativeAbundance)
 {
+    if (mass <= 0.0)
+        return {1.0};
     Series scaled = PER_DALTON;
     for (double &coefficient : scaled)
         coefficient *= mass;
@@ -100,9 +103,9 @@ Abundances relativeAbundances(double mass, double minRelativeAbundance)
 
 Error checkInput(double mass, int charge, double minRelativeAbundance)
 {
-    if (!(mass > 0.0 && mass <= TheoreticalIsotopePoint2dListGenerator::MAXIMUM_MASS))
+    if (!std::isfinite(mass) || mass > TheoreticalIsotopePoint2dListGenerator::MAXIMUM_MASS)
         return {InvalidInput,
-                QStringLiteral("An isotope envelope needs a mass above 0 and up to 1e6 Da, not %1").arg(mass)};
+                QStringLiteral("An isotope envelope needs a finite mass of up to 1e6 Da, not %1").arg(mass)};
     if (charge < 1)
         return {InvalidInput, QStringLiteral("An isotope envelope needs a charge of 1 or more, not %1").arg(charge)};
     if (!(minRelativeAbundance >= 0.0 && minRelativeAbundance <= 1.0))
