@@ -7,6 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QtCore/QFileInfo>
+
 #include <cmath>
 #include <map>
 
