@@ -2,8 +2,8 @@
 #include "BlibLibrary.h"
 
 #include "BlibReader.h"
-#include "CysteineModification.h"
 #include "PeakArrays.h"
+#include "PeptideMasses.h"
 
 namespace zav {
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MzSpecLibFormat.h"
 
-#include "CysteineModification.h"
 #include "PeptideMasses.h"
 #include "PeptideNotation.h"
 

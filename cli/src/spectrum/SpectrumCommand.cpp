@@ -2,7 +2,6 @@
 #include "SpectrumCommand.h"
 
 #include "ObservedSpectrumFile.h"
-#include "PrecursorCheck.h"
 #include "PrintableText.h"
 #include "SpectrumPlot.h"
 #include "Terminal.h"
@@ -18,8 +17,8 @@ namespace zav {
 
 namespace {
 
-// How many precursors are predicted before the bar moves. With isotopes the network runs for each alone; without, the
-// block is large enough for it to run on many at once.
+// How many precursors are predicted before the bar moves. With isotopes the network runs for each alone; without them
+// on the whole block, which is therefore larger.
 constexpr qsizetype BLOCK_WITH_ISOTOPES = 32;
 constexpr qsizetype BLOCK_WITHOUT_ISOTOPES = 512;
 
@@ -31,18 +30,11 @@ OutputFormat formatOf(const SpectrumOptions &options)
                                                                                 : OutputFormat::Tsv;
 }
 
-PredictionContent contentOf(const SpectrumOptions &options, OutputFormat format, const WriterOptions &writerOptions)
-{
-    const bool isCompared = !options.picturePath.isEmpty() || !options.observedPath.isEmpty();
-    return {options.cysteineMass, options.isotopes, isCompared || writesIonNames(format, writerOptions)};
-}
-
 } // namespace
 
 SpectrumCommand::SpectrumCommand(const SpectrumOptions &options)
-    : Command(options.verbose), m_options(options),
-      m_format(formatOf(options)), m_writerOptions{options.annotate, !options.peptideList.isEmpty()},
-      m_output(options.outputPath, m_format, m_writerOptions)
+    : Command(options.verbose), m_options(options), m_format(formatOf(options)),
+      m_output(options.outputPath, m_format, {options.annotate, isList()})
 {}
 
 SpectrumCommand::~SpectrumCommand() = default;
@@ -97,7 +89,8 @@ Error SpectrumCommand::loadNetworks()
     const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder);
     if (folder.hasError())
         return folder.error();
-    m_predictor = std::make_unique<SpectrumPredictor>(contentOf(m_options, m_format, m_writerOptions));
+    m_predictor = std::make_unique<SpectrumPredictor>(
+        m_options.cysteineMass, m_options.isotopes ? IsotopePeaks::Included : IsotopePeaks::LeftOut);
     const QuietStandardError quiet(!m_options.verbose);
     return m_predictor->load(folder.value(), charges);
 }
@@ -170,8 +163,7 @@ Error SpectrumCommand::compareAndDraw()
     const Precursor &precursor = m_spectrum->precursor;
     std::optional<SpectrumComparison> comparison;
     if (m_observed) {
-        comparison = compareSpectra({precursor.peptide, precursor.charge, m_spectrum->cysteineMass}, m_spectrum->peaks,
-                                    *m_observed, m_options.tolerance);
+        comparison = compareSpectra(*m_spectrum, *m_observed, m_options.tolerance);
         printComparison(*comparison);
     }
     if (m_options.picturePath.isEmpty())

@@ -2,12 +2,11 @@
 #pragma once
 
 #include "Command.h"
-#include "ObservedSpectrum.h"
 #include "PeptideList.h"
 #include "SpectrumComparison.h"
 #include "SpectrumOptions.h"
-#include "SpectrumOutput.h"
 #include "SpectrumPredictor.h"
+#include "SpectrumWriter.h"
 
 #include <QtCore/QList>
 
@@ -40,7 +39,6 @@ private:
 
     SpectrumOptions m_options;
     OutputFormat m_format;
-    WriterOptions m_writerOptions;
     SpectrumOutput m_output;
     QList<PeptideListRow> m_rows;
     QList<Error> m_problems; ///< one per row: why it cannot be predicted, or no error
