@@ -16,7 +16,7 @@ namespace zav {
 
 namespace {
 
-/// What the libraries below log of their own accord: only for those who asked for more than one line a failure.
+/// Keeps the log of the libraries off standard error, where each failure has one line of the program's own.
 void quietenLibraries()
 {
     QLoggingCategory::setFilterRules(QStringLiteral("zav.ml=false"));
@@ -65,7 +65,7 @@ int run(const LibraryMergeOptions &options)
 template <typename Options>
 int runCommand(const Options &options, char **argv)
 {
-    // The application object reads arguments of its own; ours are none of its business.
+    // The application object would take some of the arguments for its own.
     int applicationArgc = 1;
     const auto application = createApplication(applicationArgc, argv, options.drawsPictures());
     if (!options.verbose)
@@ -82,6 +82,7 @@ int runCommand(const EarlyExit &exit, char ** /*argv*/)
 
 } // namespace zav
 
+// NOLINTNEXTLINE(bugprone-exception-escape): nothing could go on after std::bad_alloc
 int main(int argc, char **argv)
 {
     return std::visit([&](const auto &asked) { return zav::runCommand(asked, argv); },

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int HIGHEST_CHARGE = 5;
 
-/// `3`, or the two ends of `2-4`; 0 for what is no charge.
+/// One charge, from 1 to 5; 0 for any other text.
 int chargeFrom(const QString &text)
 {
     const int charge = text.trimmed().toInt();

@@ -21,7 +21,11 @@ namespace zav {
 class CommandArguments
 {
 public:
+    CommandArguments() = default;
     virtual ~CommandArguments();
+
+    CommandArguments(const CommandArguments &) = delete;
+    CommandArguments &operator=(const CommandArguments &) = delete;
 
     virtual const char *name() const = 0;
     virtual const char *summary() const = 0;
@@ -39,7 +43,7 @@ std::unique_ptr<CommandArguments> limitsArguments();
 std::unique_ptr<CommandArguments> splitArguments();
 std::unique_ptr<CommandArguments> inspectArguments();
 
-/// Text of the command line; it is UTF-8.
+/// Text of the command line, which is UTF-8.
 inline QString text(const std::string &utf8)
 {
     return QString::fromStdString(utf8);

@@ -87,7 +87,7 @@ void SpectrumArguments::addTo(CLI::App *command)
     command->footer(EXAMPLES);
 }
 
-/// What the options contradict, empty when nothing.
+/// How the arguments contradict each other; empty when they do not.
 QString SpectrumArguments::contradiction() const
 {
     const bool isList = !m_peptides.empty();
@@ -108,7 +108,7 @@ QString SpectrumArguments::contradiction() const
     return {};
 }
 
-/// Converts what is plain text so far; what is wrong with it, or empty.
+/// Converts the arguments that are still text. The result says what is wrong with them; empty when nothing is.
 QString SpectrumArguments::convert(SpectrumOptions *options) const
 {
     if (m_peptides.empty()) {

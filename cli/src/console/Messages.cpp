@@ -9,7 +9,7 @@ namespace zav {
 
 namespace {
 
-/// The message on one line; some failures are told by their code and trail alone.
+/// The message on one line. Some failures have a code and a trail, but no message.
 QString oneLine(const Error &error)
 {
     const QString message = error.message().simplified();

@@ -23,7 +23,7 @@ public:
     /// A remark: the run goes on and nothing failed.
     void note(const QString &text);
 
-    /// A failure. `subject` is what it is about (a peptide, a file), empty when the message says so itself.
+    /// A failure. `subject` is what it is about (a peptide, a file); empty where the message names it.
     void failure(const Error &error, const QString &subject = QString());
 
 private:
@@ -33,8 +33,8 @@ private:
     Progress *m_progress = nullptr;
 };
 
-/// The error with another message, its code and trail kept: for a failure that its origin tells by code and trail
-/// alone, or that needs to be put in the user's terms.
+/// The error with another message and the same code and trail: for a failure that has no message yet, or one that says
+/// nothing to the user.
 Error explainedError(const Error &error, const QString &message);
 
 } // namespace zav

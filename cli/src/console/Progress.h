@@ -9,7 +9,7 @@ namespace zav {
 class Messages;
 
 /// A progress bar on standard error, for work that takes longer than a second on a terminal; otherwise it writes
-/// nothing. It is drawn at most ten times a second and cleared when the object goes.
+/// nothing. It is drawn at most ten times a second and cleared when the object is destroyed.
 class Progress
 {
 public:

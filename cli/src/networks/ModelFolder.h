@@ -39,8 +39,8 @@ public:
     /// The path of the network for chromatograms, whether or not the file is there. Not for `Fragmentation`.
     QString network(NetworkUse use) const;
 
-    /// A path for each of the five charges, for the predictor's `init`, which stops at the first that fails: a charge
-    /// that is not among `charges` (one at least) gets the path of one that is.
+    /// Five paths for the predictor's `init`, which needs a network for every charge. A charge that is not among
+    /// `charges` (one at least) gets the path of the first that is.
     QStringList fragmentationNetworks(const QList<int> &charges) const;
 
     /// No error when the network's file is there and can be read.

@@ -15,7 +15,7 @@ namespace zav {
 
 namespace {
 
-/// Some of the library's failures are told by their code and trail alone.
+/// Some errors of the library have a code and a trail, but no message.
 Error failedStep(const Error &error, const QString &step)
 {
     return explainedError(error, error.message().isEmpty() ? step : step + QStringLiteral(": ") + error.message());
@@ -37,7 +37,7 @@ Error tryFragmentation(int charge, const QString &path)
     const QString peptide = QStringLiteral("LQSRPAAPPAPGPGQLTLR"); // within the limit of every charge
     if (predictor.getMaximumPeptideLengthForCharge(charge) == 0)
         return Error(InvalidInput, QStringLiteral("its charge is not 1 to 5"));
-    // The same graph for every charge: the one that counts is then tried whatever the others are like.
+    // The same graph for every charge, so that the result does not depend on other networks.
     if (const Error error = predictor.init(path, path, path, path, path); error.hasError())
         return loadingError(error, path);
     QList<QPointF> spectrum;

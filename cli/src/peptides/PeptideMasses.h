@@ -30,7 +30,7 @@ double fragmentMz(const QString &peptide, QChar ionType, int ionNumber, int char
 
 namespace zav {
 
-/// What cysteines are blocked with, as the field names it.
+/// A reagent that blocks cysteines.
 struct CysteineModification
 {
     double mass;      ///< monoisotopic, Da
@@ -42,10 +42,10 @@ struct CysteineModification
 /// N-ethylmaleimide; null for any other mass.
 const CysteineModification *knownCysteineModification(double mass);
 
-/// Whether cysteines of that added mass (Da) count as modified: not within 0.001 Da of nothing.
+/// Whether a cysteine to which that mass (Da) is added counts as modified: it is 0.001 Da or more, up or down.
 bool isCysteineModified(double mass);
 
-/// The mass as Unimod has it where `mass` is that mass with fewer digits (57.02146), else `mass`.
+/// The mass with all digits of Unimod where `mass` has fewer of them (57.02146), else `mass`.
 double exactCysteineMass(double mass);
 
 } // namespace zav

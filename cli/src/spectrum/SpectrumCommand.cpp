@@ -37,8 +37,6 @@ SpectrumCommand::SpectrumCommand(const SpectrumOptions &options)
       m_output(options.outputPath, m_format, {options.annotate, isList()})
 {}
 
-SpectrumCommand::~SpectrumCommand() = default;
-
 /// The error is one that ends the run; a peptide that fails is reported at once and counted.
 Error SpectrumCommand::work()
 {

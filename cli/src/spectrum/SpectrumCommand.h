@@ -20,7 +20,6 @@ class SpectrumCommand : public Command
 {
 public:
     explicit SpectrumCommand(const SpectrumOptions &options);
-    ~SpectrumCommand() override;
 
 private:
     Error work() override;
