@@ -1,7 +1,90 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Program.h"
+#include "Application.h"
+#include "CommandLine.h"
+#include "InspectCommand.h"
+#include "LibraryCommand.h"
+#include "LibraryMergeCommand.h"
+#include "LimitsCommand.h"
+#include "SpectrumCommand.h"
+#include "SplitCommand.h"
 
+#include <QtCore/QLoggingCategory>
+
+#include <cstdio>
+
+namespace zav {
+
+namespace {
+
+/// Keeps the log of the libraries off standard error, where each failure has one line of the program's own.
+void quietenLibraries()
+{
+    QLoggingCategory::setFilterRules(QStringLiteral("zav.ml=false"));
+    if (!qEnvironmentVariableIsSet("TF_CPP_MIN_LOG_LEVEL"))
+        qputenv("TF_CPP_MIN_LOG_LEVEL", "3");
+}
+
+int finish(const EarlyExit &exit)
+{
+    std::fputs(qUtf8Printable(exit.standardOutput), stdout);
+    std::fputs(qUtf8Printable(exit.standardError), stderr);
+    return exit.code;
+}
+
+int run(const SpectrumOptions &options)
+{
+    return SpectrumCommand(options).run();
+}
+
+int run(const LimitsOptions &options)
+{
+    return LimitsCommand(options).run();
+}
+
+int run(const SplitOptions &options)
+{
+    return SplitCommand(options).run();
+}
+
+int run(const InspectOptions &options)
+{
+    return InspectCommand(options).run();
+}
+
+int run(const LibraryOptions &options)
+{
+    return LibraryCommand(options).run();
+}
+
+int run(const LibraryMergeOptions &options)
+{
+    return LibraryMergeCommand(options).run();
+}
+
+/// Runs a command in the surroundings that it asks for.
+template <typename Options>
+int runCommand(const Options &options, char **argv)
+{
+    // The application object would take some of the arguments for its own.
+    int applicationArgc = 1;
+    const auto application = createApplication(applicationArgc, argv, options.drawsPictures());
+    if (!options.verbose)
+        quietenLibraries();
+    return run(options);
+}
+
+int runCommand(const EarlyExit &exit, char ** /*argv*/)
+{
+    return finish(exit);
+}
+
+} // namespace
+
+} // namespace zav
+
+// NOLINTNEXTLINE(bugprone-exception-escape): nothing could go on after std::bad_alloc
 int main(int argc, char **argv)
 {
-    return zav::runProgram(argc, argv);
+    return std::visit([&](const auto &asked) { return zav::runCommand(asked, argv); },
+                      zav::parseCommandLine(argc, argv));
 }

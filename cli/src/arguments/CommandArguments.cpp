@@ -1,28 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CommandArguments.h"
 
-#include "InspectArguments.h"
-#include "LibraryArguments.h"
-#include "LimitsArguments.h"
-#include "SpectrumArguments.h"
-#include "SplitArguments.h"
+#include "PrintableText.h"
 
+#include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
+#include <QtCore/QSet>
+#include <QtCore/QStringList>
+
+#include <algorithm>
 
 namespace zav {
 
-CommandArguments::~CommandArguments() = default;
+namespace {
 
-std::vector<std::unique_ptr<CommandArguments>> allCommandArguments()
+constexpr int HIGHEST_CHARGE = 5;
+
+/// One charge, from 1 to 5; 0 for any other text.
+int chargeFrom(const QString &text)
 {
-    std::vector<std::unique_ptr<CommandArguments>> commands;
-    commands.push_back(std::make_unique<SpectrumArguments>());
-    commands.push_back(std::make_unique<LibraryArguments>());
-    commands.push_back(std::make_unique<LimitsArguments>());
-    commands.push_back(std::make_unique<SplitArguments>());
-    commands.push_back(std::make_unique<InspectArguments>());
-    return commands;
+    const int charge = text.trimmed().toInt();
+    return charge >= 1 && charge <= HIGHEST_CHARGE ? charge : 0;
 }
+
+} // namespace
+
+CommandArguments::~CommandArguments() = default;
 
 std::string withDefault(const std::string &description, double value)
 {
@@ -32,6 +35,24 @@ std::string withDefault(const std::string &description, double value)
 std::string withDefault(const std::string &description, const std::string &value)
 {
     return description + " [" + value + "]";
+}
+
+Result<QList<int>> parseCharges(const QString &text)
+{
+    QSet<int> charges;
+    for (const QString &part : text.split(QLatin1Char(','))) {
+        const QStringList ends = part.split(QLatin1Char('-'));
+        const int lowest = chargeFrom(ends.first());
+        const int highest = chargeFrom(ends.last());
+        if (ends.size() > 2 || lowest == 0 || highest < lowest)
+            return Error(InvalidInput,
+                         QStringLiteral("'%1' are no charges from 1 to 5, as 2,3 or 1-4").arg(displayText(text)));
+        for (int charge = lowest; charge <= highest; ++charge)
+            charges.insert(charge);
+    }
+    QList<int> sorted = charges.values();
+    std::sort(sorted.begin(), sorted.end());
+    return sorted;
 }
 
 bool isPicture(const QString &path)

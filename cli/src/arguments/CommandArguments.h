@@ -5,12 +5,11 @@
 
 #include <zav/Result.h>
 
-#include <QtCore/QFileInfo>
+#include <QtCore/QList>
 #include <QtCore/QString>
 
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace CLI {
 class App;
@@ -22,7 +21,11 @@ namespace zav {
 class CommandArguments
 {
 public:
+    CommandArguments() = default;
     virtual ~CommandArguments();
+
+    CommandArguments(const CommandArguments &) = delete;
+    CommandArguments &operator=(const CommandArguments &) = delete;
 
     virtual const char *name() const = 0;
     virtual const char *summary() const = 0;
@@ -34,10 +37,13 @@ public:
     virtual Result<CommandLine> options() const = 0;
 };
 
-/// Every command, in the order of `zav --help`.
-std::vector<std::unique_ptr<CommandArguments>> allCommandArguments();
+std::unique_ptr<CommandArguments> spectrumArguments();
+std::unique_ptr<CommandArguments> libraryArguments(); ///< and those of `zav library merge`
+std::unique_ptr<CommandArguments> limitsArguments();
+std::unique_ptr<CommandArguments> splitArguments();
+std::unique_ptr<CommandArguments> inspectArguments();
 
-/// Text of the command line; it is UTF-8.
+/// Text of the command line, which is UTF-8.
 inline QString text(const std::string &utf8)
 {
     return QString::fromStdString(utf8);
@@ -52,6 +58,10 @@ inline Error wrongArgument(const QString &message)
 /// What an option does, and its default as the help shows it: "residues [7]".
 std::string withDefault(const std::string &description, double value);
 std::string withDefault(const std::string &description, const std::string &value);
+
+/// Precursor charges as `2,3` or `1-4`: ascending, each once. `InvalidInput` for a charge that no network serves (they
+/// serve 1 to 5), and for anything else.
+Result<QList<int>> parseCharges(const QString &text);
 
 /// Whether the ending is one of a picture.
 bool isPicture(const QString &path);

@@ -9,12 +9,22 @@
 #include <algorithm>
 #include <numeric>
 #include <sstream>
+#include <vector>
 
 namespace zav {
 
 namespace {
 
 using Commands = std::vector<std::unique_ptr<CommandArguments>>;
+
+/// In the order of `zav --help`.
+Commands allCommands()
+{
+    Commands commands;
+    for (const auto &make : {spectrumArguments, libraryArguments, limitsArguments, splitArguments, inspectArguments})
+        commands.push_back(make());
+    return commands;
+}
 
 EarlyExit wrongUsage(const QString &message, const QString &command = QString())
 {
@@ -79,7 +89,7 @@ CommandLine optionsOf(const CommandArguments &command)
 
 CommandLine parseCommandLine(int argc, const char *const *argv)
 {
-    const Commands commands = allCommandArguments();
+    const Commands commands = allCommands();
     if (argc > 1 && argv[1][0] != '-' && !isCommand(commands, argv[1]))
         return unknownCommand(commands, argv[1]);
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "ExitCode.h"
-#include "InspectOptions.h"
+#include "Command.h"
+#include "InspectCommand.h"
 #include "LibraryOptions.h"
 #include "LimitsCommand.h"
 #include "SpectrumOptions.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "InspectArguments.h"
+#include "CommandArguments.h"
 
 #include <CLI/CLI.hpp>
 
@@ -14,6 +14,19 @@ Examples:
   zav inspect
   zav inspect models
 )";
+
+class InspectArguments : public CommandArguments
+{
+public:
+    const char *name() const override { return "inspect"; }
+    const char *summary() const override { return "Check a folder of networks and try each"; }
+    void addTo(CLI::App *command) override;
+    Result<CommandLine> options() const override;
+
+private:
+    std::string m_folder, m_models;
+    bool m_verbose = false;
+};
 
 } // namespace
 
@@ -30,6 +43,11 @@ Result<CommandLine> InspectArguments::options() const
     if (!m_folder.empty() && !m_models.empty())
         return wrongArgument(QStringLiteral("DIR and --models exclude each other"));
     return CommandLine(InspectOptions{text(m_folder.empty() ? m_models : m_folder), m_verbose});
+}
+
+std::unique_ptr<CommandArguments> inspectArguments()
+{
+    return std::make_unique<InspectArguments>();
 }
 
 } // namespace zav

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "LimitsArguments.h"
-
 #include "PrintableText.h"
+#include "TraceArguments.h"
 
 #include <CLI/CLI.hpp>
 
@@ -38,6 +37,23 @@ Examples:
   zav limits *.mzML --threads 8 --format json -o peaks.json
   zcat traces.jsonl.gz | zav limits - --method walk
 )";
+
+class LimitsArguments : public TraceArguments
+{
+public:
+    const char *name() const override { return "limits"; }
+    const char *summary() const override { return "Find where the peaks of chromatograms start and end"; }
+    void addTo(CLI::App *command) override;
+    Result<CommandLine> options() const override;
+
+private:
+    void addDetectorTo(CLI::App *command);
+    Error convertDetector(LimitsOptions *options) const;
+
+    XicBaselineLimitsDetectorOptions m_detector;
+    std::string m_method;
+    std::optional<double> m_hint;
+};
 
 } // namespace
 
@@ -102,6 +118,11 @@ Error LimitsArguments::convertDetector(LimitsOptions *options) const
     checked.modelFilePath = QStringLiteral("chosen later");
     checked.maxPointCount = options->maxPointCount.value_or(checked.maxPointCount);
     return inFlags(checked.checkForParameterErrors());
+}
+
+std::unique_ptr<CommandArguments> limitsArguments()
+{
+    return std::make_unique<LimitsArguments>();
 }
 
 } // namespace zav

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "SpectrumArguments.h"
-
+#include "CommandArguments.h"
 #include "PrintableText.h"
 
 #include <CLI/CLI.hpp>
+
+#include <QtCore/QFileInfo>
 
 #include <cmath>
 #include <map>
@@ -41,6 +42,23 @@ std::optional<OutputFormat> formatNamed(const std::string &name)
     return known == FORMATS.end() ? std::nullopt : std::optional(known->second);
 }
 
+class SpectrumArguments : public CommandArguments
+{
+public:
+    const char *name() const override { return "spectrum"; }
+    const char *summary() const override { return "Predict the spectrum of a peptide, or of many"; }
+    void addTo(CLI::App *command) override;
+    Result<CommandLine> options() const override;
+
+private:
+    QString contradiction() const;
+    QString convert(SpectrumOptions *options) const;
+
+    std::string m_peptide, m_charge, m_peptides, m_models, m_format, m_output, m_plot, m_against, m_scan, m_tolerance;
+    double m_cysteine = SpectrumOptions().cysteineMass;
+    bool m_noIsotopes = false, m_annotate = false, m_verbose = false;
+};
+
 } // namespace
 
 void SpectrumArguments::addTo(CLI::App *command)
@@ -50,7 +68,8 @@ void SpectrumArguments::addTo(CLI::App *command)
     command->add_option("--peptides", m_peptides, "a list of peptides and charges; - is standard input")
         ->type_name("FILE.tsv");
     command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
-    command->add_option("--cysteine", m_cysteine, "added to every cysteine, in Da [57.02146]")->type_name("MASS");
+    command->add_option("--cysteine", m_cysteine, withDefault("added to every cysteine, in Da", m_cysteine))
+        ->type_name("MASS");
     command->add_option("-f,--format", m_format, "tsv, msp, mgf, json or table")->type_name("FORMAT");
     command->add_option("-o,--output", m_output, "write to FILE, which appears only when it is complete")
         ->type_name("FILE");
@@ -68,7 +87,7 @@ void SpectrumArguments::addTo(CLI::App *command)
     command->footer(EXAMPLES);
 }
 
-/// What the options contradict, empty when nothing.
+/// How the arguments contradict each other; empty when they do not.
 QString SpectrumArguments::contradiction() const
 {
     const bool isList = !m_peptides.empty();
@@ -89,7 +108,7 @@ QString SpectrumArguments::contradiction() const
     return {};
 }
 
-/// Converts what is plain text so far; what is wrong with it, or empty.
+/// Converts the arguments that are still text. The result says what is wrong with them; empty when nothing is.
 QString SpectrumArguments::convert(SpectrumOptions *options) const
 {
     if (m_peptides.empty()) {
@@ -135,6 +154,11 @@ Result<CommandLine> SpectrumArguments::options() const
     options.scan = text(m_scan);
     options.verbose = m_verbose;
     return CommandLine(options);
+}
+
+std::unique_ptr<CommandArguments> spectrumArguments()
+{
+    return std::make_unique<SpectrumArguments>();
 }
 
 } // namespace zav

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "SplitArguments.h"
+#include "TraceArguments.h"
 
 #include <CLI/CLI.hpp>
 
@@ -26,6 +26,20 @@ Examples:
   zav split run.mzML --mz 524.2648 --ppm 10 --rt 14.2-15.1
   zav split run.mzML.gz --format json -o splits.json
 )";
+
+class SplitArguments : public TraceArguments
+{
+public:
+    const char *name() const override { return "split"; }
+    const char *summary() const override { return "Find where the peaks of chromatograms are to be split"; }
+    void addTo(CLI::App *command) override;
+    Result<CommandLine> options() const override;
+
+private:
+    void addSplitterTo(CLI::App *command);
+
+    XicPeakSplitterOptions m_splitter;
+};
 
 } // namespace
 
@@ -58,6 +72,11 @@ Result<CommandLine> SplitArguments::options() const
     if (const Error error = inFlags(checked.checkForParameterErrors()); error.hasError())
         return error;
     return CommandLine(options);
+}
+
+std::unique_ptr<CommandArguments> splitArguments()
+{
+    return std::make_unique<SplitArguments>();
 }
 
 } // namespace zav

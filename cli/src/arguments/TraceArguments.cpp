@@ -7,6 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QtCore/QFileInfo>
+
 #include <cmath>
 #include <map>
 
@@ -34,7 +36,7 @@ std::string sizesText()
            ", the smallest that holds the trace]";
 }
 
-/// A text that is empty leaves the value as it is.
+/// An empty text leaves the value as it is.
 bool parseTime(const QString &time, double *value)
 {
     bool isNumber = true;
@@ -43,7 +45,7 @@ bool parseTime(const QString &time, double *value)
     return isNumber && !std::isnan(*value);
 }
 
-/// `FROM-TO`, either of them left out for no limit; false when it is something else.
+/// Reads `FROM-TO`; without one of them there is no limit on that side. False for any other text.
 bool parseTimeRange(const QString &range, ExtractionTarget *target)
 {
     const qsizetype dash = range.indexOf(QLatin1Char('-'));

@@ -16,14 +16,15 @@ protected:
     void addNetworkTo(CLI::App *command);
     void addOutputTo(CLI::App *command, const char *shownInPictures);
 
-    /// A field of the predictor's record of options: what it holds is the default, which the help shows.
+    /// An argument for a field of the predictor's options. The field's value is the default, which the help shows.
     static void addField(CLI::App *command, const char *name, double *field, const char *description);
     static void addField(CLI::App *command, const char *name, int *field, const char *description);
 
-    /// Sets what the shared arguments say; the error is one of usage.
+    /// Sets the options that both commands share. An error is one of usage.
     Error convert(TraceOptions *options) const;
 
-    /// The check of an options record, in the words of the command line: `--probability-tolerance is 2, must be ...`.
+    /// The error of a check of options with the field's name as an argument: `--probability-tolerance is 2, must be
+    /// ...`.
     static Error inFlags(const Error &error);
 
 private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PredictorPool.h"
 
-#include "ExplainedError.h"
+#include "Messages.h"
 
 #include <QtCore/QFileInfo>
 
@@ -49,12 +49,6 @@ QString thinningRemark(qsizetype pointCount, int size)
     if (pointCount <= size)
         return {};
     return QStringLiteral("%1 points thinned to %2 for the network").arg(pointCount).arg(size);
-}
-
-Error loadingError(const Error &error, const QString &modelFilePath)
-{
-    const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
-    return explainedError(error, QStringLiteral("cannot load %1: %2").arg(fileName(modelFilePath), reason));
 }
 
 Error runError(const Error &error, const QString &modelFilePath, int size)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "NetworkLoading.h"
+
 #include <zav/Result.h>
 
 #include <QtCore/QList>
@@ -28,9 +30,6 @@ QList<QPointF> thinnedTo(int size, const QList<QPointF> &points);
 
 /// What to tell of a trace that is longer than the network's input; empty when it is not.
 QString thinningRemark(qsizetype pointCount, int size);
-
-/// The error of a network that cannot be loaded, with the network's file in its message.
-Error loadingError(const Error &error, const QString &modelFilePath);
 
 /// The error of a run on an input of `size` points, with a message in any case: the library's own error has none when
 /// the network does not fit the input.
@@ -67,8 +66,8 @@ public:
             return known.get();
         auto made = std::make_unique<Predictor>();
         m_options.maxPointCount = size;
-        if (const Error error = made->init(m_options); error.hasError())
-            return loadingError(error, m_options.modelFilePath);
+        if (const Error error = loadNetwork(m_options, made.get()); error.hasError())
+            return error;
         known = std::move(made);
         return known.get();
     }

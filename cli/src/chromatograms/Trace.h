@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Chromatogram.h"
+#include "ChromatogramSource.h"
 
 #include <zav/Error.h>
 

@@ -2,11 +2,10 @@
 #include "TraceCommand.h"
 
 #include "ByteStream.h"
-#include "ExitCode.h"
+#include "Command.h"
 #include "OrderedPipeline.h"
 #include "PrintableText.h"
 #include "Progress.h"
-#include "QuietStandardError.h"
 #include "RuntimeThreads.h"
 #include "TargetList.h"
 #include "Terminal.h"

@@ -28,7 +28,7 @@ Interruption::Interruption()
 {
     notedSignal = 0;
     for (const int signal : {SIGINT, SIGTERM}) {
-        // A shell that runs a command in the background has it ignore interrupts, and so it shall.
+        // A background job of a shell ignores SIGINT; keep that.
         if (std::signal(signal, noteSignal) == SIG_IGN)
             std::signal(signal, SIG_IGN);
     }

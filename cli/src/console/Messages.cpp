@@ -9,7 +9,7 @@ namespace zav {
 
 namespace {
 
-/// The message on one line; some failures are told by their code and trail alone.
+/// The message on one line. Some failures have a code and a trail, but no message.
 QString oneLine(const Error &error)
 {
     const QString message = error.message().simplified();
@@ -35,6 +35,15 @@ void Messages::writeLine(const QString &line)
     if (m_progress)
         m_progress->clear();
     std::fputs(qUtf8Printable(line + QLatin1Char('\n')), stderr);
+}
+
+Error explainedError(const Error &error, const QString &message)
+{
+    Error explained(error.code(), message);
+    for (const CaughtAt &place : error.trail())
+        explained.ecatch(qUtf8Printable(place.functionSignature), qUtf8Printable(place.sourceFile), place.line);
+    explained.addWarnings(error.warnings());
+    return explained;
 }
 
 } // namespace zav

@@ -23,7 +23,7 @@ public:
     /// A remark: the run goes on and nothing failed.
     void note(const QString &text);
 
-    /// A failure. `subject` is what it is about (a peptide, a file), empty when the message says so itself.
+    /// A failure. `subject` is what it is about (a peptide, a file); empty where the message names it.
     void failure(const Error &error, const QString &subject = QString());
 
 private:
@@ -32,5 +32,9 @@ private:
     bool m_verbose = false;
     Progress *m_progress = nullptr;
 };
+
+/// The error with another message and the same code and trail: for a failure that has no message yet, or one that says
+/// nothing to the user.
+Error explainedError(const Error &error, const QString &message);
 
 } // namespace zav

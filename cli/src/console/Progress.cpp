@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Progress.h"
 
+#include "Messages.h"
+
 #include <cstdio>
 
 namespace zav {
@@ -32,14 +34,19 @@ QString timeLeft(qint64 done, qint64 total, qint64 elapsedMs)
 
 } // namespace
 
-Progress::Progress(qint64 total, const QString &unit, bool isShown) : m_total(total), m_unit(unit), m_isShown(isShown)
+Progress::Progress(qint64 total, const QString &unit, bool isShown, Messages *messages)
+    : m_total(total), m_unit(unit), m_isShown(isShown), m_messages(messages)
 {
+    if (m_messages)
+        m_messages->setProgress(this);
     m_clock.start();
 }
 
 Progress::~Progress()
 {
     clear();
+    if (m_messages)
+        m_messages->setProgress(nullptr);
 }
 
 void Progress::update(qint64 done)

@@ -6,14 +6,16 @@
 
 namespace zav {
 
+class Messages;
+
 /// A progress bar on standard error, for work that takes longer than a second on a terminal; otherwise it writes
-/// nothing. It is drawn at most ten times a second and cleared when the object goes.
+/// nothing. It is drawn at most ten times a second and cleared when the object is destroyed.
 class Progress
 {
 public:
-    /// `total` pieces of work, called `unit` in the bar ("peptides"); below 0: nobody knows how many. `isShown` false:
-    /// never writes.
-    Progress(qint64 total, const QString &unit, bool isShown);
+    /// `total` pieces of work, called `unit` in the bar ("peptides"); below 0: the number is unknown. `isShown` false:
+    /// never writes. `messages`, where given, clear this bar before they write a line; they must outlive it.
+    Progress(qint64 total, const QString &unit, bool isShown, Messages *messages = nullptr);
     ~Progress();
 
     Progress(const Progress &) = delete;
@@ -33,6 +35,7 @@ private:
     qint64 m_total = 0;
     QString m_unit;
     bool m_isShown = false;
+    Messages *m_messages = nullptr;
     bool m_isDrawn = false;
     qint64 m_nextDrawMs = 1000;
     QElapsedTimer m_clock;

@@ -7,11 +7,14 @@
 #include <io.h>
 #define ZAV_IS_TERMINAL(stream) (_isatty(_fileno(stream)) != 0)
 #else
+#include <fcntl.h>
 #include <unistd.h>
 #define ZAV_IS_TERMINAL(stream) (isatty(fileno(stream)) != 0)
 #endif
 
-namespace zav::terminal {
+namespace zav {
+
+namespace terminal {
 
 bool standardOutputIsTerminal()
 {
@@ -23,4 +26,41 @@ bool standardErrorIsTerminal()
     return ZAV_IS_TERMINAL(stderr);
 }
 
-} // namespace zav::terminal
+bool isStandardOutput(const QString &path)
+{
+    return path.isEmpty() || path == QLatin1String("-");
+}
+
+} // namespace terminal
+
+#ifdef _WIN32
+
+QuietStandardError::QuietStandardError(bool) {}
+QuietStandardError::~QuietStandardError() = default;
+
+#else
+
+QuietStandardError::QuietStandardError(bool isQuiet)
+{
+    const int nowhere = isQuiet ? open("/dev/null", O_WRONLY | O_CLOEXEC) : -1;
+    if (nowhere < 0)
+        return;
+    std::fflush(stderr);
+    m_original = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+    if (m_original >= 0)
+        dup2(nowhere, STDERR_FILENO);
+    close(nowhere);
+}
+
+QuietStandardError::~QuietStandardError()
+{
+    if (m_original < 0)
+        return;
+    std::fflush(stderr);
+    dup2(m_original, STDERR_FILENO);
+    close(m_original);
+}
+
+#endif
+
+} // namespace zav

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CysteineModification.h"
+#include "PeptideMasses.h"
 #include "SqliteDatabase.h"
 #include "SqliteLibrary.h"
 

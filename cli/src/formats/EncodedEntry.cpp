@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "EncodedEntry.h"
 
-#include "CysteineModification.h"
+#include "PeptideMasses.h"
 #include "PeptideNotation.h"
 
 #include <QtCore/QtEndian>

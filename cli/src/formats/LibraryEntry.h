@@ -1,40 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "AnnotatedPeak.h"
-
 #include <zav/FragmentPeak.h>
 
-#include <QtCore/QChar>
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
 namespace zav {
 
-/// One peak of a library spectrum and the ion it is.
-struct LibraryPeak
-{
-    double mz = 0.0;        ///< m/z
-    double intensity = 0.0; ///< relative: 1 is the base peak
-    QChar ionType;          ///< 'y', 'b' or 'a', null for an unknown ion
-    int ionNumber = 0;      ///< residues in the fragment: the n of y_n
-    int charge = 0;         ///< of the fragment
-    QString neutralLoss;    ///< "-H2O", "-NH3" or empty
-    int isotope = 0;        ///< neutrons above the monoisotopic peak, 0 for that peak
-};
-
-/// The peak of a fragment that the predictor gives, which is monoisotopic.
-inline LibraryPeak libraryPeak(const FragmentPeak &peak)
-{
-    return {peak.mz, peak.intensity, peak.ionType, peak.ionNumber, peak.charge, peak.neutralLoss, 0};
-}
-
-/// The peak of an annotated spectrum.
-inline LibraryPeak libraryPeak(const AnnotatedPeak &peak)
-{
-    return {peak.mz, peak.intensity, peak.ionType, peak.ionNumber, peak.charge, peak.neutralLoss, peak.isotopeNumber};
-}
+/// One peak of a library spectrum and the ion it is; its type is null for an unknown ion.
+using LibraryPeak = FragmentPeak;
 
 /// One predicted spectrum as spectral libraries hold it: a precursor, where it comes from, its peaks.
 ///

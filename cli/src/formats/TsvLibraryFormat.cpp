@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CysteineModification.h"
 #include "LibraryFormat.h"
+#include "PeptideMasses.h"
 #include "PeptideNotation.h"
 
 #include <algorithm>

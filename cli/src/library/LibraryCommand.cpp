@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryCommand.h"
 
-#include "ExitCode.h"
+#include "Command.h"
 #include "FileDigest.h"
 #include "OrderedPipeline.h"
 #include "OutputFile.h"
 #include "PrintableText.h"
 #include "Progress.h"
-#include "QuietStandardError.h"
 #include "RuntimeThreads.h"
 #include "Terminal.h"
 

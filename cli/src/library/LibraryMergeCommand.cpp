@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryMergeCommand.h"
 
-#include "ExitCode.h"
+#include "Command.h"
 #include "FileDigest.h"
 #include "PrintableText.h"
 

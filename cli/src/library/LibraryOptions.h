@@ -6,6 +6,7 @@
 #include "LibraryFormat.h"
 #include "LibraryShard.h"
 #include "PeakFilter.h"
+#include "PeptideMasses.h"
 
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -28,7 +29,7 @@ struct LibraryOptions
     QList<int> charges = {2, 3};    ///< ascending, each once, 1 to 5
     double lowestPrecursorMz = 300; ///< m/z; the range of common acquisition methods, and so is the next
     double highestPrecursorMz = 1800;
-    double cysteineMass = 57.02146; ///< Da
+    double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION; ///< Da
     PeakFilterOptions peaks;
 
     int threads = 0; ///< 0: all cores

@@ -1,31 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryPredictor.h"
 
-#include "ExplainedError.h"
+#include "NetworkLoading.h"
 
-#include <QtCore/QFileInfo>
 #include <QtCore/QMap>
 
 namespace zav {
-
-namespace {
-
-Error predictionError(const Error &error, int charge)
-{
-    if (!error.hasError() || !error.message().isEmpty())
-        return error;
-    return explainedError(error, QStringLiteral("msms_charge%1.pb is not a network for charge %1").arg(charge));
-}
-
-/// Names the file that failed: the predictor loads them in order and knows how many it has.
-Error loadingError(const Error &error, const QStringList &paths, int reached)
-{
-    const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
-    const QString name = QFileInfo(paths.value(reached, paths.first())).fileName();
-    return explainedError(error, QStringLiteral("cannot load %1: %2").arg(name, reason));
-}
-
-} // namespace
 
 LibraryPredictor::LibraryPredictor(double cysteineMass)
     : m_predictor(std::make_unique<MsMsFragmentationPredictomatic>())
@@ -35,13 +15,7 @@ LibraryPredictor::LibraryPredictor(double cysteineMass)
 
 Error LibraryPredictor::load(const ModelFolder &folder, const QList<int> &charges)
 {
-    for (const int charge : charges) {
-        if (Error error = folder.checkFragmentationNetwork(charge); error.hasError())
-            return error;
-    }
-    const QStringList paths = folder.fragmentationNetworks(charges);
-    const Error error = m_predictor->init(paths[0], paths[1], paths[2], paths[3], paths[4]);
-    return error.hasError() ? loadingError(error, paths, m_predictor->maxPredictionChargeState()) : Error();
+    return loadFragmentationNetworks(folder, charges, m_predictor.get());
 }
 
 Error LibraryPredictor::predict(const QStringList &peptides, int charge, const Visitor &visit)

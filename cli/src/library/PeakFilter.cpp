@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PeakFilter.h"
 
+#include "PeptideMasses.h"
+
 #include <algorithm>
 
 namespace zav {
 
 namespace {
-
-// CODATA 1998, as the predictor's fragment ladder has it.
-constexpr double PROTON = 1.00727646677;
 
 // As the predictor limits its own isotope peaks.
 constexpr double HIGHEST_MZ = 2000.0;
@@ -43,7 +42,7 @@ QList<LibraryPeak> PeakFilter::apply(const QList<FragmentPeak> &peaks) const
     kept.reserve(peaks.size());
     for (const FragmentPeak &peak : peaks) {
         if (isWanted(peak))
-            kept.append(libraryPeak(peak));
+            kept.append(peak);
     }
     dropWeak(&kept);
     keepTop(&kept);
@@ -91,7 +90,7 @@ void PeakFilter::addIsotopes(QList<LibraryPeak> *peaks) const
 
 void PeakFilter::appendIsotopes(const LibraryPeak &peak, double lowest, QList<LibraryPeak> *peaks) const
 {
-    const double neutralMass = peak.charge * (peak.mz - PROTON);
+    const double neutralMass = peak.charge * (peak.mz - peptideMasses::PROTON);
     const Result<QList<QPointF>> envelope =
         m_generator.buildTheoreticalIsotopicDistributionPoints(neutralMass, peak.charge, 0.0);
     if (envelope.hasError())

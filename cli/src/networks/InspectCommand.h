@@ -1,26 +1,31 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "InspectOptions.h"
-#include "Messages.h"
-#include "NetworkInspection.h"
+#include "Command.h"
+
+#include <QtCore/QString>
 
 namespace zav {
 
+/// What `zav inspect` was asked for.
+struct InspectOptions
+{
+    QString modelFolder; ///< empty: where the networks are installed
+    bool verbose = false;
+
+    bool drawsPictures() const { return false; }
+};
+
 /// `zav inspect`: one table of the networks of a folder, what is wrong with them on standard error.
-class InspectCommand
+class InspectCommand : public Command
 {
 public:
-    explicit InspectCommand(const InspectOptions &options) : m_options(options), m_messages(options.verbose) {}
-
-    /// Runs the command to its end. Needs the application object. The result is an `ExitCode`.
-    int run();
+    explicit InspectCommand(const InspectOptions &options) : Command(options.verbose), m_options(options) {}
 
 private:
-    void reportProblems(const NetworkInspection &inspection);
+    Error work() override;
 
     InspectOptions m_options;
-    Messages m_messages;
 };
 
 } // namespace zav

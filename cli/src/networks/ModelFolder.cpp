@@ -35,14 +35,16 @@ QString missingNetwork(NetworkUse use)
 
 } // namespace
 
-QString installedModelFolder()
+QString ModelFolder::pathFor(const QString &asked)
 {
-    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/" ZAV_MODELS_FROM_PROGRAM));
+    return !asked.isEmpty()
+               ? asked
+               : QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/" ZAV_MODELS_FROM_PROGRAM));
 }
 
 Result<ModelFolder> ModelFolder::find(const QString &asked, NetworkUse use)
 {
-    const ModelFolder folder(asked.isEmpty() ? installedModelFolder() : asked);
+    const ModelFolder folder(pathFor(asked));
     const QString shown = displayText(folder.path(), 300);
     const QString hint = asked.isEmpty() ? QStringLiteral("; --models names another folder") : QString();
     if (!QFileInfo(folder.path()).isDir())

@@ -23,9 +23,13 @@ class ModelFolder
 public:
     explicit ModelFolder(const QString &path) : m_path(path) {}
 
-    /// The folder that the user named, or where the networks are installed: beside the running program, in the build
-    /// folder or the prefix. `Failure` when it is no folder or holds no network for that use; says where was looked.
+    /// The folder that the user named or, where `asked` is empty, that of the installed networks: its place relative to
+    /// the running program is the same in the build folder and in a prefix. `Failure` when it is no folder or holds no
+    /// network for that use; the message says where they were looked for. Needs the application object.
     static Result<ModelFolder> find(const QString &asked, NetworkUse use = NetworkUse::Fragmentation);
+
+    /// The same folder, not looked into. Needs the application object.
+    static QString pathFor(const QString &asked);
 
     QString path() const { return m_path; }
 
@@ -35,8 +39,8 @@ public:
     /// The path of the network for chromatograms, whether or not the file is there. Not for `Fragmentation`.
     QString network(NetworkUse use) const;
 
-    /// A path for each of the five charges, for the predictor's `init`, which stops at the first that fails: a charge
-    /// that is not among `charges` (one at least) gets the path of one that is.
+    /// Five paths for the predictor's `init`, which needs a network for every charge. A charge that is not among
+    /// `charges` (one at least) gets the path of the first that is.
     QStringList fragmentationNetworks(const QList<int> &charges) const;
 
     /// No error when the network's file is there and can be read.
@@ -48,9 +52,5 @@ private:
 
     QString m_path;
 };
-
-/// Where the networks stand when the user names no folder, relative to the running program. Needs the application
-/// object.
-QString installedModelFolder();
 
 } // namespace zav

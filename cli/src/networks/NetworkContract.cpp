@@ -44,7 +44,7 @@ struct Figure
     int decimals;
 };
 
-// In the order in which a person asks for them.
+// In the order in which they are shown.
 constexpr Figure FIGURES[] = {{"heldOutMedianSpectralAngle", "angle %1", 3},
                               {"heldOutMedianPearson", "Pearson %1", 3},
                               {"heldOutSpectra", "%1 spectra", 0},

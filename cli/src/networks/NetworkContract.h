@@ -16,7 +16,7 @@ struct NetworkContract
     int maxPointCount = 0;  ///< of a chromatogram that the network takes; 0 for kinds without one
     QList<int> inputShape;  ///< -1: any number
     QList<int> outputShape; ///< -1: any number
-    QString figures;        ///< how good it is on data it never saw, for a person
+    QString figures;        ///< how good it is on held-out data, as text for a person
     QString sha256;         ///< of the graph file, hexadecimal, lower case
 };
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NetworkTrial.h"
 
-#include "ExplainedError.h"
+#include "Messages.h"
+#include "NetworkLoading.h"
 
 #include <zav/MsMsFragmentationPredictomatic.h>
 #include <zav/XicBaselineLimitsDetector.h>
@@ -14,7 +15,7 @@ namespace zav {
 
 namespace {
 
-/// Some of the library's failures are told by their code and trail alone.
+/// Some errors of the library have a code and a trail, but no message.
 Error failedStep(const Error &error, const QString &step)
 {
     return explainedError(error, error.message().isEmpty() ? step : step + QStringLiteral(": ") + error.message());
@@ -36,9 +37,9 @@ Error tryFragmentation(int charge, const QString &path)
     const QString peptide = QStringLiteral("LQSRPAAPPAPGPGQLTLR"); // within the limit of every charge
     if (predictor.getMaximumPeptideLengthForCharge(charge) == 0)
         return Error(InvalidInput, QStringLiteral("its charge is not 1 to 5"));
-    // The same graph for every charge: the one that counts is then tried whatever the others are like.
+    // The same graph for every charge, so that the result does not depend on other networks.
     if (const Error error = predictor.init(path, path, path, path, path); error.hasError())
-        return failedStep(error, QStringLiteral("cannot be loaded"));
+        return loadingError(error, path);
     QList<QPointF> spectrum;
     if (const Error error = predictor.predictMsMsFragmentation(peptide, charge, &spectrum); error.hasError())
         return failedStep(error, QStringLiteral("cannot predict"));
@@ -66,8 +67,8 @@ Error tryLimits(const NetworkContract &contract, const QString &path)
     if (contract.maxPointCount > 0)
         options.maxPointCount = contract.maxPointCount;
     XicBaselineLimitsDetector detector;
-    if (const Error error = detector.init(options); error.hasError())
-        return failedStep(error, QStringLiteral("cannot be loaded"));
+    if (const Error error = loadNetwork(options, &detector); error.hasError())
+        return error;
     const Result<QList<Interval<double>>> limits = detector.integrateXIC(chromatogram({100}), -1.0, 0);
     if (limits.hasError())
         return failedStep(limits.error(), QStringLiteral("cannot find limits"));
@@ -83,8 +84,8 @@ Error trySplit(const NetworkContract &contract, const QString &path)
     if (contract.maxPointCount > 0)
         options.maxPointCount = contract.maxPointCount;
     XicPeakSplitter splitter;
-    if (const Error error = splitter.init(options); error.hasError())
-        return failedStep(error, QStringLiteral("cannot be loaded"));
+    if (const Error error = loadNetwork(options, &splitter); error.hasError())
+        return error;
     const auto splits = splitter.splitXIC(chromatogram({90, 110}));
     if (splits.hasError())
         return failedStep(splits.error(), QStringLiteral("cannot split"));

@@ -9,8 +9,8 @@
 
 namespace zav {
 
-/// Loads the network and makes one prediction with it. No error when that gives a sensible result; otherwise why not,
-/// also for a kind of network that cannot be tried.
+/// Loads the network and makes one prediction with it. The error says why that gave no sensible result, or that this
+/// kind of network cannot be tried.
 Error tryNetwork(const NetworkContract &contract, const QString &graphPath);
 
 } // namespace zav

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PeptideMasses.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <iterator>
 
 namespace zav::peptideMasses {
 
@@ -13,9 +16,6 @@ constexpr double NITROGEN = 14.003074004251;
 constexpr double OXYGEN = 15.994914619257;
 constexpr double SULFUR = 31.972071173500;
 constexpr double WATER = 2 * HYDROGEN + OXYGEN;
-
-// CODATA 1998, as the predictor's fragment ladder has it.
-constexpr double PROTON = 1.00727646677;
 
 constexpr double mass(int carbon, int hydrogen, int nitrogen, int oxygen, int sulfur = 0)
 {
@@ -93,3 +93,40 @@ double fragmentMz(const QString &peptide, QChar ionType, int ionNumber, int char
 }
 
 } // namespace zav::peptideMasses
+
+namespace zav {
+
+namespace {
+
+// From Unimod (https://www.unimod.org).
+constexpr CysteineModification KNOWN[] = {{57.021464, "Carbamidomethyl", 4},
+                                          {71.037114, "Propionamide", 24},
+                                          {105.057849, "Pyridylethyl", 31},
+                                          {45.987721, "Methylthio", 39},
+                                          {125.047679, "Nethylmaleimide", 108}};
+
+constexpr double SAME_MASS = 1e-3;
+constexpr double SAME_DIGITS = 1e-5;
+
+} // namespace
+
+const CysteineModification *knownCysteineModification(double mass)
+{
+    const auto *found = std::find_if(std::begin(KNOWN), std::end(KNOWN), [mass](const CysteineModification &known) {
+        return std::abs(mass - known.mass) < SAME_MASS;
+    });
+    return found == std::end(KNOWN) ? nullptr : found;
+}
+
+bool isCysteineModified(double mass)
+{
+    return std::abs(mass) >= SAME_MASS;
+}
+
+double exactCysteineMass(double mass)
+{
+    const CysteineModification *known = knownCysteineModification(mass);
+    return known && std::abs(mass - known->mass) < SAME_DIGITS ? known->mass : mass;
+}
+
+} // namespace zav

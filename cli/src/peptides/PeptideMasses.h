@@ -4,8 +4,15 @@
 #include <QtCore/QChar>
 #include <QtCore/QString>
 
-/// Monoisotopic masses in Da, computed from the atomic masses of AME2020 (Wang et al., Chin. Phys. C 45, 030003, 2021).
+/// Monoisotopic masses in Da; those of residues and peptides are computed from the atomic masses of AME2020 (Wang et
+/// al., Chin. Phys. C 45, 030003, 2021).
 namespace zav::peptideMasses {
+
+/// CODATA 1998, as in the predictor.
+constexpr double PROTON = 1.00727646677;
+
+/// What carbamidomethylation adds to a cysteine, with the digits of the predictor's default.
+constexpr double DEFAULT_CYSTEINE_MODIFICATION = 57.02146;
 
 /// Of a standard amino-acid residue, upper-case one-letter code; 0 for any other character.
 double residueMass(QChar residue);
@@ -20,3 +27,25 @@ double precursorMz(const QString &peptide, int charge, double cysteineMass);
 double fragmentMz(const QString &peptide, QChar ionType, int ionNumber, int charge, double cysteineMass);
 
 } // namespace zav::peptideMasses
+
+namespace zav {
+
+/// A reagent that blocks cysteines.
+struct CysteineModification
+{
+    double mass;      ///< monoisotopic, Da
+    const char *name; ///< in Unimod
+    int unimod;       ///< record number in Unimod
+};
+
+/// The modification of that mass (within 0.001 Da) among carbamidomethyl, propionamide, pyridylethyl, methylthio and
+/// N-ethylmaleimide; null for any other mass.
+const CysteineModification *knownCysteineModification(double mass);
+
+/// Whether a cysteine to which that mass (Da) is added counts as modified: it is 0.001 Da or more, up or down.
+bool isCysteineModified(double mass);
+
+/// The mass with all digits of Unimod where `mass` has fewer of them (57.02146), else `mass`.
+double exactCysteineMass(double mass);
+
+} // namespace zav

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <zav/Error.h>
+
 #include <QtCore/QString>
+
+#include <functional>
 
 namespace zav {
 
@@ -14,5 +18,12 @@ struct Precursor
 
 /// `PEPTIDE/2` for messages: long peptides are shortened, characters that would disturb a terminal are escaped.
 QString displayName(const Precursor &precursor);
+
+/// The longest peptide for a precursor charge, 0 for a charge that no network serves.
+using MaximumPeptideLength = std::function<int(int charge)>;
+
+/// Whether a precursor can be predicted at all, before any network is run: the predictor itself takes every text and
+/// gives no error for what it cannot predict. `InvalidInput` says what is wrong and where (positions from 1).
+Error checkPrecursor(const Precursor &precursor, const MaximumPeptideLength &maximumLength);
 
 } // namespace zav

@@ -2,8 +2,10 @@
 #include "SpectrumComparison.h"
 
 #include "PeptideMasses.h"
+#include "PrintableText.h"
 
 #include <QtCore/QHash>
+#include <QtCore/QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
@@ -43,11 +45,11 @@ QString ionKey(QChar ionType, int ionNumber, int charge)
     return ionType + QString::number(ionNumber) + QLatin1Char('/') + QString::number(charge);
 }
 
-QHash<QString, double> backboneIntensities(const QList<AnnotatedPeak> &predicted)
+QHash<QString, double> backboneIntensities(const QList<FragmentPeak> &predicted)
 {
     QHash<QString, double> intensities;
-    for (const AnnotatedPeak &peak : predicted) {
-        if (!peak.isotope && peak.neutralLoss.isEmpty())
+    for (const FragmentPeak &peak : predicted) {
+        if (peak.isotope == 0 && peak.neutralLoss.isEmpty())
             intensities.insert(ionKey(peak.ionType, peak.ionNumber, peak.charge), peak.intensity);
     }
     return intensities;
@@ -96,16 +98,16 @@ private:
     std::map<int, IonIntensities> m_seen; // by observed peak
 };
 
-double cosineOfBackboneIons(const ComparedPeptide &peptide, const QList<AnnotatedPeak> &predicted,
-                            const QList<QPointF> &observed, const MassTolerance &tolerance)
+double cosineOfBackboneIons(const PredictedSpectrum &predicted, const QList<QPointF> &observed,
+                            const MassTolerance &tolerance)
 {
-    const QHash<QString, double> intensities = backboneIntensities(predicted);
+    const auto &[peptide, precursorCharge] = predicted.precursor;
+    const QHash<QString, double> intensities = backboneIntensities(predicted.peaks);
     IonTable ions;
     for (const QChar ionType : {QLatin1Char('b'), QLatin1Char('y')}) {
-        for (int charge = 1; charge <= std::min(peptide.charge, MAX_FRAGMENT_CHARGE); ++charge) {
-            for (int number = 1; number < peptide.sequence.size(); ++number) {
-                const double mz =
-                    peptideMasses::fragmentMz(peptide.sequence, ionType, number, charge, peptide.cysteineMass);
+        for (int charge = 1; charge <= std::min(precursorCharge, MAX_FRAGMENT_CHARGE); ++charge) {
+            for (int number = 1; number < peptide.size(); ++number) {
+                const double mz = peptideMasses::fragmentMz(peptide, ionType, number, charge, predicted.cysteineMass);
                 const int peak = mostIntensePeak(observed, mz, tolerance);
                 ions.add(intensities.value(ionKey(ionType, number, charge)), peak, peak < 0 ? 0 : observed[peak].y());
             }
@@ -114,7 +116,7 @@ double cosineOfBackboneIons(const ComparedPeptide &peptide, const QList<Annotate
     return ions.cosine();
 }
 
-QList<PeakMatch> matchPeaks(const QList<AnnotatedPeak> &predicted, const QList<QPointF> &observed,
+QList<PeakMatch> matchPeaks(const QList<FragmentPeak> &predicted, const QList<QPointF> &observed,
                             const MassTolerance &tolerance)
 {
     std::vector<int> order(static_cast<std::size_t>(predicted.size()));
@@ -143,13 +145,27 @@ double sumOfIntensities(const QList<QPointF> &peaks)
 
 } // namespace
 
-SpectrumComparison compareSpectra(const ComparedPeptide &peptide, const QList<AnnotatedPeak> &predicted,
-                                  const ObservedSpectrum &observed, const MassTolerance &tolerance)
+Result<MassTolerance> parseMassTolerance(const QString &text)
+{
+    static const QRegularExpression form(QStringLiteral("^\\s*([0-9.eE+-]+)\\s*(ppm|da)?\\s*$"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch match = form.match(text);
+    bool isNumber = false;
+    const double value = match.captured(1).toDouble(&isNumber);
+    if (!match.hasMatch() || !isNumber || !std::isfinite(value) || !(value > 0))
+        return Error(InvalidInput,
+                     QStringLiteral("'%1' is not a tolerance such as 20ppm or 0.02Da").arg(displayText(text)));
+    const bool isDalton = match.captured(2).compare(QLatin1String("da"), Qt::CaseInsensitive) == 0;
+    return MassTolerance{value, isDalton ? MassTolerance::Dalton : MassTolerance::Ppm};
+}
+
+SpectrumComparison compareSpectra(const PredictedSpectrum &predicted, const ObservedSpectrum &observed,
+                                  const MassTolerance &tolerance)
 {
     SpectrumComparison comparison;
-    comparison.cosine = cosineOfBackboneIons(peptide, predicted, observed.peaks, tolerance);
+    comparison.cosine = cosineOfBackboneIons(predicted, observed.peaks, tolerance);
     comparison.spectralAngle = 1 - 2 * std::acos(comparison.cosine) / std::numbers::pi;
-    comparison.matches = matchPeaks(predicted, observed.peaks, tolerance);
+    comparison.matches = matchPeaks(predicted.peaks, observed.peaks, tolerance);
     comparison.explainedPeaks = static_cast<int>(comparison.matches.size());
     comparison.observedPeaks = static_cast<int>(observed.peaks.size());
     double explained = 0;

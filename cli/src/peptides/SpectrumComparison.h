@@ -1,22 +1,30 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "AnnotatedPeak.h"
-#include "MassTolerance.h"
-#include "ObservedSpectrum.h"
+#include "Spectrum.h"
+
+#include <zav/Result.h>
 
 #include <QtCore/QList>
 #include <QtCore/QString>
 
 namespace zav {
 
-/// The peptide whose predicted and measured spectra are compared.
-struct ComparedPeptide
+/// How far an observed peak may lie from the m/z of an ion, to either side; the limit itself counts.
+struct MassTolerance
 {
-    QString sequence;               ///< upper-case one-letter code
-    int charge = 0;                 ///< of the precursor
-    double cysteineMass = 57.02146; ///< Da added to every cysteine, the predictor's default
+    enum Unit { Ppm, Dalton };
+
+    double value = 20;
+    Unit unit = Ppm;
+
+    /// The tolerance in m/z units at `mz`.
+    double at(double mz) const { return unit == Ppm ? mz * value * 1e-6 : value; }
 };
+
+/// Reads `20ppm`, `0.02Da` or `0.02 Da`; the unit in any case, ppm where it is missing. `InvalidInput` for anything
+/// else and for a value that is not positive and finite.
+Result<MassTolerance> parseMassTolerance(const QString &text);
 
 /// A predicted peak and the observed one that it explains, as indices into the two lists that were compared.
 struct PeakMatch
@@ -44,7 +52,7 @@ struct SpectrumComparison
 ///
 /// A predicted peak matches the most intense observed peak within the tolerance; where several predicted peaks claim
 /// one observed peak, it goes to the most intense of them.
-SpectrumComparison compareSpectra(const ComparedPeptide &peptide, const QList<AnnotatedPeak> &predicted,
-                                  const ObservedSpectrum &observed, const MassTolerance &tolerance = {});
+SpectrumComparison compareSpectra(const PredictedSpectrum &predicted, const ObservedSpectrum &observed,
+                                  const MassTolerance &tolerance = {});
 
 } // namespace zav

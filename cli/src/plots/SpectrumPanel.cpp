@@ -36,15 +36,15 @@ QString superscript(int charge)
     return text + QChar(u'\u207A');
 }
 
-QString labelOf(const AnnotatedPeak &peak)
+QString labelOf(const FragmentPeak &peak)
 {
-    if (peak.isotope || peak.ionType.isNull())
+    if (peak.isotope > 0 || peak.ionType.isNull())
         return {};
     const QString charge = peak.charge > 1 ? superscript(peak.charge) : QString();
     return peak.ionType + QString::number(peak.ionNumber) + peak.neutralLoss + charge;
 }
 
-PlotPeak plotPeak(const AnnotatedPeak &peak, double mz, double height)
+PlotPeak plotPeak(const FragmentPeak &peak, double mz, double height)
 {
     const bool isLoss = !peak.neutralLoss.isEmpty();
     PlotPeak plotted;
@@ -52,14 +52,14 @@ PlotPeak plotPeak(const AnnotatedPeak &peak, double mz, double height)
     plotted.height = height;
     plotted.labelHeight = height;
     plotted.color =
-        peak.isotope || isLoss ? plotStyle::lighterIonColor(peak.ionType) : plotStyle::ionColor(peak.ionType);
-    plotted.width = peak.isotope ? THIN_WIDTH : ION_WIDTH;
+        peak.isotope > 0 || isLoss ? plotStyle::lighterIonColor(peak.ionType) : plotStyle::ionColor(peak.ionType);
+    plotted.width = peak.isotope > 0 ? THIN_WIDTH : ION_WIDTH;
     plotted.isLoss = isLoss;
     plotted.label = labelOf(peak);
     return plotted;
 }
 
-QString ionOf(const AnnotatedPeak &peak)
+QString ionOf(const FragmentPeak &peak)
 {
     return peak.ionType + QString::number(peak.ionNumber) + peak.neutralLoss + QLatin1Char('/') +
            QString::number(peak.charge);
@@ -69,22 +69,22 @@ QString ionOf(const AnnotatedPeak &peak)
 class EnvelopeHeights
 {
 public:
-    void add(const AnnotatedPeak &peak, double height)
+    void add(const FragmentPeak &peak, double height)
     {
         double &tallest = m_heights[ionOf(peak)];
         tallest = std::max(tallest, height);
     }
 
-    double of(const AnnotatedPeak &peak) const { return m_heights.value(ionOf(peak)); }
+    double of(const FragmentPeak &peak) const { return m_heights.value(ionOf(peak)); }
 
 private:
     QHash<QString, double> m_heights;
 };
 
-double tallestOf(const QList<AnnotatedPeak> &peaks)
+double tallestOf(const QList<FragmentPeak> &peaks)
 {
     double tallest = 0;
-    for (const AnnotatedPeak &peak : peaks)
+    for (const FragmentPeak &peak : peaks)
         tallest = std::max(tallest, peak.intensity);
     return tallest;
 }
@@ -113,10 +113,10 @@ QList<PlotPeak> predictedPlotPeaks(const SpectrumPlotData &data)
 {
     const double tallest = tallestOf(data.predicted);
     EnvelopeHeights envelopes;
-    for (const AnnotatedPeak &peak : data.predicted)
+    for (const FragmentPeak &peak : data.predicted)
         envelopes.add(peak, peak.intensity / tallest);
     QList<PlotPeak> peaks;
-    for (const AnnotatedPeak &peak : data.predicted) {
+    for (const FragmentPeak &peak : data.predicted) {
         if (!(peak.intensity > 0))
             continue;
         peaks.append(plotPeak(peak, peak.mz, peak.intensity / tallest));
@@ -138,7 +138,7 @@ QList<PlotPeak> observedPlotPeaks(const SpectrumPlotData &data)
     for (const PeakMatch &match : data.comparison->matches)
         envelopes.add(data.predicted[match.predicted], peaks[match.observed].height);
     for (const PeakMatch &match : data.comparison->matches) {
-        const AnnotatedPeak &ion = data.predicted[match.predicted];
+        const FragmentPeak &ion = data.predicted[match.predicted];
         PlotPeak &peak = peaks[match.observed];
         peak = plotPeak(ion, peak.mz, peak.height);
         peak.labelHeight = envelopes.of(ion);

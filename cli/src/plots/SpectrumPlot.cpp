@@ -78,8 +78,8 @@ QString comparisonText(const SpectrumComparison &comparison)
 QSet<int> ionNumbers(const SpectrumPlotData &data, QChar ionType)
 {
     QSet<int> numbers;
-    const auto add = [&](const AnnotatedPeak &peak) {
-        if (peak.ionType == ionType && !peak.isotope && peak.neutralLoss.isEmpty())
+    const auto add = [&](const FragmentPeak &peak) {
+        if (peak.ionType == ionType && peak.isotope == 0 && peak.neutralLoss.isEmpty())
             numbers.insert(peak.ionNumber);
     };
     if (data.comparison) {
@@ -107,10 +107,10 @@ QList<LegendEntry> legendOf(const SpectrumPlotData &data)
 {
     QList<LegendEntry> entries;
     for (const QChar series : {u'b', u'y', u'a'}) {
-        if (anyPredicted(data, [&](const AnnotatedPeak &peak) { return peak.ionType == series; }))
+        if (anyPredicted(data, [&](const FragmentPeak &peak) { return peak.ionType == series; }))
             entries.append({{legendPen(plotStyle::ionColor(series))}, series});
     }
-    if (anyPredicted(data, [](const AnnotatedPeak &peak) { return peak.isotope || !peak.neutralLoss.isEmpty(); }))
+    if (anyPredicted(data, [](const FragmentPeak &peak) { return peak.isotope > 0 || !peak.neutralLoss.isEmpty(); }))
         entries.append({{legendPen(plotStyle::lighterIonColor(u'y')), legendPen(plotStyle::lighterIonColor(u'b'))},
                         QStringLiteral("loss, isotope (thin)")});
     if (data.observed)

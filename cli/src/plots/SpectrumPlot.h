@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "AnnotatedPeak.h"
-#include "ObservedSpectrum.h"
 #include "SpectrumComparison.h"
 
 #include <QtCore/QList>
@@ -18,7 +16,7 @@ struct SpectrumPlotData
     QString peptide;                              ///< upper-case one-letter code
     int charge = 0;                               ///< of the precursor
     double precursorMz = 0;                       ///< left out of the title when 0
-    QList<AnnotatedPeak> predicted;               ///< in any order; intensities are scaled to the largest
+    QList<FragmentPeak> predicted;                ///< in any order; intensities are scaled to the largest
     std::optional<ObservedSpectrum> observed;     ///< drawn on top, the prediction mirrored below it
     std::optional<SpectrumComparison> comparison; ///< colours the matched observed peaks and adds the figures
 };

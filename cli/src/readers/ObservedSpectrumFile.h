@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "ObservedSpectrum.h"
+#include "Spectrum.h"
 
 #include <zav/Result.h>
 

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumCommand.h"
 
-#include "ExitCode.h"
 #include "ObservedSpectrumFile.h"
 #include "PictureFile.h"
-#include "PrecursorCheck.h"
 #include "PrintableText.h"
-#include "Progress.h"
 #include "SpectrumPlot.h"
 #include "Terminal.h"
 
@@ -21,8 +18,8 @@ namespace zav {
 
 namespace {
 
-// How many precursors are predicted before the bar moves. With isotopes the network runs for each alone; without, the
-// block is large enough for it to run on many at once.
+// How many precursors are predicted before the bar moves. With isotopes the network runs for each alone; without them
+// on the whole block, which is therefore larger.
 constexpr qsizetype BLOCK_WITH_ISOTOPES = 32;
 constexpr qsizetype BLOCK_WITHOUT_ISOTOPES = 512;
 
@@ -34,57 +31,28 @@ OutputFormat formatOf(const SpectrumOptions &options)
                                                                                 : OutputFormat::Tsv;
 }
 
-PredictionContent contentOf(const SpectrumOptions &options, OutputFormat format, const WriterOptions &writerOptions)
-{
-    const bool isCompared = !options.picturePath.isEmpty() || !options.observedPath.isEmpty();
-    return {options.cysteineMass, options.isotopes, isCompared || writesIonNames(format, writerOptions),
-            options.verbose};
-}
-
-bool writesToStandardOutput(const QString &outputPath)
-{
-    return outputPath.isEmpty() || outputPath == QLatin1String("-");
-}
-
-QString listName(const QString &path)
-{
-    return path == QLatin1String("-") ? QStringLiteral("standard input") : displayText(path, 300);
-}
-
 } // namespace
 
 SpectrumCommand::SpectrumCommand(const SpectrumOptions &options)
-    : m_options(options),
-      m_format(formatOf(options)), m_writerOptions{options.annotate, !options.peptideList.isEmpty()},
-      m_output(options.outputPath, m_format, m_writerOptions), m_messages(options.verbose)
+    : Command(options.verbose), m_options(options), m_format(formatOf(options)),
+      m_output(options.outputPath, m_format, {options.annotate, isList()})
 {}
 
-SpectrumCommand::~SpectrumCommand() = default;
-
-int SpectrumCommand::run()
+/// The error is one that ends the run; a peptide that fails is reported at once and counted.
+Error SpectrumCommand::work()
 {
-    const Error error = runSteps();
-    if (error.hasError())
-        m_messages.failure(error);
-    return error.hasError() || m_failed > 0 ? SomeFailed : AllDone;
-}
-
-/// The error is one that ends the run; a peptide that fails is told at once and counted.
-Error SpectrumCommand::runSteps()
-{
-    for (auto step : {&SpectrumCommand::readPeptides, &SpectrumCommand::readObserved, &SpectrumCommand::loadNetworks,
-                      &SpectrumCommand::predictAll, &SpectrumCommand::finishOutput, &SpectrumCommand::compareAndDraw}) {
-        if (Error error = (this->*step)(); error.hasError())
-            return error;
-    }
-    countFailures();
-    return {};
+    Error error =
+        inTurn(this, {&SpectrumCommand::readPeptides, &SpectrumCommand::readObserved, &SpectrumCommand::loadNetworks,
+                      &SpectrumCommand::predictAll, &SpectrumCommand::finishOutput, &SpectrumCommand::compareAndDraw});
+    if (!error.hasError() && isList() && m_failed > 0)
+        messages().note(QStringLiteral("%1 of %2 precursors could not be predicted").arg(m_failed).arg(m_rows.size()));
+    return error;
 }
 
 Error SpectrumCommand::readPeptides()
 {
     if (m_options.annotate && m_format == OutputFormat::Mgf)
-        m_messages.note(QStringLiteral("MGF has no place for ion names, --annotate adds none"));
+        messages().note(QStringLiteral("MGF has no place for ion names, --annotate adds none"));
     if (isList()) {
         const Result<QList<PeptideListRow>> rows = readPeptideList(m_options.peptideList);
         if (rows.hasError())
@@ -94,7 +62,7 @@ Error SpectrumCommand::readPeptides()
         m_rows = {PeptideListRow{{m_options.peptide, m_options.charge}, 0, {}}};
     }
     if (m_rows.isEmpty())
-        return Error(InvalidInput, QStringLiteral("no peptides in %1").arg(listName(m_options.peptideList)));
+        return Error(InvalidInput, QStringLiteral("no peptides in %1").arg(inputName(m_options.peptideList)));
     checkPeptides();
     return {};
 }
@@ -120,24 +88,22 @@ Error SpectrumCommand::loadNetworks()
     const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder);
     if (folder.hasError())
         return folder.error();
-    m_predictor = std::make_unique<SpectrumPredictor>(contentOf(m_options, m_format, m_writerOptions));
+    m_predictor = std::make_unique<SpectrumPredictor>(
+        m_options.cysteineMass, m_options.isotopes ? IsotopePeaks::Included : IsotopePeaks::LeftOut);
+    const QuietStandardError quiet(!m_options.verbose);
     return m_predictor->load(folder.value(), charges);
 }
 
 Error SpectrumCommand::predictAll()
 {
-    const bool mixesWithOutput = writesToStandardOutput(m_options.outputPath) && terminal::standardOutputIsTerminal();
-    Progress progress(m_rows.size(), QStringLiteral("peptides"),
-                      terminal::standardErrorIsTerminal() && !mixesWithOutput);
-    m_messages.setProgress(&progress);
+    Progress progress = startProgress(m_rows.size(), QStringLiteral("peptides"), m_options.outputPath);
     const qsizetype blockSize = m_options.isotopes ? BLOCK_WITH_ISOTOPES : BLOCK_WITHOUT_ISOTOPES;
-    Error error;
-    for (qsizetype first = 0; first < m_rows.size() && !error.hasError(); first += blockSize) {
+    for (qsizetype first = 0; first < m_rows.size(); first += blockSize) {
         progress.update(first);
-        error = predictBlock(first, std::min(first + blockSize, m_rows.size()));
+        if (Error error = predictBlock(first, std::min(first + blockSize, m_rows.size())); error.hasError())
+            return error;
     }
-    m_messages.setProgress(nullptr);
-    return error;
+    return {};
 }
 
 /// The error is one of writing.
@@ -196,8 +162,7 @@ Error SpectrumCommand::compareAndDraw()
     const Precursor &precursor = m_spectrum->precursor;
     std::optional<SpectrumComparison> comparison;
     if (m_observed) {
-        comparison = compareSpectra({precursor.peptide, precursor.charge, m_spectrum->cysteineMass}, m_spectrum->peaks,
-                                    *m_observed, m_options.tolerance);
+        comparison = compareSpectra(*m_spectrum, *m_observed, m_options.tolerance);
         printComparison(*comparison);
     }
     if (m_options.picturePath.isEmpty())
@@ -210,7 +175,7 @@ Error SpectrumCommand::compareAndDraw()
 /// On standard output, unless another program reads the spectrum there.
 void SpectrumCommand::printComparison(const SpectrumComparison &comparison)
 {
-    const bool isFree = m_format == OutputFormat::Table || !writesToStandardOutput(m_options.outputPath);
+    const bool isFree = m_format == OutputFormat::Table || !terminal::isStandardOutput(m_options.outputPath);
     const QString text =
         QStringLiteral("spectral angle %1, cosine %2 over b and y ions\n%3 of %4 observed peaks explained, %5 % of the "
                        "intensity\n")
@@ -220,18 +185,12 @@ void SpectrumCommand::printComparison(const SpectrumComparison &comparison)
     std::fputs(qUtf8Printable(text), isFree ? stdout : stderr);
 }
 
-void SpectrumCommand::countFailures()
-{
-    if (isList() && m_failed > 0)
-        m_messages.note(QStringLiteral("%1 of %2 precursors could not be predicted").arg(m_failed).arg(m_rows.size()));
-}
-
 void SpectrumCommand::reportFailure(const PeptideListRow &row, const Error &error)
 {
     ++m_failed;
     const QString name = displayName(row.precursor);
-    const QString line = QStringLiteral("%1:%2: ").arg(listName(m_options.peptideList)).arg(row.line);
-    m_messages.failure(error, isList() ? line + name : name);
+    const QString line = QStringLiteral("%1:%2: ").arg(inputName(m_options.peptideList)).arg(row.line);
+    fail(error, isList() ? line + name : name);
 }
 
 } // namespace zav

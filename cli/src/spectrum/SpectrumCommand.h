@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Messages.h"
-#include "ObservedSpectrum.h"
+#include "Command.h"
 #include "PeptideList.h"
 #include "SpectrumComparison.h"
 #include "SpectrumOptions.h"
-#include "SpectrumOutput.h"
 #include "SpectrumPredictor.h"
+#include "SpectrumWriter.h"
 
 #include <QtCore/QList>
 
@@ -17,17 +16,13 @@
 namespace zav {
 
 /// `zav spectrum`: predicts the spectra that were asked for, writes them, and for one peptide compares and draws.
-class SpectrumCommand
+class SpectrumCommand : public Command
 {
 public:
     explicit SpectrumCommand(const SpectrumOptions &options);
-    ~SpectrumCommand();
-
-    /// Runs the command to its end. Needs the application object. The result is an `ExitCode`.
-    int run();
 
 private:
-    Error runSteps();
+    Error work() override;
     Error readPeptides();
     void checkPeptides();
     Error loadNetworks();
@@ -38,15 +33,12 @@ private:
     Error readObserved();
     Error compareAndDraw();
     void printComparison(const SpectrumComparison &comparison);
-    void countFailures();
     void reportFailure(const PeptideListRow &row, const Error &error);
     bool isList() const { return !m_options.peptideList.isEmpty(); }
 
     SpectrumOptions m_options;
     OutputFormat m_format;
-    WriterOptions m_writerOptions;
     SpectrumOutput m_output;
-    Messages m_messages;
     QList<PeptideListRow> m_rows;
     QList<Error> m_problems; ///< one per row: why it cannot be predicted, or no error
     qsizetype m_failed = 0;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "MassTolerance.h"
+#include "PeptideMasses.h"
+#include "SpectrumComparison.h"
 #include "SpectrumWriter.h"
 
 #include <QtCore/QString>
@@ -15,9 +16,9 @@ struct SpectrumOptions
 {
     QString peptide; ///< with `charge`, or empty and `peptideList` instead
     int charge = 0;
-    QString peptideList;            ///< path, "-" for standard input
-    QString modelFolder;            ///< empty: where the networks are installed
-    double cysteineMass = 57.02146; ///< Da
+    QString peptideList;                                                ///< path, "-" for standard input
+    QString modelFolder;                                                ///< empty: where the networks are installed
+    double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION; ///< Da
     std::optional<OutputFormat> format;
     QString outputPath; ///< empty: standard output
     bool isotopes = true;

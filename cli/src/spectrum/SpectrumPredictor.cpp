@@ -1,74 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumPredictor.h"
 
-#include "ExplainedError.h"
-#include "IonNames.h"
-#include "PeakNaming.h"
+#include "NetworkLoading.h"
 #include "PeptideMasses.h"
-#include "QuietStandardError.h"
-#include "TheoreticalFragments.h"
-
-#include <QtCore/QFileInfo>
 
 #include <algorithm>
-#include <optional>
 
 namespace zav {
 
-namespace {
+SpectrumPredictor::SpectrumPredictor(double cysteineMass, IsotopePeaks isotopes)
+    : m_cysteineMass(cysteineMass), m_isotopes(isotopes)
+{}
 
-constexpr char SOURCE_FILE[] = "cli/src/spectrum/SpectrumPredictor";
-
-/// Names the file, which the library's own message need not do.
-Error loadingError(const Error &error, const QString &path)
-{
-    const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
-    return explainedError(error, QStringLiteral("cannot load %1: %2").arg(QFileInfo(path).fileName(), reason));
-}
-
-/// The library tells a network that does not fit by code and trail alone.
-Error predictionError(const Error &error, int charge)
-{
-    if (!error.hasError() || !error.message().isEmpty())
-        return error;
-    return explainedError(error, QStringLiteral("msms_charge%1.pb is not a network for charge %1").arg(charge));
-}
-
-} // namespace
-
-SpectrumPredictor::SpectrumPredictor(const PredictionContent &content) : m_content(content) {}
 SpectrumPredictor::~SpectrumPredictor() = default;
 
 Error SpectrumPredictor::load(const ModelFolder &folder, const QSet<int> &charges)
 {
-    QList<int> usable;
-    for (int charge : charges) {
-        Error error = folder.checkFragmentationNetwork(charge);
-        if (error.hasError())
-            m_unavailable.insert(charge, error);
-        else
-            usable.append(charge);
-    }
+    QList<int> usable = charges.values();
     std::sort(usable.begin(), usable.end());
     while (!usable.isEmpty()) {
-        const Error error = init(folder, usable);
+        m_predictor = std::make_unique<MsMsFragmentationPredictomatic>();
+        m_predictor->setCysteineFixedMass(m_cysteineMass);
+        int failed = 0;
+        const Error error = loadFragmentationNetworks(folder, usable, m_predictor.get(), &failed);
         if (!error.hasError())
             return {};
-        const int reached = m_predictor->maxPredictionChargeState() + 1;
-        const int failed = usable.contains(reached) ? reached : usable.first();
-        m_unavailable.insert(failed, loadingError(error, folder.fragmentationNetwork(failed)));
+        m_unavailable.insert(failed, error);
         usable.removeOne(failed);
     }
     return m_unavailable.first();
-}
-
-Error SpectrumPredictor::init(const ModelFolder &folder, const QList<int> &charges)
-{
-    const QuietStandardError quiet(!m_content.verbose);
-    m_predictor = std::make_unique<MsMsFragmentationPredictomatic>();
-    m_predictor->setCysteineFixedMass(m_content.cysteineMass);
-    const QStringList paths = folder.fragmentationNetworks(charges);
-    return m_predictor->init(paths[0], paths[1], paths[2], paths[3], paths[4]);
 }
 
 QList<Result<PredictedSpectrum>> SpectrumPredictor::predict(const QList<Precursor> &precursors)
@@ -89,51 +49,37 @@ QList<Result<PredictedSpectrum>> SpectrumPredictor::predict(const QList<Precurso
 /// The precursors share one charge.
 QList<Result<PredictedSpectrum>> SpectrumPredictor::predictCharge(const QList<Precursor> &precursors)
 {
-    const int charge = precursors.first().charge;
-    QList<QList<FragmentPeak>> fragments(precursors.size());
-    Error error = m_unavailable.value(charge);
-    if (!error.hasError() && (m_content.ionNames || !m_content.isotopes)) {
-        QStringList peptides;
-        for (const Precursor &precursor : precursors)
-            peptides.append(precursor.peptide);
-        error = predictionError(m_predictor->predictFragments(peptides, charge, &fragments), charge);
-    }
+    const qsizetype runSize = m_isotopes == IsotopePeaks::Included ? 1 : precursors.size();
     QList<Result<PredictedSpectrum>> outcomes;
-    for (int i = 0; i < precursors.size(); ++i)
-        outcomes.append(error.hasError() ? Result<PredictedSpectrum>(error) : assemble(precursors[i], fragments[i]));
+    for (qsizetype first = 0; first < precursors.size(); first += runSize)
+        outcomes.append(predictRun(precursors.mid(first, runSize)));
     return outcomes;
 }
 
-Result<PredictedSpectrum> SpectrumPredictor::assemble(const Precursor &precursor, const QList<FragmentPeak> &fragments)
+/// One run of the network of their charge. They fail together.
+QList<Result<PredictedSpectrum>> SpectrumPredictor::predictRun(const QList<Precursor> &precursors)
 {
-    PredictedSpectrum spectrum;
-    spectrum.precursor = precursor;
-    spectrum.precursorMz = peptideMasses::precursorMz(precursor.peptide, precursor.charge, m_content.cysteineMass);
-    spectrum.cysteineMass = m_content.cysteineMass;
-    if (Error error = addPeaks(precursor, fragments, &spectrum.peaks); error.hasError())
-        return std::move(error.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
-    return spectrum;
+    const int charge = precursors.first().charge;
+    QStringList peptides;
+    for (const Precursor &precursor : precursors)
+        peptides.append(precursor.peptide);
+    QList<QList<FragmentPeak>> peaks;
+    Error error = m_unavailable.value(charge);
+    if (!error.hasError())
+        error = predictionError(m_predictor->predictFragments(peptides, charge, &peaks, m_isotopes), charge);
+    // In a warning the predictor says why a peptide has no peaks.
+    if (!error.hasError() && error.hasWarnings() && precursors.size() == 1)
+        error = Error(InvalidInput, error.warnings().first());
+    QList<Result<PredictedSpectrum>> outcomes;
+    for (qsizetype i = 0; i < precursors.size(); ++i)
+        outcomes.append(error.hasError() ? Result<PredictedSpectrum>(error) : spectrumOf(precursors[i], peaks[i]));
+    return outcomes;
 }
 
-Error SpectrumPredictor::addPeaks(const Precursor &precursor, const QList<FragmentPeak> &fragments,
-                                  QList<AnnotatedPeak> *peaks)
+PredictedSpectrum SpectrumPredictor::spectrumOf(const Precursor &precursor, const QList<FragmentPeak> &peaks) const
 {
-    if (!m_content.isotopes) {
-        std::transform(fragments.begin(), fragments.end(), std::back_inserter(*peaks), annotatedPeak);
-        return {};
-    }
-    QList<QPointF> points;
-    const Error error = m_predictor->predictMsMsFragmentation(precursor.peptide, precursor.charge, &points);
-    if (error.hasError())
-        return predictionError(error, precursor.charge);
-    const QList<FragmentPeak> possible =
-        m_content.ionNames ? theoreticalFragments(precursor.peptide, precursor.charge, m_content.cysteineMass)
-                           : QList<FragmentPeak>();
-    const Result<QList<AnnotatedPeak>> named = namePeaks(points, fragments, possible);
-    if (named.hasError())
-        return named.error();
-    *peaks = named.value();
-    return {};
+    return {precursor, peptideMasses::precursorMz(precursor.peptide, precursor.charge, m_cysteineMass), m_cysteineMass,
+            peaks};
 }
 
 } // namespace zav

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Messages.h"
 #include "ModelFolder.h"
-#include "PredictedSpectrum.h"
+#include "Spectrum.h"
 
 #include <zav/MsMsFragmentationPredictomatic.h>
 #include <zav/Result.h>
@@ -16,39 +15,35 @@
 
 namespace zav {
 
-/// What a prediction is to hold.
-struct PredictionContent
-{
-    double cysteineMass = 57.02146; ///< Da added to every cysteine
-    bool isotopes = true;           ///< the heavier isotopes of each fragment
-    bool ionNames = false;          ///< which ion each peak is
-    bool verbose = false;           ///< what the runtime writes while it loads stays visible
-};
-
 /// Predicts spectra with the networks of one folder, loading only those that the work needs.
 ///
 /// The network of a charge that is missing or broken fails the precursors of that charge only.
 class SpectrumPredictor
 {
 public:
-    explicit SpectrumPredictor(const PredictionContent &content);
+    /// `cysteineMass` in Da is added to every cysteine.
+    SpectrumPredictor(double cysteineMass, IsotopePeaks isotopes);
     ~SpectrumPredictor();
 
+    SpectrumPredictor(const SpectrumPredictor &) = delete;
+    SpectrumPredictor &operator=(const SpectrumPredictor &) = delete;
+
     /// Loads the networks for `charges` (1 to 5). Fails when none of them could be loaded, with the reason of the
-    /// first; otherwise the precursors of the others fail in `predict`.
+    /// lowest charge; otherwise the precursors of the others fail in `predict`.
     Error load(const ModelFolder &folder, const QSet<int> &charges);
 
     /// One outcome per precursor, in order. The precursors have passed `checkPrecursor`. Without isotopes the network
-    /// runs once per charge and block of peptides; otherwise once per precursor.
+    /// runs once per charge and block of peptides; with them once per precursor, whose spectrum then does not depend on
+    /// the others, not even in its last bits.
     QList<Result<PredictedSpectrum>> predict(const QList<Precursor> &precursors);
 
 private:
-    Error init(const ModelFolder &folder, const QList<int> &charges);
     QList<Result<PredictedSpectrum>> predictCharge(const QList<Precursor> &precursors);
-    Result<PredictedSpectrum> assemble(const Precursor &precursor, const QList<FragmentPeak> &fragments);
-    Error addPeaks(const Precursor &precursor, const QList<FragmentPeak> &fragments, QList<AnnotatedPeak> *peaks);
+    QList<Result<PredictedSpectrum>> predictRun(const QList<Precursor> &precursors);
+    PredictedSpectrum spectrumOf(const Precursor &precursor, const QList<FragmentPeak> &peaks) const;
 
-    PredictionContent m_content;
+    double m_cysteineMass = 0; ///< Da
+    IsotopePeaks m_isotopes;
     std::unique_ptr<MsMsFragmentationPredictomatic> m_predictor;
     QMap<int, Error> m_unavailable; ///< why the network of a charge cannot be used
 };

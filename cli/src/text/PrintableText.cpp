@@ -13,4 +13,9 @@ QString displayText(const QString &text, int maxLength)
     return text.size() > maxLength ? shown + QStringLiteral("...") : shown;
 }
 
+QString inputName(const QString &path)
+{
+    return path == QLatin1String("-") ? QStringLiteral("standard input") : displayText(path, 300);
+}
+
 } // namespace zav

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryFormat.h"
-#include "CysteineModification.h"
+#include "PeptideMasses.h"
 #include "PeptideNotation.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryShard.h"
-#include "ChargeList.h"
+#include "CommandArguments.h"
 
 #include <gtest/gtest.h>
 

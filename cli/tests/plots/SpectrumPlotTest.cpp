@@ -19,9 +19,9 @@ constexpr char BLUE[] = "#0072b2";
 constexpr char VERMILION[] = "#d55e00";
 constexpr char UNMATCHED_GREY[] = "#bebebe";
 
-AnnotatedPeak ion(QChar type, int number, double mz, double intensity, int charge = 1, const QString &loss = {})
+FragmentPeak ion(QChar type, int number, double mz, double intensity, int charge = 1, const QString &loss = {})
 {
-    AnnotatedPeak peak;
+    FragmentPeak peak;
     peak.ionType = type;
     peak.ionNumber = number;
     peak.mz = mz;
@@ -46,7 +46,7 @@ SpectrumPlotData mirrored()
 {
     SpectrumPlotData data = peptidek();
     data.observed = ObservedSpectrum{"run.mzML, scan 7", 464.7, 2, {{227.104, 30}, {391.183, 60}, {500, 15}}};
-    data.comparison = compareSpectra({data.peptide, data.charge, 0}, data.predicted, *data.observed);
+    data.comparison = compareSpectra({{data.peptide, data.charge}, 0, 0, data.predicted}, *data.observed);
     return data;
 }
 
@@ -167,9 +167,8 @@ TEST_F(SpectrumPlot, LegendNamesOnlyWhatIsDrawn)
 TEST_F(SpectrumPlot, LabelStandsAboveTheIsotopeEnvelope)
 {
     SpectrumPlotData data = peptidek();
-    AnnotatedPeak isotope = data.predicted[0];
-    isotope.isotope = true;
-    isotope.isotopeNumber = 1;
+    FragmentPeak isotope = data.predicted[0];
+    isotope.isotope = 1;
     isotope.mz += 1.00335;
     isotope.intensity = 1.0;
     data.predicted.append(isotope);

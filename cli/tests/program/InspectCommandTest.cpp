@@ -81,7 +81,7 @@ TEST_F(InspectedCopy, BrokenGraphFailsBothChecksOnOneLineEach)
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(linesOf(run.standardOutput)[1].endsWith("  fails    fails"));
     ASSERT_EQ(linesOf(run.standardError).size(), 2) << run.standardError;
-    EXPECT_TRUE(linesOf(run.standardError)[1].startsWith("zav: msms_charge2: cannot be loaded"));
+    EXPECT_TRUE(linesOf(run.standardError)[1].startsWith("zav: msms_charge2: cannot load msms_charge2.pb: "));
     EXPECT_EQ(run.standardError.find("ml/src"), std::string::npos);
     EXPECT_NE(inspect({"--verbose"}).standardError.find("at ml/src/Model:"), std::string::npos);
 }

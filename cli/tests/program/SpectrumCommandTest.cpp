@@ -85,6 +85,21 @@ TEST(SpectrumCommand, IsotopesOfIonsThatAreThemselvesTooLowAreNamedToo)
         EXPECT_NE(row.value(2).toStdString(), "") << row[0].toStdString();
 }
 
+TEST(SpectrumCommand, IonNamesChangeNoPeakAndEachIsGivenOnce)
+{
+    // y12-NH3+ i4 and y22++ i2 lie within 0.0001 m/z of each other.
+    const QStringList precursor{"spectrum", "HDNTGRYKAEYYNHCNMFCHKCYHAMQNGYLDHCSVSD", "5"};
+    const QList<QStringList> plain = rows(runZav(precursor).standardOutput);
+    const QList<QStringList> named = rows(runZav(precursor + QStringList{"--annotate"}).standardOutput);
+    ASSERT_EQ(named.size(), plain.size());
+    QSet<QString> names;
+    for (int i = 0; i < named.size(); ++i) {
+        EXPECT_EQ(named[i].mid(0, 2), plain[i].mid(0, 2));
+        EXPECT_FALSE(names.contains(named[i].value(2))) << named[i].value(2).toStdString();
+        names.insert(named[i].value(2));
+    }
+}
+
 TEST(SpectrumCommand, WithoutIsotopesOnlyMonoisotopicPeaksStay)
 {
     const auto with = ions(runZav({"spectrum", PEPTIDE, "3", "--annotate"}).standardOutput);

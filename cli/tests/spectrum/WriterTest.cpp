@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumWriter.h"
 
-#include "IonNames.h"
-
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -17,15 +15,13 @@ PredictedSpectrum example()
     spectrum.precursor = {QStringLiteral("ACDEFGHK"), 2};
     spectrum.precursorMz = 482.20308;
     spectrum.cysteineMass = 57.02146;
-    spectrum.peaks = {annotatedPeak({437.67925, 0.05, QLatin1Char('y'), 7, 2, QStringLiteral("-H2O")}),
-                      annotatedPeak({617.30419, 1.0, QLatin1Char('y'), 5, 1, {}})};
-    AnnotatedPeak isotope = isotopeOf(spectrum.peaks.last(), 1);
-    isotope.mz = 618.3075448;
-    isotope.intensity = 0.33;
-    AnnotatedPeak unknown;
+    spectrum.peaks = {{437.67925, 0.05, u'y', 7, 2, QStringLiteral("-H2O"), 0},
+                      {617.30419, 1.0, u'y', 5, 1, {}, 0},
+                      {618.3075448, 0.33, u'y', 5, 1, {}, 1}};
+    FragmentPeak unknown;
     unknown.mz = 700.5;
     unknown.intensity = 0.1;
-    spectrum.peaks.append({isotope, unknown});
+    spectrum.peaks.append(unknown);
     return spectrum;
 }
 
@@ -147,15 +143,6 @@ TEST(TableWriter, NamesThePrecursorAndDrawsABarForEachPeak)
               "  617.30419     1.0000  y5+            ##############################\n"
               "  618.30754     0.3300  y5+ i1         ##########\n"
               "  700.50000     0.1000                 ###\n");
-}
-
-TEST(SpectrumWriter, TableAndLibraryAlwaysNameIonsAndMgfNever)
-{
-    EXPECT_TRUE(writesIonNames(OutputFormat::Table, {}));
-    EXPECT_TRUE(writesIonNames(OutputFormat::Msp, {}));
-    EXPECT_FALSE(writesIonNames(OutputFormat::Tsv, {}));
-    EXPECT_TRUE(writesIonNames(OutputFormat::Tsv, {true, false}));
-    EXPECT_FALSE(writesIonNames(OutputFormat::Mgf, {true, false}));
 }
 
 } // namespace

@@ -1,11 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "Precursor.h"
+
+#include <zav/FragmentPeak.h>
+
 #include <QtCore/QList>
 #include <QtCore/QPointF>
 #include <QtCore/QString>
 
 namespace zav {
+
+/// A predicted spectrum, as the writers and the plot take it.
+struct PredictedSpectrum
+{
+    Precursor precursor;
+    double precursorMz = 0;    ///< m/z of the protonated peptide
+    double cysteineMass = 0;   ///< Da added to every cysteine
+    QList<FragmentPeak> peaks; ///< ascending m/z
+};
 
 /// One measured MS/MS spectrum.
 struct ObservedSpectrum
@@ -15,5 +28,8 @@ struct ObservedSpectrum
     int precursorCharge = 0; ///< 0 where the file does not say
     QList<QPointF> peaks;    ///< (m/z, intensity in the file's own unit), ascending m/z, intensities above 0
 };
+
+/// The ion of a peak: `y7+`, `b12++`, `y7-H2O+`, of an isotope peak `y7-H2O++ i1`. Empty for a peak of no ion type.
+QString ionName(const FragmentPeak &peak);
 
 } // namespace zav

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PrecursorCheck.h"
+#include "Precursor.h"
 
 #include <gtest/gtest.h>
 
