@@ -76,7 +76,10 @@ Result<DigestedPeptides> PeptideCollector::finish()
     if (all.hasError())
         return all.error();
     m_counts.decoys = all.value().count() - m_counts.targets;
-    return DigestedPeptides{std::make_unique<PeptideSet>(std::move(all).value(), std::move(m_proteins)), m_counts};
+    DigestedPeptides digested;
+    digested.peptides = std::make_unique<PeptideSet>(std::move(all).value(), std::move(m_proteins));
+    digested.counts = m_counts;
+    return digested;
 }
 
 Result<PeptidePages> PeptideCollector::distinctTargets()
