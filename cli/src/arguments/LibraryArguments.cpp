@@ -151,7 +151,9 @@ void LibraryArguments::addDigestionTo(CLI::App *command)
     command->add_flag("--remove-methionine", digestion.removesMethionine,
                       "proteins also without the methionine that they begin with");
     command->add_option("--decoys", m_decoys, "none, reversed or shuffled [none]")->type_name("KIND");
-    command->add_option("--decoy-seed", m_given.decoys.seed, withDefault("of shuffled decoys", m_given.decoys.seed))
+    command
+        ->add_option("--decoy-seed", m_given.decoys.seed,
+                     withDefault("of shuffled decoys", std::to_string(m_given.decoys.seed)))
         ->type_name("N");
 }
 

@@ -44,7 +44,7 @@ QString ModelFolder::pathFor(const QString &asked)
 
 Result<ModelFolder> ModelFolder::find(const QString &asked, NetworkUse use)
 {
-    const ModelFolder folder(pathFor(asked));
+    ModelFolder folder(pathFor(asked));
     const QString shown = displayText(folder.path(), 300);
     const QString hint = asked.isEmpty() ? QStringLiteral("; --models names another folder") : QString();
     if (!QFileInfo(folder.path()).isDir())

@@ -67,7 +67,7 @@ Error tryLimits(const NetworkContract &contract, const QString &path)
     if (contract.maxPointCount > 0)
         options.maxPointCount = contract.maxPointCount;
     XicBaselineLimitsDetector detector;
-    if (const Error error = loadNetwork(options, &detector); error.hasError())
+    if (Error error = loadNetwork(options, &detector); error.hasError())
         return error;
     const Result<QList<Interval<double>>> limits = detector.integrateXIC(chromatogram({100}), -1.0, 0);
     if (limits.hasError())
@@ -84,7 +84,7 @@ Error trySplit(const NetworkContract &contract, const QString &path)
     if (contract.maxPointCount > 0)
         options.maxPointCount = contract.maxPointCount;
     XicPeakSplitter splitter;
-    if (const Error error = loadNetwork(options, &splitter); error.hasError())
+    if (Error error = loadNetwork(options, &splitter); error.hasError())
         return error;
     const auto splits = splitter.splitXIC(chromatogram({90, 110}));
     if (splits.hasError())
