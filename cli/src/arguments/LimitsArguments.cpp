@@ -94,9 +94,9 @@ void LimitsArguments::addDetectorTo(CLI::App *command)
 Result<CommandLine> LimitsArguments::options() const
 {
     LimitsOptions options;
-    if (const Error error = convert(&options); error.hasError())
+    if (Error error = convert(&options); error.hasError())
         return error;
-    if (const Error error = convertDetector(&options); error.hasError())
+    if (Error error = convertDetector(&options); error.hasError())
         return error;
     return CommandLine(options);
 }

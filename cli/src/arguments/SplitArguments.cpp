@@ -63,13 +63,13 @@ void SplitArguments::addSplitterTo(CLI::App *command)
 Result<CommandLine> SplitArguments::options() const
 {
     SplitOptions options;
-    if (const Error error = convert(&options); error.hasError())
+    if (Error error = convert(&options); error.hasError())
         return error;
     options.splitter = m_splitter;
     XicPeakSplitterOptions checked = m_splitter;
     checked.modelFilePath = QStringLiteral("chosen later");
     checked.maxPointCount = options.maxPointCount.value_or(checked.maxPointCount);
-    if (const Error error = inFlags(checked.checkForParameterErrors()); error.hasError())
+    if (Error error = inFlags(checked.checkForParameterErrors()); error.hasError())
         return error;
     return CommandLine(options);
 }
