@@ -7,7 +7,6 @@ namespace zav {
 
 namespace {
 
-constexpr int PATH_LENGTH = 300;
 constexpr int ID_LENGTH = 120;
 
 /// `1 trace`, `2 traces`; the name is a plural in s.
@@ -21,11 +20,6 @@ QString counted(qint64 count, const QString &plural)
 QString Trace::name() const
 {
     return inputName(file) + QStringLiteral(": ") + displayText(chromatogram.id, ID_LENGTH);
-}
-
-QString inputName(const QString &path)
-{
-    return path == QLatin1String("-") ? QStringLiteral("standard input") : displayText(path, PATH_LENGTH);
 }
 
 void TraceTally::addTrace(qsizetype rows)

@@ -54,9 +54,6 @@ struct Trace
     QString name() const;
 };
 
-/// What messages call a file of the command line.
-QString inputName(const QString &path);
-
 /// Counts what became of the traces of a run.
 class TraceTally
 {

@@ -2,10 +2,8 @@
 #include "TraceCommand.h"
 
 #include "ByteStream.h"
-#include "Command.h"
 #include "OrderedPipeline.h"
 #include "PrintableText.h"
-#include "Progress.h"
 #include "RuntimeThreads.h"
 #include "TargetList.h"
 #include "Terminal.h"
@@ -34,15 +32,10 @@ int fileWidth(const QStringList &inputs)
                             })->size());
 }
 
-bool writesToStandardOutput(const QString &outputPath)
-{
-    return outputPath.isEmpty() || outputPath == QLatin1String("-");
-}
-
 } // namespace
 
 TraceCommand::TraceCommand(const TraceOptions &options, const TraceTable &table)
-    : m_options(options), m_table(table), m_messages(options.verbose),
+    : Command(options.verbose), m_options(options), m_table(table),
       m_pictures(options.picturePath, options.pictureFolderFormat,
                  options.target ? std::optional(options.target->ppm) : std::nullopt),
       m_output(options.outputPath, makeTraceWriter(formatOf(options), table, fileWidth(options.inputs)))
@@ -50,25 +43,15 @@ TraceCommand::TraceCommand(const TraceOptions &options, const TraceTable &table)
 
 TraceCommand::~TraceCommand() = default;
 
-int TraceCommand::run()
-{
-    const Error error = runSteps();
-    if (error.hasError())
-        m_messages.failure(error);
-    if (isInterrupted())
-        return m_interruption->exitCode();
-    return error.hasError() || m_tally.failures() > 0 ? SomeFailed : AllDone;
-}
-
 /// The error is one that ends the run; a trace that fails is told at once and counted.
-Error TraceCommand::runSteps()
+Error TraceCommand::work()
 {
-    for (auto step : {&TraceCommand::preparePictures, &TraceCommand::openTraces, &TraceCommand::loadNetwork,
-                      &TraceCommand::analyseAll, &TraceCommand::finishOutput}) {
-        if (Error error = (this->*step)(); error.hasError())
-            return error;
-    }
-    m_messages.note(m_tally.text(QString::fromLatin1(m_table.rowsName)));
+    if (Error error =
+            inTurn(this, {&TraceCommand::preparePictures, &TraceCommand::openTraces, &TraceCommand::loadNetwork,
+                          &TraceCommand::analyseAll, &TraceCommand::finishOutput});
+        error.hasError())
+        return error;
+    messages().note(m_tally.text(QString::fromLatin1(m_table.rowsName)));
     return {};
 }
 
@@ -109,21 +92,16 @@ Error TraceCommand::loadNetwork()
 /// The error is one of a file or of writing.
 Error TraceCommand::analyseAll()
 {
-    const bool mixesWithOutput = writesToStandardOutput(m_options.outputPath) && terminal::standardOutputIsTerminal();
-    Progress progress(m_stream->count(), QStringLiteral("traces"),
-                      terminal::standardErrorIsTerminal() && !mixesWithOutput);
-    m_messages.setProgress(&progress);
+    Progress progress = startProgress(m_stream->count(), QStringLiteral("traces"), m_options.outputPath);
     // A thread that waits for standard input cannot be woken: an interrupt then ends the process at once.
     if (!m_options.inputs.contains(QStringLiteral("-")))
-        m_interruption.emplace();
+        noteInterrupts();
     OrderedPipeline<Trace, Trace> pipeline({m_options.threads}, [this] { return isInterrupted(); });
-    Error error = pipeline.run([this] { return read(); },
-                               [this](int thread, Trace trace) {
-                                   return analyse(m_analyses[static_cast<size_t>(thread)].get(), std::move(trace));
-                               },
-                               [&](const Trace &trace) { return accept(trace, &progress); });
-    m_messages.setProgress(nullptr);
-    return error;
+    return pipeline.run([this] { return read(); },
+                        [this](int thread, Trace trace) {
+                            return analyse(m_analyses[static_cast<size_t>(thread)].get(), std::move(trace));
+                        },
+                        [&](const Trace &trace) { return accept(trace, &progress); });
 }
 
 Error TraceCommand::finishOutput()
@@ -165,7 +143,7 @@ Error TraceCommand::accept(const Trace &trace, Progress *progress)
 {
     Error error;
     if (trace.problem.hasError())
-        fail(trace.problem, trace.isBroken ? QString() : trace.name());
+        countFailure(trace.problem, trace.isBroken ? QString() : trace.name());
     else
         error = write(trace);
     progress->update(m_tally.traces());
@@ -176,7 +154,7 @@ Error TraceCommand::write(const Trace &trace)
 {
     const Result<QByteArray> text = m_output.text(trace);
     if (text.hasError()) {
-        fail(text.error(), trace.name());
+        countFailure(text.error(), trace.name());
         return {};
     }
     tell(trace);
@@ -191,14 +169,14 @@ void TraceCommand::tell(const Trace &trace)
     const QList<QString> remarks = {trace.findings.remark, trace.findings.nothingFound};
     for (const QString &remark : trace.findings.warnings + remarks) {
         if (!remark.isEmpty())
-            m_messages.note(trace.name() + QStringLiteral(": ") + remark);
+            messages().note(trace.name() + QStringLiteral(": ") + remark);
     }
 }
 
-void TraceCommand::fail(const Error &error, const QString &subject)
+void TraceCommand::countFailure(const Error &error, const QString &subject)
 {
     m_tally.addFailure();
-    m_messages.failure(error, subject);
+    fail(error, subject);
 }
 
 } // namespace zav

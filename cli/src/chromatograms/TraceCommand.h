@@ -2,8 +2,7 @@
 #pragma once
 
 #include "ChromatogramSource.h"
-#include "Interruption.h"
-#include "Messages.h"
+#include "Command.h"
 #include "ModelFolder.h"
 #include "Trace.h"
 #include "TracePictures.h"
@@ -23,8 +22,6 @@
 #include <vector>
 
 namespace zav {
-
-class Progress;
 
 /// What `zav limits` and `zav split` can both be asked for.
 struct TraceOptions
@@ -59,19 +56,12 @@ public:
 
 /// A command that looks for something in every trace of the files that were named: reads, analyses on several threads,
 /// and writes in the order of the files.
-class TraceCommand
+class TraceCommand : public Command
 {
 public:
     /// `table` is what is written of each trace.
     TraceCommand(const TraceOptions &options, const TraceTable &table);
-    virtual ~TraceCommand();
-
-    TraceCommand(const TraceCommand &) = delete;
-    TraceCommand &operator=(const TraceCommand &) = delete;
-
-    /// Runs the command to its end. Needs the application object. The result is an `ExitCode`, or what a shell expects
-    /// of a program that was interrupted.
-    int run();
+    ~TraceCommand() override;
 
 private:
     /// The network's file in the folder of networks.
@@ -80,7 +70,7 @@ private:
     /// What each thread does with the traces that it gets.
     virtual std::unique_ptr<TraceAnalysis> makeAnalysis(const QString &modelFilePath) const = 0;
 
-    Error runSteps();
+    Error work() override;
     Error preparePictures();
     Error openTraces();
     Error loadNetwork();
@@ -88,18 +78,15 @@ private:
     Error finishOutput();
     Result<std::optional<Trace>> read();
     Trace analyse(TraceAnalysis *analysis, Trace trace) const;
-    bool isInterrupted() const { return m_interruption && m_interruption->isRequested(); }
     Error accept(const Trace &trace, Progress *progress);
     Error write(const Trace &trace);
     void tell(const Trace &trace);
-    void fail(const Error &error, const QString &subject);
+    void countFailure(const Error &error, const QString &subject);
 
     TraceOptions m_options;
     const TraceTable &m_table;
-    Messages m_messages;
     TracePictures m_pictures;
     TraceTally m_tally;
-    std::optional<Interruption> m_interruption; ///< while traces are worked on, unless standard input is read
     std::unique_ptr<TraceStream> m_stream;
     TraceOutput m_output;
     std::vector<std::unique_ptr<TraceAnalysis>> m_analyses; ///< one a thread

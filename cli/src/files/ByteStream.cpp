@@ -29,11 +29,6 @@ bool isStandardInput(const QString &path)
 
 } // namespace
 
-QString inputName(const QString &path)
-{
-    return isStandardInput(path) ? QStringLiteral("standard input") : displayText(path, 300);
-}
-
 Error cannotRead(const QString &name, const QString &reason)
 {
     return {Failure, QStringLiteral("cannot read %1: %2").arg(name, reason)};

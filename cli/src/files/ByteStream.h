@@ -12,9 +12,6 @@
 
 namespace zav {
 
-/// What messages call an input: "standard input" for "-", else the path.
-QString inputName(const QString &path);
-
 /// What is said of an input that cannot be read, whoever reads it: "cannot read `name`: `reason`". A reason about the
 /// input itself begins with "it": "it is empty".
 Error cannotRead(const QString &name, const QString &reason);

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryCommand.h"
 
-#include "Command.h"
 #include "FileDigest.h"
 #include "OrderedPipeline.h"
 #include "OutputFile.h"
 #include "PrintableText.h"
-#include "Progress.h"
 #include "RuntimeThreads.h"
 #include "Terminal.h"
 
@@ -31,12 +29,6 @@ qint64 dividedUp(qint64 dividend, qint64 divisor)
     return (dividend + divisor - 1) / divisor;
 }
 
-bool showsProgress(const LibraryOptions &options)
-{
-    const bool mixesWithOutput = options.writesToStandardOutput() && terminal::standardOutputIsTerminal();
-    return terminal::standardErrorIsTerminal() && !mixesWithOutput;
-}
-
 /// Drops peaks that the format cannot hold before --top and before scaling to the base peak.
 PeakFilterOptions peaksFor(const LibraryOptions &options)
 {
@@ -56,34 +48,25 @@ QString counted(qint64 count, const QString &what)
 } // namespace
 
 LibraryCommand::LibraryCommand(const LibraryOptions &options)
-    : m_options(options), m_messages(options.verbose), m_skipped(options.skippedPath)
+    : Command(options.verbose), m_options(options), m_skipped(options.skippedPath)
 {
     m_options.peaks = peaksFor(options);
     if (m_options.threads == 0)
         m_options.threads = usableCores();
     if (options.peaks.isotopes && !m_options.peaks.isotopes)
-        m_messages.note(QStringLiteral("TSV libraries hold no isotopes, --isotopes adds none"));
+        messages().note(QStringLiteral("TSV libraries hold no isotopes, --isotopes adds none"));
 }
 
-int LibraryCommand::run()
+Error LibraryCommand::work()
 {
-    const Error error = runSteps();
-    if (error.hasError())
-        m_messages.failure(error);
-    if (error.hasError() && m_interruption.isRequested())
-        return m_interruption.exitCode();
-    return error.hasError() ? SomeFailed : AllDone;
-}
-
-Error LibraryCommand::runSteps()
-{
+    noteInterrupts();
     if (Error error = identify(); error.hasError())
         return error;
     if (!m_options.shard.isWhole())
-        m_messages.note(QStringLiteral("shard %1").arg(m_options.shard.name()));
+        messages().note(QStringLiteral("shard %1").arg(m_options.shard.name()));
     if (!m_options.resume || !isMadeAlready())
         return makeLibrary();
-    m_messages.note(QStringLiteral("%1 is complete").arg(displayText(m_options.outputPath, 300)));
+    messages().note(QStringLiteral("%1 is complete").arg(displayText(m_options.outputPath, 300)));
     return {};
 }
 
@@ -120,11 +103,11 @@ bool LibraryCommand::isMadeAlready() const
 
 Error LibraryCommand::makeLibrary()
 {
-    for (const auto step : {&LibraryCommand::openOutputs, &LibraryCommand::digest, &LibraryCommand::loadNetworks,
-                            &LibraryCommand::predictAll, &LibraryCommand::finishOutputs}) {
-        if (Error error = (this->*step)(); error.hasError())
-            return error;
-    }
+    if (Error error =
+            inTurn(this, {&LibraryCommand::openOutputs, &LibraryCommand::digest, &LibraryCommand::loadNetworks,
+                          &LibraryCommand::predictAll, &LibraryCommand::finishOutputs});
+        error.hasError())
+        return error;
     tellTotals();
     return {};
 }
@@ -141,12 +124,13 @@ Error LibraryCommand::openOutputs()
 Error LibraryCommand::digest()
 {
     const double size = double(QFileInfo(m_options.inputPath()).size()) / MEGABYTE;
-    Progress progress(qint64(std::ceil(size)), QStringLiteral("MB of %1").arg(displayText(m_options.inputPath())),
-                      showsProgress(m_options));
+    Progress progress =
+        startProgress(qint64(std::ceil(size)), QStringLiteral("MB of %1").arg(displayText(m_options.inputPath())),
+                      m_options.outputPath);
     DigestionHooks hooks;
     hooks.skipped = [this](const SkippedPeptide &skipped) { return m_skipped.add(skipped); };
     hooks.progress = [&progress, size](double done) { progress.update(qint64(size * done)); };
-    hooks.isInterrupted = [this] { return m_interruption.isRequested(); };
+    hooks.isInterrupted = [this] { return isInterrupted(); };
 
     PeptideRequest request{m_options.digestion, m_options.decoys, {}};
     request.space.onDisk = m_options.lowMemory;
@@ -177,7 +161,7 @@ Error LibraryCommand::predictAll()
     const qint64 first = m_options.shard.first(m_manifest.peptideCount);
     const qint64 end = m_options.shard.end(m_manifest.peptideCount);
     const qint64 size = pieceSize(end - first);
-    Progress progress(end - first, QStringLiteral("peptides"), showsProgress(m_options));
+    Progress progress = startProgress(end - first, QStringLiteral("peptides"), m_options.outputPath);
     qint64 next = first;
     const auto read = [&]() -> Result<std::optional<PeptideBlock>> {
         if (next == end)
@@ -197,7 +181,7 @@ Error LibraryCommand::predictAll()
         return error;
     };
     OrderedPipeline<PeptideBlock, MadeSpectra> pipeline({m_options.threads, m_options.threads + 2},
-                                                        [this] { return m_interruption.isRequested(); });
+                                                        [this] { return isInterrupted(); });
     return pipeline.run(read, make, accept);
 }
 
@@ -247,14 +231,14 @@ qint64 LibraryCommand::pieceSize(qint64 peptides) const
 void LibraryCommand::tellTotals()
 {
     const DigestionCounts &digested = m_digested.counts;
-    m_messages.note(QStringLiteral("%1 proteins, %2 peptides, %3 decoys; %4 precursors written")
+    messages().note(QStringLiteral("%1 proteins, %2 peptides, %3 decoys; %4 precursors written")
                         .arg(digested.proteins)
                         .arg(digested.targets)
                         .arg(digested.decoys)
                         .arg(m_counts.written));
     const QString rest = leftOut();
     if (!rest.isEmpty())
-        m_messages.note(rest);
+        messages().note(rest);
 }
 
 /// What the library lacks and why; empty when it lacks nothing.

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Interruption.h"
+#include "Command.h"
 #include "LibraryManifest.h"
 #include "LibraryOptions.h"
 #include "LibraryWriter.h"
-#include "Messages.h"
 #include "ModelFolder.h"
 #include "PeptideDigest.h"
 #include "SkippedList.h"
@@ -18,17 +17,13 @@
 namespace zav {
 
 /// `zav library`: digests proteins, predicts the spectra of their peptides on all cores, writes the library.
-class LibraryCommand
+class LibraryCommand : public Command
 {
 public:
     explicit LibraryCommand(const LibraryOptions &options);
 
-    /// Runs the command to its end. Needs the application object. The result is an `ExitCode`, or 130 and 143 after an
-    /// interrupt.
-    int run();
-
 private:
-    Error runSteps();
+    Error work() override;
     Error identify();
     Error makeLibrary();
     Error openOutputs();
@@ -44,8 +39,6 @@ private:
     QString leftOut() const;
 
     LibraryOptions m_options;
-    Messages m_messages;
-    Interruption m_interruption;
     std::optional<ModelFolder> m_folder;
     LibraryManifest m_manifest;
     SkippedList m_skipped;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryMergeCommand.h"
 
-#include "Command.h"
 #include "FileDigest.h"
 #include "PrintableText.h"
 
@@ -26,31 +25,21 @@ Error refusal(const QString &message)
 } // namespace
 
 LibraryMergeCommand::LibraryMergeCommand(const LibraryMergeOptions &options)
-    : m_options(options), m_messages(options.verbose)
+    : Command(options.verbose), m_options(options)
 {}
 
-int LibraryMergeCommand::run()
+Error LibraryMergeCommand::work()
 {
-    const Error error = runSteps();
-    if (error.hasError())
-        m_messages.failure(error);
-    if (error.hasError() && m_interruption.isRequested())
-        return m_interruption.exitCode();
-    return error.hasError() ? SomeFailed : AllDone;
-}
-
-Error LibraryMergeCommand::runSteps()
-{
+    noteInterrupts();
     if (Error error = readManifests(); error.hasError())
         return error;
-    for (const auto check : {&LibraryMergeCommand::checkOrigins, &LibraryMergeCommand::checkNumbers,
-                             &LibraryMergeCommand::checkKind, &LibraryMergeCommand::checkFiles}) {
-        if (Error error = (this->*check)(); error.hasError())
-            return error;
-    }
+    if (Error error = inTurn(this, {&LibraryMergeCommand::checkOrigins, &LibraryMergeCommand::checkNumbers,
+                                    &LibraryMergeCommand::checkKind, &LibraryMergeCommand::checkFiles});
+        error.hasError())
+        return error;
     if (Error error = join(); error.hasError())
         return error;
-    m_messages.note(QStringLiteral("%1 shards, %2 precursors written").arg(m_shards.size()).arg(m_facts.precursors));
+    messages().note(QStringLiteral("%1 shards, %2 precursors written").arg(m_shards.size()).arg(m_facts.precursors));
     return {};
 }
 
@@ -154,11 +143,6 @@ Error LibraryMergeCommand::writeAll(LibraryWriter *writer)
         return facts.error();
     m_facts = facts.value();
     return {};
-}
-
-Error LibraryMergeCommand::checkForInterrupt() const
-{
-    return m_interruption.isRequested() ? Error(Failure, QStringLiteral("interrupted")) : Error();
 }
 
 } // namespace zav

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "Interruption.h"
+#include "Command.h"
 #include "LibraryManifest.h"
 #include "LibraryOptions.h"
 #include "LibraryWriter.h"
-#include "Messages.h"
 
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -15,13 +14,10 @@
 namespace zav {
 
 /// `zav library merge`: joins the shards of a library to what one run would have written.
-class LibraryMergeCommand
+class LibraryMergeCommand : public Command
 {
 public:
     explicit LibraryMergeCommand(const LibraryMergeOptions &options);
-
-    /// Runs the command to its end. The result is an `ExitCode`, or 130 and 143 after an interrupt.
-    int run();
 
 private:
     struct Shard
@@ -30,7 +26,7 @@ private:
         LibraryManifest manifest;
     };
 
-    Error runSteps();
+    Error work() override;
     Error readManifests();
     Error checkOrigins() const;
     Error checkNumbers() const;
@@ -38,11 +34,8 @@ private:
     Error checkFiles() const;
     Error join();
     Error writeAll(LibraryWriter *writer);
-    Error checkForInterrupt() const;
 
     LibraryMergeOptions m_options;
-    Messages m_messages;
-    Interruption m_interruption;
     QList<Shard> m_shards; ///< in the order of the library
     LibraryFileFacts m_facts;
 };

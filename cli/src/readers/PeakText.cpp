@@ -2,6 +2,7 @@
 #include "PeakText.h"
 
 #include "LineReader.h"
+#include "PrintableText.h"
 
 #include <QtCore/QFileInfo>
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "LineReader.h"
+#include "PrintableText.h"
 #include "ProteinTable.h"
 
 namespace zav {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "ByteStream.h"
+#include "PrintableText.h"
 
 #include <zav/Error.h>
 
