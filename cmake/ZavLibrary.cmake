@@ -69,7 +69,8 @@ function(zav_add_library name)
     install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development)
 endfunction()
 
-# zav_add_test(<name> SOURCES <file>... LIBRARIES <target>...): a GoogleTest program; each of its tests is a ctest test.
+# zav_add_test(<name> SOURCES <file>... LIBRARIES <target>...): one GoogleTest program, each suite of its tests a ctest. A
+# process for each test would load TensorFlow a thousand times.
 function(zav_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
     add_executable(${name} ${arg_SOURCES})
@@ -77,7 +78,27 @@ function(zav_add_test name)
     target_compile_definitions(${name} PRIVATE QT_NO_KEYWORDS ZAV_TEST_DATA_DIR="${CMAKE_CURRENT_SOURCE_DIR}/data")
     target_compile_options(${name} PRIVATE ${ZAV_WARNING_FLAGS})
     zav_precompile(${name} TEST)
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+    zav_list_suites(suites ${arg_SOURCES})
+    foreach(suite IN LISTS suites)
+        # The patterns of a plain suite, of one with parameters, and of one with types.
+        add_test(NAME ${name}.${suite}
+            COMMAND ${name} "--gtest_filter=${suite}.*:*/${suite}.*:${suite}/?.*" --gtest_brief=1)
+    endforeach()
+    list(TRANSFORM suites PREPEND ${name}.)
+    set_tests_properties(${suites} PROPERTIES TIMEOUT 900 FAIL_REGULAR_EXPRESSION "0 tests from 0 test suites")
+endfunction()
+
+# zav_list_suites(<variable> <source>...): the test suites that the sources define.
+function(zav_list_suites variable)
+    set(suites)
+    foreach(source IN LISTS ARGN)
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${source}")
+        file(STRINGS "${source}" lines REGEX "^(TYPED_)?TEST(_F|_P)?\\(")
+        list(TRANSFORM lines REPLACE "^[A-Z_]+\\(([A-Za-z0-9]+).*" "\\1")
+        list(APPEND suites ${lines})
+    endforeach()
+    list(REMOVE_DUPLICATES suites)
+    set(${variable} ${suites} PARENT_SCOPE)
 endfunction()
 
 # zav_add_benchmark(<name> SOURCES <file>... LIBRARIES <target>...): a Google Benchmark program.

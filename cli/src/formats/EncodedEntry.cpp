@@ -19,11 +19,11 @@ constexpr int WINDOW_BITS = 12;
 constexpr int MEMORY_LEVEL = 4;
 
 template <typename Number, typename Value>
-QByteArray packed(const QList<LibraryPeak> &peaks, QSysInfo::Endian order, const Value &value)
+QByteArray packed(const QList<FragmentPeak> &peaks, QSysInfo::Endian order, const Value &value)
 {
     QByteArray bytes(peaks.size() * qsizetype(sizeof(Number)), Qt::Uninitialized);
     char *end = bytes.data();
-    for (const LibraryPeak &peak : peaks) {
+    for (const FragmentPeak &peak : peaks) {
         const auto number = static_cast<Number>(value(peak));
         if (order == QSysInfo::BigEndian)
             qToBigEndian(number, end);
@@ -34,7 +34,7 @@ QByteArray packed(const QList<LibraryPeak> &peaks, QSysInfo::Endian order, const
     return bytes;
 }
 
-float stored(const LibraryPeak &peak)
+float stored(const FragmentPeak &peak)
 {
     return static_cast<float>(peak.intensity * SCALE);
 }
@@ -59,20 +59,20 @@ EncodedEntry encodedPeptide(const LibraryEntry &entry, int massDecimals)
     return encoded;
 }
 
-QByteArray massArray(const QList<LibraryPeak> &peaks, QSysInfo::Endian order)
+QByteArray massArray(const QList<FragmentPeak> &peaks, QSysInfo::Endian order)
 {
-    return packed<double>(peaks, order, [](const LibraryPeak &peak) { return peak.mz; });
+    return packed<double>(peaks, order, [](const FragmentPeak &peak) { return peak.mz; });
 }
 
-QByteArray intensityArray(const QList<LibraryPeak> &peaks, QSysInfo::Endian order)
+QByteArray intensityArray(const QList<FragmentPeak> &peaks, QSysInfo::Endian order)
 {
     return packed<float>(peaks, order, stored);
 }
 
-double storedIntensity(const QList<LibraryPeak> &peaks)
+double storedIntensity(const QList<FragmentPeak> &peaks)
 {
     double sum = 0;
-    for (const LibraryPeak &peak : peaks)
+    for (const FragmentPeak &peak : peaks)
         sum += static_cast<double>(stored(peak));
     return sum;
 }

@@ -30,13 +30,13 @@ struct EncodedEntry
 EncodedEntry encodedPeptide(const LibraryEntry &entry, int massDecimals);
 
 /// The m/z of the peaks as an array of 64-bit floating-point numbers in that byte order.
-QByteArray massArray(const QList<LibraryPeak> &peaks, QSysInfo::Endian order);
+QByteArray massArray(const QList<FragmentPeak> &peaks, QSysInfo::Endian order);
 
 /// The intensities as an array of 32-bit floating-point numbers in that byte order, scaled so that 1 becomes 10000.
-QByteArray intensityArray(const QList<LibraryPeak> &peaks, QSysInfo::Endian order);
+QByteArray intensityArray(const QList<FragmentPeak> &peaks, QSysInfo::Endian order);
 
 /// The sum of what `intensityArray` stores.
-double storedIntensity(const QList<LibraryPeak> &peaks);
+double storedIntensity(const QList<FragmentPeak> &peaks);
 
 /// The bytes as one zlib stream (RFC 1950).
 QByteArray compressed(const QByteArray &bytes);

@@ -24,7 +24,7 @@ QByteArray MgfLibraryFormat::entry(const LibraryEntry &entry, qint64) const
     text.add(QStringView(entry.peptide)).add('/').addInteger(entry.charge);
     text.add("\nPEPMASS=").addFixed(entry.precursorMz, 5);
     text.add("\nCHARGE=").addInteger(entry.charge).add("+\n");
-    for (const LibraryPeak &peak : entry.peaks)
+    for (const FragmentPeak &peak : entry.peaks)
         text.addFixed(peak.mz, 5).add(' ').addFixed(peak.intensity * 10000, 1).add('\n');
     return text.add("END IONS\n\n").take();
 }

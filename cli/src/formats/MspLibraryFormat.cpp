@@ -61,7 +61,7 @@ QByteArray MspLibraryFormat::entry(const LibraryEntry &entry, qint64) const
     text.add("\nCharge: ").addInteger(entry.charge);
     addComment(&text, entry);
     text.add("\nNum peaks: ").addInteger(entry.peaks.size()).add('\n');
-    for (const LibraryPeak &peak : entry.peaks) {
+    for (const FragmentPeak &peak : entry.peaks) {
         text.addFixed(peak.mz, 5).add('\t').addFixed(peak.intensity * 10000, 1).add("\t\"");
         addIonWithError(&text, peak);
         text.add("\"\n");

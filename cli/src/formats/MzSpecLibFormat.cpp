@@ -78,7 +78,7 @@ QByteArray MzSpecLibFormat::entry(const LibraryEntry &entry, qint64 index) const
     addSpectrum(&text, entry);
     addAnalyte(&text, entry);
     text.add("<Peaks>\n");
-    for (const LibraryPeak &peak : entry.peaks) {
+    for (const FragmentPeak &peak : entry.peaks) {
         text.addFixed(peak.mz, 5).add('\t').addFixed(peak.intensity, 6).add('\t');
         addIonWithError(&text, peak);
         text.add('\n');

@@ -3,7 +3,7 @@
 
 namespace zav {
 
-void addIonNotation(TextBuffer *text, const LibraryPeak &peak)
+void addIonNotation(TextBuffer *text, const FragmentPeak &peak)
 {
     if (peak.ionType.isNull()) {
         text->add('?');
@@ -18,7 +18,7 @@ void addIonNotation(TextBuffer *text, const LibraryPeak &peak)
         text->add('^').addInteger(peak.charge);
 }
 
-void addIonWithError(TextBuffer *text, const LibraryPeak &peak)
+void addIonWithError(TextBuffer *text, const FragmentPeak &peak)
 {
     addIonNotation(text, peak);
     if (!peak.ionType.isNull())

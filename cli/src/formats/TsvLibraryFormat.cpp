@@ -11,7 +11,7 @@ namespace {
 
 constexpr qsizetype NUMBERS_SIZE = 80;
 
-bool isWritten(const LibraryPeak &peak)
+bool isWritten(const FragmentPeak &peak)
 {
     return peak.isotope == 0 && (peak.ionType == QLatin1Char('y') || peak.ionType == QLatin1Char('b'));
 }
@@ -42,7 +42,7 @@ QByteArray precursorColumns(const LibraryEntry &entry, const QByteArray &group)
     return text.add(group).add('\t').take();
 }
 
-void addFragmentColumns(TextBuffer *text, const LibraryPeak &peak)
+void addFragmentColumns(TextBuffer *text, const FragmentPeak &peak)
 {
     text->add('\t').addInteger(peak.charge).add('\t').add(QStringView(&peak.ionType, 1));
     text->add('\t').addInteger(peak.ionNumber).add('\t');
@@ -77,7 +77,7 @@ QByteArray TsvLibraryFormat::entry(const LibraryEntry &entry, qint64) const
     const QByteArray group = groupId(entry);
     const QByteArray columns = precursorColumns(entry, group);
     TextBuffer text(count * (NUMBERS_SIZE + columns.size() + group.size()));
-    for (const LibraryPeak &peak : entry.peaks) {
+    for (const FragmentPeak &peak : entry.peaks) {
         if (!isWritten(peak))
             continue;
         text.addFixed(entry.precursorMz, 5).add('\t').addFixed(peak.mz, 5);

@@ -13,32 +13,32 @@ namespace {
 constexpr double HIGHEST_MZ = 2000.0;
 constexpr double LOWEST_INTENSITY = 0.025;
 
-double highestIntensity(const QList<LibraryPeak> &peaks)
+double highestIntensity(const QList<FragmentPeak> &peaks)
 {
     double highest = 0.0;
-    for (const LibraryPeak &peak : peaks)
+    for (const FragmentPeak &peak : peaks)
         highest = std::max(highest, peak.intensity);
     return highest;
 }
 
-void sortByMz(QList<LibraryPeak> *peaks)
+void sortByMz(QList<FragmentPeak> *peaks)
 {
     std::stable_sort(peaks->begin(), peaks->end(),
-                     [](const LibraryPeak &a, const LibraryPeak &b) { return a.mz < b.mz; });
+                     [](const FragmentPeak &a, const FragmentPeak &b) { return a.mz < b.mz; });
 }
 
-void scaleToBasePeak(QList<LibraryPeak> *peaks)
+void scaleToBasePeak(QList<FragmentPeak> *peaks)
 {
     const double highest = highestIntensity(*peaks);
-    for (LibraryPeak &peak : *peaks)
+    for (FragmentPeak &peak : *peaks)
         peak.intensity /= highest;
 }
 
 } // namespace
 
-QList<LibraryPeak> PeakFilter::apply(const QList<FragmentPeak> &peaks) const
+QList<FragmentPeak> PeakFilter::apply(const QList<FragmentPeak> &peaks) const
 {
-    QList<LibraryPeak> kept;
+    QList<FragmentPeak> kept;
     kept.reserve(peaks.size());
     for (const FragmentPeak &peak : peaks) {
         if (isWanted(peak))
@@ -59,28 +59,28 @@ bool PeakFilter::isWanted(const FragmentPeak &peak) const
            (m_options.aIons || peak.ionType != QLatin1Char('a'));
 }
 
-void PeakFilter::dropWeak(QList<LibraryPeak> *peaks) const
+void PeakFilter::dropWeak(QList<FragmentPeak> *peaks) const
 {
     const double lowest = m_options.minIntensity * highestIntensity(*peaks);
-    peaks->removeIf([lowest](const LibraryPeak &peak) { return peak.intensity < lowest; });
+    peaks->removeIf([lowest](const FragmentPeak &peak) { return peak.intensity < lowest; });
 }
 
-void PeakFilter::keepTop(QList<LibraryPeak> *peaks) const
+void PeakFilter::keepTop(QList<FragmentPeak> *peaks) const
 {
     if (m_options.top == 0 || peaks->size() <= m_options.top)
         return;
     // Stable, so that equally intense peaks stay in the order of their m/z.
     std::stable_sort(peaks->begin(), peaks->end(),
-                     [](const LibraryPeak &a, const LibraryPeak &b) { return a.intensity > b.intensity; });
+                     [](const FragmentPeak &a, const FragmentPeak &b) { return a.intensity > b.intensity; });
     peaks->resize(m_options.top);
     sortByMz(peaks);
 }
 
-void PeakFilter::addIsotopes(QList<LibraryPeak> *peaks) const
+void PeakFilter::addIsotopes(QList<FragmentPeak> *peaks) const
 {
     const double lowest = std::max(LOWEST_INTENSITY, m_options.minIntensity * highestIntensity(*peaks));
-    QList<LibraryPeak> all;
-    for (const LibraryPeak &peak : std::as_const(*peaks)) {
+    QList<FragmentPeak> all;
+    for (const FragmentPeak &peak : std::as_const(*peaks)) {
         all.append(peak);
         appendIsotopes(peak, lowest, &all);
     }
@@ -88,7 +88,7 @@ void PeakFilter::addIsotopes(QList<LibraryPeak> *peaks) const
     *peaks = all;
 }
 
-void PeakFilter::appendIsotopes(const LibraryPeak &peak, double lowest, QList<LibraryPeak> *peaks) const
+void PeakFilter::appendIsotopes(const FragmentPeak &peak, double lowest, QList<FragmentPeak> *peaks) const
 {
     const double neutralMass = peak.charge * (peak.mz - peptideMasses::PROTON);
     const Result<QList<QPointF>> envelope =
@@ -97,7 +97,7 @@ void PeakFilter::appendIsotopes(const LibraryPeak &peak, double lowest, QList<Li
         return; // the predictor gives no peaks of such a mass
     const QList<QPointF> &points = envelope.value();
     for (int isotope = 1; isotope < points.size(); ++isotope) {
-        LibraryPeak heavier = peak;
+        FragmentPeak heavier = peak;
         heavier.mz = points[isotope].x();
         heavier.intensity = peak.intensity * points[isotope].y();
         heavier.isotope = isotope;

@@ -34,14 +34,14 @@ public:
     explicit PeakFilter(const PeakFilterOptions &options) : m_options(options) {}
 
     /// `peaks` ascend in m/z, and so do those that are returned; none when nothing is left.
-    QList<LibraryPeak> apply(const QList<FragmentPeak> &peaks) const;
+    QList<FragmentPeak> apply(const QList<FragmentPeak> &peaks) const;
 
 private:
     bool isWanted(const FragmentPeak &peak) const;
-    void dropWeak(QList<LibraryPeak> *peaks) const;
-    void keepTop(QList<LibraryPeak> *peaks) const;
-    void addIsotopes(QList<LibraryPeak> *peaks) const;
-    void appendIsotopes(const LibraryPeak &peak, double lowest, QList<LibraryPeak> *peaks) const;
+    void dropWeak(QList<FragmentPeak> *peaks) const;
+    void keepTop(QList<FragmentPeak> *peaks) const;
+    void addIsotopes(QList<FragmentPeak> *peaks) const;
+    void appendIsotopes(const FragmentPeak &peak, double lowest, QList<FragmentPeak> *peaks) const;
 
     PeakFilterOptions m_options;
     TheoreticalIsotopePoint2dListGenerator m_generator;

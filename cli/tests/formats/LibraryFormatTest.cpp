@@ -51,7 +51,7 @@ std::string text(LibraryFileKind kind, const LibraryEntry &entry, qint64 index =
     return textLibraryFormat(kind)->entry(entry, index).toStdString();
 }
 
-std::string notation(const LibraryPeak &peak)
+std::string notation(const FragmentPeak &peak)
 {
     TextBuffer buffer;
     addIonNotation(&buffer, peak);
@@ -65,7 +65,7 @@ TEST(IonNotation, WritesChargesOverOneAndIsotopesAsTheFieldDoes)
     EXPECT_EQ(notation({0, 0, QLatin1Char('y'), 7, 2, ammonia, 0}), "y7-NH3^2");
     EXPECT_EQ(notation({0, 0, QLatin1Char('y'), 7, 2, ammonia, 1}), "y7-NH3+i^2");
     EXPECT_EQ(notation({0, 0, QLatin1Char('b'), 13, 1, {}, 2}), "b13+2i");
-    EXPECT_EQ(notation(LibraryPeak()), "?");
+    EXPECT_EQ(notation(FragmentPeak()), "?");
 }
 
 TEST(JoinedNames, EmptyOnesAreLeftOutAndEqualOnesStandOnce)

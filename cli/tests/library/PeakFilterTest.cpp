@@ -15,7 +15,7 @@ const QList<FragmentPeak> PEAKS = {{102.1, 0.2, 'b', 1, 1, ""},     {147.1, 0.5,
 std::string kept(const PeakFilterOptions &options, const QList<FragmentPeak> &peaks = PEAKS)
 {
     QStringList texts;
-    for (const LibraryPeak &peak : PeakFilter(options).apply(peaks))
+    for (const FragmentPeak &peak : PeakFilter(options).apply(peaks))
         texts.append(QStringLiteral("%1%2%3%4 %5")
                          .arg(peak.ionType)
                          .arg(peak.ionNumber)
@@ -82,7 +82,7 @@ TEST(PeakFilter, IsotopesFollowTheirPeakByAveragine)
 {
     PeakFilterOptions options;
     options.isotopes = true;
-    const QList<LibraryPeak> peaks = PeakFilter(options).apply({{488.3, 0.8, 'y', 4, 1, ""}});
+    const QList<FragmentPeak> peaks = PeakFilter(options).apply({{488.3, 0.8, 'y', 4, 1, ""}});
     ASSERT_EQ(peaks.size(), 3);
     EXPECT_EQ(peaks[1].isotope, 1);
     EXPECT_NEAR(peaks[1].mz - peaks[0].mz, 1.00335, 1e-4);

@@ -29,9 +29,9 @@ QStringList texts(const Json &values)
     return all;
 }
 
-LibraryPeak peakOf(const Json &json)
+FragmentPeak peakOf(const Json &json)
 {
-    LibraryPeak peak;
+    FragmentPeak peak;
     peak.mz = json.at("mz");
     peak.intensity = json.at("intensity");
     if (!json.at("type").is_null())
