@@ -45,8 +45,9 @@ Result<QList<int>> parseCharges(const QString &text)
         const int lowest = chargeFrom(ends.first());
         const int highest = chargeFrom(ends.last());
         if (ends.size() > 2 || lowest == 0 || highest < lowest)
-            return Error(InvalidInput,
-                         QStringLiteral("'%1' are no charges from 1 to 5, as 2,3 or 1-4").arg(displayText(text)));
+            return Error(
+                InvalidInput,
+                QStringLiteral("'%1' is not a list of charges from 1 to 5 such as 2,3 or 1-4").arg(displayText(text)));
         for (int charge = lowest; charge <= highest; ++charge)
             charges.insert(charge);
     }

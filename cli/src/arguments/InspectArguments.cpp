@@ -19,7 +19,7 @@ class InspectArguments : public CommandArguments
 {
 public:
     const char *name() const override { return "inspect"; }
-    const char *summary() const override { return "Check a folder of networks and try each"; }
+    const char *summary() const override { return "Check a folder of networks and run each once"; }
     void addTo(CLI::App *command) override;
     Result<CommandLine> options() const override;
 
@@ -33,15 +33,15 @@ private:
 void InspectArguments::addTo(CLI::App *command)
 {
     command->add_option("DIR", m_folder, "folder of the networks; default: the installed ones")->type_name("");
-    command->add_option("--models", m_models, "the same, named as for zav spectrum")->type_name("DIR");
-    command->add_flag("-v,--verbose", m_verbose, "with each failure, where in the program it passed");
+    command->add_option("--models", m_models, "the same as DIR")->type_name("DIR");
+    command->add_flag("-v,--verbose", m_verbose, "also show where in the program each failure occurred");
     command->footer(EXAMPLES);
 }
 
 Result<CommandLine> InspectArguments::options() const
 {
     if (!m_folder.empty() && !m_models.empty())
-        return wrongArgument(QStringLiteral("DIR and --models exclude each other"));
+        return wrongArgument(QStringLiteral("DIR and --models cannot be used together"));
     return CommandLine(InspectOptions{text(m_folder.empty() ? m_models : m_folder), m_verbose});
 }
 

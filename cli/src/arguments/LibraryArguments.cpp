@@ -44,7 +44,8 @@ Examples:
 
 constexpr char MERGE_EXAMPLES[] =
     R"(Joins all shards of a library to what one run would have written, to the byte. Their order does not matter, their
-manifests (SHARD.json) must stand beside them. Missing, doubled, damaged and foreign shards are refused by name.
+manifests (SHARD.json) must stand beside them. Shards that are missing, given twice, damaged or of another library are
+refused by name.
 
 Exit code: 0 the library is complete, 1 it is not (standard error says why, and it does not appear), 2 wrong usage.
 
@@ -101,7 +102,8 @@ private:
 void LibraryArguments::addTo(CLI::App *command)
 {
     command->add_option("PROTEINS", m_proteins, "a FASTA file")->type_name("");
-    command->add_option("--peptides", m_peptides, "a list of peptides instead, which are not cut")->type_name("FILE");
+    command->add_option("--peptides", m_peptides, "a list of peptides instead of proteins; they are not digested")
+        ->type_name("FILE");
     addOutputTo(command);
     addDigestionTo(command);
     addPrecursorsTo(command);
@@ -122,9 +124,10 @@ void LibraryArguments::addOutputTo(CLI::App *command)
         ->type_name("N");
     command->add_flag("--low-memory", m_given.lowMemory, "sort the peptides on disk");
     command->add_option("--shard", m_shard, "make the I-th of N parts of equal size")->type_name("I/N");
-    command->add_flag("--resume", m_given.resume, "do nothing when LIB is there, complete and made from the same");
+    command->add_flag("--resume", m_given.resume,
+                      "do nothing if LIB is complete and made from the same input and settings");
     command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
-    command->add_flag("-v,--verbose", m_given.verbose, "with each failure, where in the program it passed");
+    command->add_flag("-v,--verbose", m_given.verbose, "also show where in the program each failure occurred");
 }
 
 void LibraryArguments::addDigestionTo(CLI::App *command)
@@ -132,38 +135,47 @@ void LibraryArguments::addDigestionTo(CLI::App *command)
     DigestionOptions &digestion = m_given.digestion;
     m_enzyme = digestion.enzyme.toStdString();
     command
-        ->add_option("--enzyme", m_enzyme,
-                     withDefault(Enzyme::names().join(QStringLiteral(", ")).toStdString() + "; in any case", m_enzyme))
+        ->add_option(
+            "--enzyme", m_enzyme,
+            withDefault(Enzyme::names().join(QStringLiteral(", ")).toStdString() + "; upper or lower case", m_enzyme))
         ->type_name("NAME");
     command
         ->add_option("--cleavage-pattern", m_cleavagePattern,
-                     "instead: a regular expression of the places to cut, as (?<=[KR])(?!P)")
+                     "instead of --enzyme: cut where this regular expression matches, such as (?<=[KR])(?!P)")
         ->type_name("REGEX");
     command
         ->add_option("--missed-cleavages", digestion.missedCleavages,
-                     withDefault("sites that a peptide may contain uncut", digestion.missedCleavages))
+                     withDefault("highest number of uncut sites in a peptide", digestion.missedCleavages))
         ->type_name("N");
-    command->add_option("--min-length", digestion.minimumLength, withDefault("residues", digestion.minimumLength))
+    command
+        ->add_option("--min-length", digestion.minimumLength,
+                     withDefault("shortest peptide, in residues", digestion.minimumLength))
         ->type_name("N");
-    command->add_option("--max-length", digestion.maximumLength, withDefault("residues", digestion.maximumLength))
+    command
+        ->add_option("--max-length", digestion.maximumLength,
+                     withDefault("longest peptide, in residues", digestion.maximumLength))
         ->type_name("N");
     command->add_flag("--semi-specific", digestion.semiSpecific, "one end of a peptide may lie anywhere");
     command->add_flag("--remove-methionine", digestion.removesMethionine,
-                      "proteins also without the methionine that they begin with");
+                      "also digest proteins without their initial methionine");
     command->add_option("--decoys", m_decoys, "none, reversed or shuffled [none]")->type_name("KIND");
     command
         ->add_option("--decoy-seed", m_given.decoys.seed,
-                     withDefault("of shuffled decoys", std::to_string(m_given.decoys.seed)))
+                     withDefault("seed for shuffled decoys", std::to_string(m_given.decoys.seed)))
         ->type_name("N");
 }
 
 void LibraryArguments::addPrecursorsTo(CLI::App *command)
 {
-    command->add_option("--charges", m_charges, "of the precursors, 1 to 5, as 2,3 or 1-4 [2,3]")->type_name("LIST");
-    command->add_option("--min-precursor-mz", m_given.lowestPrecursorMz, withDefault("m/z", m_given.lowestPrecursorMz))
+    command->add_option("--charges", m_charges, "precursor charges, 1 to 5, such as 2,3 or 1-4 [2,3]")
+        ->type_name("LIST");
+    command
+        ->add_option("--min-precursor-mz", m_given.lowestPrecursorMz,
+                     withDefault("lowest precursor m/z", m_given.lowestPrecursorMz))
         ->type_name("MZ");
     command
-        ->add_option("--max-precursor-mz", m_given.highestPrecursorMz, withDefault("m/z", m_given.highestPrecursorMz))
+        ->add_option("--max-precursor-mz", m_given.highestPrecursorMz,
+                     withDefault("highest precursor m/z", m_given.highestPrecursorMz))
         ->type_name("MZ");
     command
         ->add_option("--cysteine", m_given.cysteineMass,
@@ -178,14 +190,14 @@ void LibraryArguments::addPeaksTo(CLI::App *command)
         ->type_name("N");
     command
         ->add_option("--min-intensity", peaks.minIntensity,
-                     withDefault("relative to the base peak", peaks.minIntensity))
+                     withDefault("lowest intensity, relative to the base peak", peaks.minIntensity))
         ->type_name("X");
-    command->add_option("--min-mz", peaks.minMz, withDefault("of a peak", peaks.minMz))->type_name("MZ");
+    command->add_option("--min-mz", peaks.minMz, withDefault("lowest m/z of a peak", peaks.minMz))->type_name("MZ");
     command
         ->add_option("--min-ion-number", peaks.minIonNumber,
-                     withDefault("residues in a fragment, 3: from b3 and y3 on", peaks.minIonNumber))
+                     withDefault("smallest ion number; 3 keeps b3, y3 and higher", peaks.minIonNumber))
         ->type_name("N");
-    command->add_flag("--no-losses", m_noLosses, "no peaks of neutral losses");
+    command->add_flag("--no-losses", m_noLosses, "leave out neutral losses");
     command->add_flag("--isotopes", peaks.isotopes, "add the heavier isotopes of each peak that is kept");
 }
 
@@ -195,7 +207,7 @@ void LibraryArguments::addMergeTo(CLI::App *command)
     m_merge->add_option("SHARD", m_mergedShards, "all shards of one library")->type_name("");
     m_merge->add_option("-o,--output", m_mergedOutput, "write to LIB, which appears only when it is complete")
         ->type_name("LIB");
-    m_merge->add_flag("-v,--verbose", m_mergeVerbose, "with each failure, where in the program it passed");
+    m_merge->add_flag("-v,--verbose", m_mergeVerbose, "also show where in the program each failure occurred");
     m_merge->footer(MERGE_EXAMPLES);
 }
 
@@ -223,7 +235,7 @@ Error LibraryArguments::convertInput(LibraryOptions *options) const
 {
     if (m_proteins.empty() == m_peptides.empty())
         return wrongArgument(m_proteins.empty() ? QStringLiteral("PROTEINS, or --peptides, is missing")
-                                                : QStringLiteral("PROTEINS and --peptides exclude each other"));
+                                                : QStringLiteral("PROTEINS and --peptides cannot be used together"));
     options->proteins = text(m_proteins);
     options->peptideList = text(m_peptides);
     options->digestion.enzyme = text(m_enzyme);
@@ -246,7 +258,7 @@ Error LibraryArguments::convertDecoys(LibraryOptions *options) const
     const auto kind = kinds.find(m_decoys);
     if (kind == kinds.end())
         return wrongArgument(
-            QStringLiteral("--decoys '%1' is none of none, reversed and shuffled").arg(displayText(text(m_decoys))));
+            QStringLiteral("--decoys '%1' is not one of none, reversed, shuffled").arg(displayText(text(m_decoys))));
     options->decoys.kind = kind->second;
     return {};
 }
@@ -272,9 +284,9 @@ Error LibraryArguments::convertOutput(LibraryOptions *options) const
     if (!kind)
         return wrongArgument(
             m_format.empty()
-                ? QStringLiteral("the ending of '%1' tells no kind of library, --format does (%2)")
+                ? QStringLiteral("cannot tell the format from the ending of '%1'; use --format (%2)")
                       .arg(displayText(path), libraryFileKindNames().join(QStringLiteral(", ")))
-                : QStringLiteral("--format '%1' is none of %2")
+                : QStringLiteral("--format '%1' is not one of %2")
                       .arg(displayText(text(m_format)), libraryFileKindNames().join(QStringLiteral(", "))));
     options->kind = *kind;
     if (isSameFile(path, options->inputPath()) || isSameFile(options->skippedPath, options->inputPath()))
@@ -293,7 +305,8 @@ Error LibraryArguments::checkRanges() const
     if (m_given.threads < 0 || m_given.threads > 1024)
         return wrongArgument(QStringLiteral("--threads is not within 0 to 1024"));
     if (!std::isfinite(highest) || !isWithin(m_given.lowestPrecursorMz, 0.0, highest))
-        return wrongArgument(QStringLiteral("--min-precursor-mz and --max-precursor-mz are no range of m/z"));
+        return wrongArgument(QStringLiteral(
+            "--min-precursor-mz must be at least 0 and at most --max-precursor-mz, which must be finite"));
     if (!std::isfinite(m_given.cysteineMass))
         return wrongArgument(QStringLiteral("--cysteine is not a finite mass"));
     if (peaks.top < 0)

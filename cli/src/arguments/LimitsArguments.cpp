@@ -16,19 +16,20 @@ constexpr char WALK[] = "walk";
 constexpr char EXAMPLES[] =
     R"(FILE holds chromatograms: those stored in mzML (also TIC and BPC), TSV with the columns rt, intensity and, for more
 than one trace, id, or JSON lines with id, rt and intensity. With --mz or --targets they are extracted from the MS1
-spectra of mzML; the list of targets has the columns mz and, as wanted, id, ppm, rt_from and rt_to.
+spectra of mzML; the list of targets has the columns mz and, optionally, id, ppm, rt_from and rt_to.
 
-One line a peak: start, end and apex are times in the unit of the file, which the header names (start_min; start where
-the file does not say; of several files, that of the first). height is the intensity at the apex; area, by the
-trapezoid rule over the points within the limits, is intensity times that unit, area_above_line the part above the line
-between the first and the last of these points; points counts them. Nothing is smoothed for these measures.
+One line per peak: start, end and apex are times in the unit of the file, which the header names (start_min; start where
+the file does not say; of several files, that of the first). height is the intensity at the apex; area, by the trapezoid
+rule over the points within the limits, is intensity times that unit, area_above_line the part above the line between
+the first and the last of these points; points counts them. Nothing is smoothed for these measures.
 
-A trace costs what the network's input costs; one that is longer is thinned to it and said so. Without --format the
-output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON lists every
-trace, with or without peaks. A file that cannot be read to its end ends the run, and the -o FILE does not appear.
+The length of the network's input sets the cost of a trace. A longer trace is thinned to it, with a note. Without
+--format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON
+lists every trace, with or without peaks. A file that cannot be read to its end ends the run, and the -o FILE does
+not appear.
 
 Exit code: 0 every trace was searched, 1 something failed (standard error says what and why), 2 wrong usage. A trace in
-which no peak is found, or that is too short to have one, is an answer and no failure; standard error says which.
+which no peak is found, or that is too short to have one, is not a failure; standard error says which.
 
 Examples:
   zav limits run.mzML -o peaks.tsv
@@ -62,7 +63,7 @@ void LimitsArguments::addTo(CLI::App *command)
     addInputTo(command);
     command
         ->add_option("--method", m_method,
-                     std::string("network, or walk: from each highest point outward, without the network [") + NETWORK +
+                     std::string("network, or walk: outward from each highest point, without the network [") + NETWORK +
                          "]")
         ->type_name("METHOD");
     command
@@ -79,12 +80,13 @@ void LimitsArguments::addTo(CLI::App *command)
 void LimitsArguments::addDetectorTo(CLI::App *command)
 {
     addField(command, "--probability-tolerance", &m_detector.probabilityTolerance,
-             "a point belongs to a peak at a probability of 1 - this or more; the higher, the more and wider");
+             "a point belongs to a peak if its probability is at least 1 - X; a higher X gives more and wider peaks");
     addField(command, "--dbscan-epsilon", &m_detector.dbscanEpsilon,
-             "peak points at most so many points apart belong together");
-    addField(command, "--dbscan-min-points", &m_detector.dbscanMinPoints, "so many of them make a peak");
+             "peak points at most this many points apart belong together");
+    addField(command, "--dbscan-min-points", &m_detector.dbscanMinPoints,
+             "a peak needs a point with this many points, itself included, within --dbscan-epsilon");
     addField(command, "--min-point-count", &m_detector.minPointCount,
-             "a trace of so many points or fewer has no peaks for the network");
+             "the network finds no peaks in a trace of this many points or fewer");
     addField(command, "--smoothing-pass-count", &m_detector.smoothingPassCount, "how often the trace is smoothed");
     addField(command, "--gaussian-filter-size", &m_detector.gaussianFilterSize, "taps of the smoothing filter");
     addField(command, "--limit-threshold", &m_detector.limitThreshold,
@@ -109,7 +111,7 @@ Error LimitsArguments::convertDetector(LimitsOptions *options) const
             QStringLiteral("--method '%1' is neither network nor walk").arg(displayText(text(m_method))));
     options->usesNetwork = m_method != WALK;
     if (m_hint && !options->usesNetwork)
-        return wrongArgument(QStringLiteral("--hint belongs to --method network"));
+        return wrongArgument(QStringLiteral("--hint needs --method network"));
     if (m_hint && !(std::isfinite(*m_hint) && *m_hint > options->retentionTimeHint))
         return wrongArgument(QStringLiteral("--hint must be above %1").arg(options->retentionTimeHint));
     options->retentionTimeHint = m_hint.value_or(options->retentionTimeHint);

@@ -83,7 +83,7 @@ void SpectrumArguments::addTo(CLI::App *command)
         ->type_name("SCAN");
     command->add_option("--tolerance", m_tolerance, "for the comparison, as 20ppm or 0.02Da [20ppm]")
         ->type_name("WIDTH");
-    command->add_flag("-v,--verbose", m_verbose, "with each failure, where in the program it passed");
+    command->add_flag("-v,--verbose", m_verbose, "also show where in the program each failure occurred");
     command->footer(EXAMPLES);
 }
 
@@ -92,14 +92,14 @@ QString SpectrumArguments::contradiction() const
 {
     const bool isList = !m_peptides.empty();
     if (isList && !(m_peptide.empty() && m_charge.empty()))
-        return QStringLiteral("PEPTIDE and --peptides exclude each other");
+        return QStringLiteral("PEPTIDE and --peptides cannot be used together");
     if (!isList && m_charge.empty())
         return m_peptide.empty() ? QStringLiteral("PEPTIDE and CHARGE, or --peptides, are missing")
                                  : QStringLiteral("CHARGE is missing");
     if (isList && !(m_plot.empty() && m_against.empty()))
         return QStringLiteral("--plot and --against are for one peptide, not for --peptides");
     if (m_against.empty() && !(m_scan.empty() && m_tolerance.empty()))
-        return QStringLiteral("--scan and --tolerance belong to --against");
+        return QStringLiteral("--scan and --tolerance need --against");
     if (!m_plot.empty() && !isPicture(text(m_plot)))
         return QStringLiteral("--plot draws a file ending in .svg, .png or .pdf, not '%1'")
             .arg(displayText(text(m_plot)));
@@ -120,7 +120,7 @@ QString SpectrumArguments::convert(SpectrumOptions *options) const
     if (!m_format.empty()) {
         options->format = formatNamed(m_format);
         if (!options->format)
-            return QStringLiteral("--format '%1' is none of tsv, msp, mgf, json and table")
+            return QStringLiteral("--format '%1' is not one of tsv, msp, mgf, json, table")
                 .arg(displayText(text(m_format)));
     } else if (!m_output.empty()) {
         options->format = formatNamed(QFileInfo(text(m_output)).suffix().toLower().toStdString());

@@ -11,15 +11,16 @@ constexpr char EXAMPLES[] =
     R"(FILE holds chromatograms, as for zav limits ('zav limits --help' tells which); a trace should hold one peak or a few
 that overlap, and a --rt range cuts one out of a long trace.
 
-One line a split, four a trace at most: its time in the unit of the file, which the header names (split_min; split where
-the file does not say; of several files, that of the first), and its probability.
+One line per split, at most four per trace: its time in the unit of the file, which the header names (split_min; split
+where the file does not say; of several files, that of the first), and its probability.
 
-A trace costs what the network's input costs; one that is longer is thinned to it and said so. Without --format the
-output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON lists every
-trace, with or without splits. A file that cannot be read to its end ends the run, and the -o FILE does not appear.
+The length of the network's input sets the cost of a trace. A longer trace is thinned to it, with a note. Without
+--format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON
+lists every trace, with or without splits. A file that cannot be read to its end ends the run, and the -o FILE does
+not appear.
 
 Exit code: 0 every trace was searched, 1 something failed (standard error says what and why), 2 wrong usage. A trace
-without a split, or too short to have one, is an answer and no failure; standard error says which.
+without a split, or too short to have one, is not a failure; standard error says which.
 
 Examples:
   zav split peak.tsv --plot peak.svg
@@ -55,7 +56,7 @@ void SplitArguments::addTo(CLI::App *command)
 void SplitArguments::addSplitterTo(CLI::App *command)
 {
     addField(command, "--probability-tolerance", &m_splitter.probabilityTolerance,
-             "a split needs a probability of 1 - this or more; the higher, the more splits");
+             "a split needs a probability of at least 1 - X; a higher X gives more splits");
     addField(command, "--gaussian-filter-size", &m_splitter.gaussianFilterSize, "taps of the smoothing filter");
     addField(command, "--smoothing-pass-count", &m_splitter.smoothingPassCount, "how often the trace is smoothed");
 }

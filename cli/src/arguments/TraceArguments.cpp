@@ -70,7 +70,7 @@ void TraceArguments::addInputTo(CLI::App *command)
     command->add_option("--mz", m_mz, "extract the trace of this m/z from the MS1 spectra of mzML")->type_name("M");
     command
         ->add_option("--ppm", m_ppm,
-                     "half the width of the extraction [" + std::to_string(int(ExtractionTarget().ppm)) + "]")
+                     "tolerance on either side of the m/z [" + std::to_string(int(ExtractionTarget().ppm)) + "]")
         ->type_name("P");
     command->add_option("--rt", m_timeRange, "extract these times only, in the file's unit; with --mz")
         ->type_name("FROM-TO");
@@ -98,8 +98,8 @@ void TraceArguments::addOutputTo(CLI::App *command, const char *shownInPictures)
         ->add_option("--plot-format", m_plotFormat,
                      std::string("of the pictures in the folder: svg, png or pdf [") + DEFAULT_PICTURE + "]")
         ->type_name("FORMAT");
-    command->add_option("--threads", m_threads, "threads that work [as many as cores]")->type_name("N");
-    command->add_flag("-v,--verbose", m_verbose, "with each failure, where in the program it passed");
+    command->add_option("--threads", m_threads, "number of threads [one per core]")->type_name("N");
+    command->add_flag("-v,--verbose", m_verbose, "also show where in the program each failure occurred");
 }
 
 void TraceArguments::addField(CLI::App *command, const char *name, double *field, const char *description)
@@ -147,11 +147,11 @@ Error TraceArguments::convertInputs(TraceOptions *options) const
 Error TraceArguments::convertExtraction(TraceOptions *options) const
 {
     if (m_mz && !m_targets.empty())
-        return wrongArgument(QStringLiteral("--mz and --targets exclude each other"));
+        return wrongArgument(QStringLiteral("--mz and --targets cannot be used together"));
     if (!m_mz && !m_timeRange.empty())
-        return wrongArgument(QStringLiteral("--rt belongs to --mz"));
+        return wrongArgument(QStringLiteral("--rt needs --mz"));
     if (m_ppm && !m_mz && m_targets.empty())
-        return wrongArgument(QStringLiteral("--ppm belongs to --mz and --targets"));
+        return wrongArgument(QStringLiteral("--ppm needs --mz or --targets"));
     options->targetPpm = m_ppm.value_or(ExtractionTarget().ppm);
     if (!(options->targetPpm > 0 && options->targetPpm <= HIGHEST_PPM))
         return wrongArgument(QStringLiteral("--ppm must be above 0 and at most %1").arg(HIGHEST_PPM));
@@ -169,7 +169,7 @@ Error TraceArguments::convertTarget(TraceOptions *options) const
     target.ppm = options->targetPpm;
     if (!m_timeRange.empty() && !parseTimeRange(text(m_timeRange), &target))
         return wrongArgument(
-            QStringLiteral("--rt '%1' is no range of times such as 12.5-14").arg(displayText(text(m_timeRange))));
+            QStringLiteral("--rt '%1' is not a time range such as 12.5-14").arg(displayText(text(m_timeRange))));
     options->target = target;
     return {};
 }
@@ -184,7 +184,7 @@ Error TraceArguments::convertOutput(TraceOptions *options) const
     return options->format
                ? Error()
                : wrongArgument(
-                     QStringLiteral("--format '%1' is none of tsv, json and table").arg(displayText(text(m_format))));
+                     QStringLiteral("--format '%1' is not one of tsv, json, table").arg(displayText(text(m_format))));
 }
 
 Error TraceArguments::convertPictures(TraceOptions *options) const
@@ -192,13 +192,13 @@ Error TraceArguments::convertPictures(TraceOptions *options) const
     options->picturePath = text(m_plot);
     const bool isFolder = !m_plot.empty() && (!isPicture(text(m_plot)) || QFileInfo(text(m_plot)).isDir());
     if (!m_plotFormat.empty() && !isFolder)
-        return wrongArgument(QStringLiteral("--plot-format belongs to --plot with a folder"));
+        return wrongArgument(QStringLiteral("--plot-format needs --plot with a folder"));
     if (!isFolder)
         return {};
     options->pictureFolderFormat = m_plotFormat.empty() ? QString::fromLatin1(DEFAULT_PICTURE) : text(m_plotFormat);
     return isPicture(QLatin1Char('.') + options->pictureFolderFormat)
                ? Error()
-               : wrongArgument(QStringLiteral("--plot-format '%1' is none of svg, png and pdf")
+               : wrongArgument(QStringLiteral("--plot-format '%1' is not one of svg, png, pdf")
                                    .arg(displayText(text(m_plotFormat))));
 }
 

@@ -118,8 +118,8 @@ Result<std::optional<Trace>> TraceCommand::read()
     if (second.hasError())
         return second.error();
     if (second.value())
-        return Error(InvalidInput, QStringLiteral("there is more than one trace, and --plot %1 has room for one; with "
-                                                  "the name of a folder it draws each")
+        return Error(InvalidInput, QStringLiteral("--plot %1 holds one trace and there are several; give a folder to "
+                                                  "draw them all")
                                        .arg(displayText(m_options.picturePath, 300)));
     return input;
 }

@@ -89,7 +89,7 @@ public:
             m_timeUnit = timeUnit;
         const std::optional<double> factor = timeFactor(timeUnit, *m_timeUnit);
         if (!factor)
-            return Error(InvalidInput, QStringLiteral("times in %1 do not go with the header's, in %2")
+            return Error(InvalidInput, QStringLiteral("times are in %1, but the header says %2")
                                            .arg(unitName(timeUnit), unitName(*m_timeUnit)));
         QByteArray text = isFirst ? header(*m_timeUnit) : QByteArray();
         for (const QList<double> &values : scaled(m_table.rows(trace.findings), m_table, *factor))

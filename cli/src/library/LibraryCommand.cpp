@@ -54,7 +54,7 @@ LibraryCommand::LibraryCommand(const LibraryOptions &options)
     if (m_options.threads == 0)
         m_options.threads = usableCores();
     if (options.peaks.isotopes && !m_options.peaks.isotopes)
-        messages().note(QStringLiteral("TSV libraries hold no isotopes, --isotopes adds none"));
+        messages().note(QStringLiteral("TSV cannot hold isotope peaks; --isotopes has no effect"));
 }
 
 Error LibraryCommand::work()
@@ -247,14 +247,14 @@ QString LibraryCommand::leftOut() const
     const DigestionCounts &digested = m_digested.counts;
     const QList<std::pair<qint64, QString>> reasons = {
         {digested.skipped, m_options.proteins.isEmpty()
-                               ? QStringLiteral("peptides with residues outside the 20, or of another length")
-                               : QStringLiteral("peptides with residues outside the 20")},
+                               ? QStringLiteral("peptides with non-standard residues, or of another length")
+                               : QStringLiteral("peptides with non-standard residues")},
         {digested.decoysEqualToTarget, QStringLiteral("decoys that equal a target")},
         {digested.decoysTooSimilar, QStringLiteral("decoys too similar to their target")},
         {m_counts.outOfRange, QStringLiteral("precursors outside %1 to %2 m/z")
                                   .arg(m_options.lowestPrecursorMz)
                                   .arg(m_options.highestPrecursorMz)},
-        {m_counts.tooLong, QStringLiteral("precursors longer than their network takes")},
+        {m_counts.tooLong, QStringLiteral("precursors too long for their network")},
         {m_counts.withoutPeaks, QStringLiteral("precursors without a peak")}};
     QStringList parts;
     for (const auto &[count, what] : reasons) {

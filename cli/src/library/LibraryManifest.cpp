@@ -166,7 +166,7 @@ Result<LibraryManifest> LibraryManifest::readFor(const QString &libraryPath)
             return manifest;
     } catch (const Json::exception &) { // NOLINT(bugprone-empty-catch): told below
     }
-    return Error(Failure, QStringLiteral("%1 does not describe a library of zav").arg(shown(path)));
+    return Error(Failure, QStringLiteral("%1 is not a zav library manifest").arg(shown(path)));
 }
 
 Error LibraryManifest::writeFor(const QString &libraryPath) const

@@ -109,7 +109,8 @@ Error LibraryMergeCommand::checkFiles() const
         if (digest.hasError())
             return digest.error();
         if (digest.value() != shard.manifest.file.sha256)
-            return refusal(QStringLiteral("%1 is not as it was written, its SHA-256 differs").arg(shown(shard.path)));
+            return refusal(
+                QStringLiteral("%1 has changed since it was written: its SHA-256 differs").arg(shown(shard.path)));
         if (Error error = checkForInterrupt(); error.hasError())
             return error;
     }

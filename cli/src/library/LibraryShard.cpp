@@ -59,7 +59,7 @@ Result<LibraryShard> LibraryShard::parse(const QString &text)
     shard.number = parts.first().toInt(&isNumber);
     shard.count = parts.last().toInt(&isCount);
     if (parts.size() != 2 || !isNumber || !isCount)
-        return Error(InvalidInput, QStringLiteral("'%1' is no shard, as 2/4").arg(displayText(text)));
+        return Error(InvalidInput, QStringLiteral("'%1' is not a shard such as 2/4").arg(displayText(text)));
     if (shard.count < 1 || shard.count > HIGHEST_COUNT || shard.number < 1 || shard.number > shard.count)
         return Error(InvalidInput,
                      QStringLiteral("%1 is not among the shards 1/%2 to %2/%2, of which there are 1 to %3")
@@ -78,8 +78,8 @@ Result<LibraryShard> LibraryShard::ofSlurmTask()
     const int step = std::max(1, environmentNumber("SLURM_ARRAY_TASK_STEP").value_or(1));
     const LibraryShard shard{(*id - lowest) / step + 1, *count};
     if (shard.number < 1 || shard.number > shard.count || (*id - lowest) % step != 0)
-        return Error(InvalidInput, QStringLiteral("task %1 of a Slurm array of %2 tasks from %3 on: which shard it is "
-                                                  "cannot be told, --shard says so")
+        return Error(InvalidInput, QStringLiteral("cannot tell the shard from task %1 of a Slurm array of %2 tasks "
+                                                  "starting at %3; use --shard")
                                        .arg(*id)
                                        .arg(*count)
                                        .arg(lowest));

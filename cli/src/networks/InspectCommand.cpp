@@ -40,7 +40,7 @@ Error checkHash(const QString &graphPath, const QString &sha256)
     if (sha256.isEmpty())
         return Error(Failure, QStringLiteral("the contract names no SHA-256"));
     const bool holds = hash.result().toHex() == sha256.toLatin1();
-    return holds ? Error() : Error(Failure, QStringLiteral("the SHA-256 is not the one of the contract"));
+    return holds ? Error() : Error(Failure, QStringLiteral("the SHA-256 differs from the contract's"));
 }
 
 NetworkInspection inspectNetwork(const QDir &folder, const QString &name)

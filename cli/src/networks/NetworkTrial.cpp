@@ -28,7 +28,7 @@ Error checkSpectrum(const QList<QPointF> &spectrum)
     const bool isFinite = std::all_of(spectrum.begin(), spectrum.end(), [](const QPointF &peak) {
         return std::isfinite(peak.x()) && std::isfinite(peak.y());
     });
-    return isFinite ? Error() : Error(Failure, QStringLiteral("predicts peaks that are no numbers"));
+    return isFinite ? Error() : Error(Failure, QStringLiteral("predicts peaks that are not finite"));
 }
 
 Error tryFragmentation(int charge, const QString &path)
@@ -91,7 +91,7 @@ Error trySplit(const NetworkContract &contract, const QString &path)
         return failedStep(splits.error(), QStringLiteral("cannot split"));
     const bool isFound = std::any_of(splits.value().begin(), splits.value().end(),
                                      [](const auto &split) { return split.first > 90 && split.first < 110; });
-    return isFound ? Error() : Error(Failure, QStringLiteral("does not part two plain peaks"));
+    return isFound ? Error() : Error(Failure, QStringLiteral("does not split two plain peaks"));
 }
 
 } // namespace
@@ -104,7 +104,7 @@ Error tryNetwork(const NetworkContract &contract, const QString &graphPath)
         return tryLimits(contract, graphPath);
     if (contract.kind == QLatin1String("xic_split"))
         return trySplit(contract, graphPath);
-    return Error(InvalidInput, QStringLiteral("this kind cannot be tried"));
+    return Error(InvalidInput, QStringLiteral("this kind of network cannot be tested"));
 }
 
 } // namespace zav

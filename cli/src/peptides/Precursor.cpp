@@ -17,8 +17,8 @@ QString residueProblem(QChar character)
     if (character.isLower() && isResidue(character.toUpper()))
         return QStringLiteral("lower-case residue '%1' at position %2, peptides are written in upper case");
     if (character.isUpper())
-        return QStringLiteral("unknown residue '%1' at position %2, the 20 standard ones are predicted");
-    return QStringLiteral("'%1' at position %2 is no residue, modifications cannot be written");
+        return QStringLiteral("unknown residue '%1' at position %2; only the 20 standard residues are predicted");
+    return QStringLiteral("'%1' at position %2 is not a residue; modifications are not supported");
 }
 
 Error checkResidues(const QString &peptide)
@@ -47,7 +47,7 @@ Error checkPrecursor(const Precursor &precursor, const MaximumPeptideLength &max
     if (Error error = checkResidues(precursor.peptide); error.hasError())
         return error;
     if (precursor.peptide.size() > limit)
-        return Error(InvalidInput, QStringLiteral("%1 residues are more than the %2 that charge %3 allows")
+        return Error(InvalidInput, QStringLiteral("the peptide has %1 residues; charge %3 allows at most %2")
                                        .arg(precursor.peptide.size())
                                        .arg(limit)
                                        .arg(precursor.charge));

@@ -53,9 +53,8 @@ Error chooseFormat(const ChromatogramRequest &request, std::optional<Format> *fo
 {
     *format = namedFormat(request.format);
     if (!request.format.isEmpty() && !*format)
-        return {InvalidInput,
-                QStringLiteral("'%1' is no format of chromatograms: they are read from mzml, tsv and jsonl")
-                    .arg(displayText(request.format))};
+        return {InvalidInput, QStringLiteral("'%1' is not a chromatogram format; use mzml, tsv or jsonl")
+                                  .arg(displayText(request.format))};
     if (request.path == QLatin1String("-") || *format)
         return {};
     *format = formatByEnding(request.path);
@@ -63,7 +62,7 @@ Error chooseFormat(const ChromatogramRequest &request, std::optional<Format> *fo
         return {InvalidInput,
                 request.path +
                     QStringLiteral(": chromatograms are read from files that end in .mzML, .tsv, .txt, .jsonl "
-                                   "or .ndjson, each also with .gz behind")};
+                                   "or .ndjson, each also with .gz")};
     return {};
 }
 

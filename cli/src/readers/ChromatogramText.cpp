@@ -84,9 +84,8 @@ Error ChromatogramTable::beginTrace()
     if (m_id.isEmpty())
         return m_lines.errorHere(QStringLiteral("the row has no id"));
     if (m_ids.contains(m_id))
-        return m_lines.errorHere(QStringLiteral("the id '%1' comes back after rows of another one; the rows of an id "
-                                                "have to follow each other")
-                                     .arg(displayText(QString::fromUtf8(m_id))));
+        return m_lines.errorHere(
+            QStringLiteral("the rows of id '%1' are not together").arg(displayText(QString::fromUtf8(m_id))));
     m_ids.insert(m_id);
     return {};
 }

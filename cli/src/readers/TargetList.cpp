@@ -75,7 +75,7 @@ private:
         const QString given = QString::fromUtf8(cell(ID));
         *id = given.isEmpty() ? freeIdOfMz() : given;
         if (m_ids.contains(*id))
-            return m_lines.errorHere(QStringLiteral("the id '%1' stands there twice").arg(displayText(*id)));
+            return m_lines.errorHere(QStringLiteral("the id '%1' appears twice").arg(displayText(*id)));
         m_ids.insert(*id);
         return {};
     }

@@ -52,7 +52,7 @@ Error SpectrumCommand::work()
 Error SpectrumCommand::readPeptides()
 {
     if (m_options.annotate && m_format == OutputFormat::Mgf)
-        messages().note(QStringLiteral("MGF has no place for ion names, --annotate adds none"));
+        messages().note(QStringLiteral("MGF cannot hold ion names; --annotate has no effect"));
     if (isList()) {
         const Result<QList<PeptideListRow>> rows = readPeptideList(m_options.peptideList);
         if (rows.hasError())

@@ -116,16 +116,17 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{{"spectrum", "PEPTIDE", "2", "3"}, "zav: The following argument was not expected: 3"},
         Refused{{"spectrum", "PEPTIDE", "2", "--colour"}, "zav: The following argument was not expected: --colour"},
         Refused{{"spectrum", "PEPTIDE", "2", "--format", "xml"},
-                "zav: --format 'xml' is none of tsv, msp, mgf, json and table"},
+                "zav: --format 'xml' is not one of tsv, msp, mgf, json, table"},
         Refused{{"spectrum", "PEPTIDE", "2", "--format"}, "zav: --format: 1 required FORMAT missing"},
         Refused{{"spectrum", "PEPTIDE", "2", "--cysteine", "nan"}, "zav: --cysteine is not a finite mass"},
         Refused{{"spectrum", "PEPTIDE", "2", "--plot", "a.gif"},
                 "zav: --plot draws a file ending in .svg, .png or .pdf, not 'a.gif'"},
-        Refused{{"spectrum", "PEPTIDE", "2", "--scan", "3"}, "zav: --scan and --tolerance belong to --against"},
-        Refused{{"spectrum", "PEPTIDE", "2", "--peptides", "a.tsv"}, "zav: PEPTIDE and --peptides exclude each other"},
+        Refused{{"spectrum", "PEPTIDE", "2", "--scan", "3"}, "zav: --scan and --tolerance need --against"},
+        Refused{{"spectrum", "PEPTIDE", "2", "--peptides", "a.tsv"},
+                "zav: PEPTIDE and --peptides cannot be used together"},
         Refused{{"spectrum", "--peptides", "a.tsv", "--plot", "a.svg"},
                 "zav: --plot and --against are for one peptide, not for --peptides"},
-        Refused{{"inspect", "a", "--models", "b"}, "zav: DIR and --models exclude each other"}));
+        Refused{{"inspect", "a", "--models", "b"}, "zav: DIR and --models cannot be used together"}));
 
 TEST(CommandLine, RefusalPointsToTheHelpOfTheCommand)
 {

@@ -87,7 +87,7 @@ TEST(TraceWriter, UnknownUnitDoesNotGoWithAKnownOne)
     const auto writer = makeTraceWriter(TraceFormat::Tsv, peakTable(), 0);
     EXPECT_FALSE(textOf(writer.get(), traceWithPeak("x", "s")).empty());
     EXPECT_EQ(writer->text(traceWithPeak("y", "")).error().message(),
-              "times in an unknown unit do not go with the header's, in s");
+              "times are in an unknown unit, but the header says s");
 }
 
 TEST(TraceWriter, TabsAndLineEndsInAnIdDoNotBreakTheRow)

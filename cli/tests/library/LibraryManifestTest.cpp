@@ -46,7 +46,7 @@ TEST_F(Manifest, RefusesOtherFilesByName)
     for (const char *content : {"", "{}", "[1]", "{\"settings\": 3", "no json"}) {
         m_files.write("lib.tsv.json", content);
         const Error error = LibraryManifest::readFor(m_files.path("lib.tsv")).error();
-        EXPECT_EQ(m_files.withoutFolder(error.message()), "lib.tsv.json does not describe a library of zav") << content;
+        EXPECT_EQ(m_files.withoutFolder(error.message()), "lib.tsv.json is not a zav library manifest") << content;
     }
     EXPECT_TRUE(LibraryManifest::readFor(m_files.path("none")).error().message().contains("none.json"));
 }

@@ -22,7 +22,7 @@ TEST(PrecursorCheck, TheTwentyResiduesUpToTheLimitPass)
 
 TEST(PrecursorCheck, OneResidueOverTheLimitIsTooLong)
 {
-    EXPECT_EQ(problem(QStringLiteral("AAAAAAAAAAA"), 2), "11 residues are more than the 10 that charge 2 allows");
+    EXPECT_EQ(problem(QStringLiteral("AAAAAAAAAAA"), 2), "the peptide has 11 residues; charge 2 allows at most 10");
 }
 
 TEST(PrecursorCheck, ChargeWithoutALimitIsNotPredicted)
@@ -41,7 +41,8 @@ TEST(PrecursorCheck, LettersThatAreNoResidueAreNamedWithTheirPosition)
 {
     for (const char letter : std::string("BJOUXZ"))
         EXPECT_EQ(problem(QStringLiteral("PEP") + QLatin1Char(letter), 2),
-                  std::string("unknown residue '") + letter + "' at position 4, the 20 standard ones are predicted");
+                  std::string("unknown residue '") + letter +
+                      "' at position 4; only the 20 standard residues are predicted");
 }
 
 TEST(PrecursorCheck, LowerCaseIsNamedWithItsPosition)
@@ -53,13 +54,13 @@ TEST(PrecursorCheck, LowerCaseIsNamedWithItsPosition)
 TEST(PrecursorCheck, ModificationsAreSaidToBeImpossible)
 {
     EXPECT_EQ(problem(QStringLiteral("AM[16]K"), 2),
-              "'[' at position 3 is no residue, modifications cannot be written");
+              "'[' at position 3 is not a residue; modifications are not supported");
 }
 
 TEST(PrecursorCheck, ControlCharactersDoNotReachTheMessage)
 {
     EXPECT_EQ(problem(QStringLiteral("P\033[31m"), 2),
-              "'\\x1b' at position 2 is no residue, modifications cannot be written");
+              "'\\x1b' at position 2 is not a residue; modifications are not supported");
 }
 
 TEST(Precursor, LongPeptidesAreShortenedInMessages)

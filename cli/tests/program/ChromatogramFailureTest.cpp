@@ -194,14 +194,14 @@ TEST_P(ChromatogramFailure, WrongUsageIsExitCodeTwo)
 {
     expectWrongUsage({}, "FILE is missing");
     expectWrongUsage({"-", "-"}, "standard input can be read only once");
-    expectWrongUsage({"a.mzML", "--mz", "500", "--targets", "t.tsv"}, "--mz and --targets exclude each other");
+    expectWrongUsage({"a.mzML", "--mz", "500", "--targets", "t.tsv"}, "--mz and --targets cannot be used together");
     expectWrongUsage({"a.mzML", "--mz", "-1"}, "--mz must be above 0");
-    expectWrongUsage({"a.mzML", "--rt", "1-2"}, "--rt belongs to --mz");
-    expectWrongUsage({"a.mzML", "--mz", "500", "--rt", "2-1"}, "--rt '2-1' is no range of times such as 12.5-14");
-    expectWrongUsage({"a.mzML", "--mz", "500", "--rt", "two"}, "--rt 'two' is no range of times such as 12.5-14");
-    expectWrongUsage({"a.mzML", "--ppm", "5"}, "--ppm belongs to --mz and --targets");
+    expectWrongUsage({"a.mzML", "--rt", "1-2"}, "--rt needs --mz");
+    expectWrongUsage({"a.mzML", "--mz", "500", "--rt", "2-1"}, "--rt '2-1' is not a time range such as 12.5-14");
+    expectWrongUsage({"a.mzML", "--mz", "500", "--rt", "two"}, "--rt 'two' is not a time range such as 12.5-14");
+    expectWrongUsage({"a.mzML", "--ppm", "5"}, "--ppm needs --mz or --targets");
     expectWrongUsage({"a.mzML", "--mz", "500", "--ppm", "0"}, "--ppm must be above 0 and at most 100000");
-    expectWrongUsage({"a.mzML", "--format", "msp"}, "--format 'msp' is none of tsv, json and table");
+    expectWrongUsage({"a.mzML", "--format", "msp"}, "--format 'msp' is not one of tsv, json, table");
     expectWrongUsage({"a.mzML", "--threads", "0"}, "--threads is 0, must be within 1 to 1024");
     expectWrongUsage({"a.mzML", "--max-point-count", "200"}, "--max-point-count is 200, must be greater than 200");
     expectWrongUsage({"a.mzML", "--max-point-count", "2000000"},
@@ -209,11 +209,10 @@ TEST_P(ChromatogramFailure, WrongUsageIsExitCodeTwo)
     expectWrongUsage({"a.mzML", "--probability-tolerance", "2"}, "--probability-tolerance is 2, must be within 0 to 1");
     expectWrongUsage({"a.mzML", "--smoothing-pass-count", "-1"}, "--smoothing-pass-count is -1, must be 0 or more");
     expectWrongUsage({"a.mzML", "--gaussian-filter-size", "0"}, "--gaussian-filter-size is 0, must be 1 or more");
-    expectWrongUsage({"a.mzML", "--plot-format", "svg"}, "--plot-format belongs to --plot with a folder");
-    expectWrongUsage({"a.mzML", "--plot", "a.svg", "--plot-format", "svg"},
-                     "--plot-format belongs to --plot with a folder");
+    expectWrongUsage({"a.mzML", "--plot-format", "svg"}, "--plot-format needs --plot with a folder");
+    expectWrongUsage({"a.mzML", "--plot", "a.svg", "--plot-format", "svg"}, "--plot-format needs --plot with a folder");
     expectWrongUsage({"a.mzML", "--plot", "pictures", "--plot-format", "gif"},
-                     "--plot-format 'gif' is none of svg, png and pdf");
+                     "--plot-format 'gif' is not one of svg, png, pdf");
 }
 
 TEST(LimitsFailure, WrongUsageOfItsOwnOptionsIsExitCodeTwo)
@@ -224,7 +223,7 @@ TEST(LimitsFailure, WrongUsageOfItsOwnOptionsIsExitCodeTwo)
         return linesOf(run.standardError).value(0).toStdString();
     };
     EXPECT_EQ(refused({"--method", "guess"}), "zav: --method 'guess' is neither network nor walk");
-    EXPECT_EQ(refused({"--method", "walk", "--hint", "5"}), "zav: --hint belongs to --method network");
+    EXPECT_EQ(refused({"--method", "walk", "--hint", "5"}), "zav: --hint needs --method network");
     EXPECT_EQ(refused({"--hint", "-3"}), "zav: --hint must be above -1");
     EXPECT_EQ(refused({"--dbscan-epsilon", "0"}), "zav: --dbscan-epsilon is 0, must be greater than 0");
     EXPECT_EQ(refused({"--dbscan-min-points", "0"}), "zav: --dbscan-min-points is 0, must be 1 or more");

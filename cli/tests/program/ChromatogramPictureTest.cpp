@@ -64,8 +64,8 @@ TEST_P(ChromatogramPicture, OneFileHasNoRoomForTwoTraces)
     m_files.write("traces.jsonl", jsonLine(TRACE, "a") + jsonLine(TRACE, "b"));
     const ProgramRun refused = run({"traces.jsonl", "--plot", "a.svg", "-o", "out.tsv"});
     EXPECT_EQ(refused.exitCode, 1);
-    EXPECT_EQ(refused.standardError, "zav: there is more than one trace, and --plot a.svg has room for one; with the "
-                                     "name of a folder it draws each\n");
+    EXPECT_EQ(refused.standardError,
+              "zav: --plot a.svg holds one trace and there are several; give a folder to draw them all\n");
     EXPECT_EQ(filesIn(QString()), QStringList({"traces.jsonl"}));
 }
 

@@ -70,7 +70,7 @@ TEST_F(InspectedCopy, ChangedGraphNoLongerHoldsItsHash)
     writeFile(m_folder.filePath("msms_charge2.pb"), graph + QByteArray("\x22\x00", 2)); // an empty versions record
     const ProgramRun run = inspect();
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.standardError, "zav: msms_charge2: the SHA-256 is not the one of the contract\n");
+    EXPECT_EQ(run.standardError, "zav: msms_charge2: the SHA-256 differs from the contract's\n");
     EXPECT_TRUE(linesOf(run.standardOutput)[1].endsWith("  fails    runs")) << run.standardOutput;
 }
 
@@ -118,7 +118,7 @@ TEST_F(InspectedCopy, ContractOfAStrangeKindOrChargeCannotBeTried)
 {
     const QByteArray contract = readFile(m_folder.filePath("msms_charge2.json"));
     writeFile(m_folder.filePath("msms_charge2.json"), QByteArray(contract).replace("msms_fragmentation", "tea_leaves"));
-    EXPECT_EQ(inspect().standardError, "zav: msms_charge2: this kind cannot be tried\n");
+    EXPECT_EQ(inspect().standardError, "zav: msms_charge2: this kind of network cannot be tested\n");
     writeFile(m_folder.filePath("msms_charge2.json"), QByteArray(contract).replace("\"charge\": 2", "\"charge\": 12"));
     EXPECT_EQ(inspect().standardError, "zav: msms_charge2: its charge is not 1 to 5\n");
 }

@@ -29,7 +29,7 @@ TEST_F(LibraryCommand, HoldsEveryPeptideAtEachChargeInTheOrderOfTheirSequences)
     const ProgramRun made = run({"p.fasta", "-o", "lib.tsv", "--missed-cleavages", "0"});
     EXPECT_EQ(made.standardOutput, "");
     EXPECT_EQ(made.standardError, "zav: 3 proteins, 5 peptides, 0 decoys; 8 precursors written\n"
-                                  "zav: left out: 1 peptides with residues outside the 20, 2 precursors outside 300 to "
+                                  "zav: left out: 1 peptides with non-standard residues, 2 precursors outside 300 to "
                                   "1800 m/z\n");
     EXPECT_EQ(column("lib.tsv", "TransitionGroupId"),
               (QStringList{LONGEST + "_2", LONGEST + "_3", "LVNELTEFAK_2", "LVNELTEFAK_3", "MAGICPEPTIDEK_2",
@@ -52,7 +52,7 @@ TEST_F(LibraryCommand, ListsWhatItSkips)
 {
     const ProgramRun made = run({"p.fasta", "-o", "lib.tsv", "--missed-cleavages", "0", "--charges", "1,2",
                                  "--max-precursor-mz", "3000", "--skipped", "skipped.tsv"});
-    EXPECT_NE(made.standardError.find("1 precursors longer than their network takes"), std::string::npos);
+    EXPECT_NE(made.standardError.find("1 precursors too long for their network"), std::string::npos);
     const QStringList lines = linesOf(m_files.read("skipped.tsv").toStdString());
     ASSERT_EQ(lines.size(), 3);
     EXPECT_EQ(lines[0], "protein\tpeptide\tcharge\treason");

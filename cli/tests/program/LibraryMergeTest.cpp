@@ -112,7 +112,7 @@ TEST_F(LibraryMerge, RefusesDamagedShardsByName)
 {
     const QStringList names = shards(2, ".tsv");
     m_files.write(names[0], m_files.read(names[0]) + "\n");
-    EXPECT_EQ(refusal(names), "zav: lib.2-of-2.tsv is not as it was written, its SHA-256 differs\n");
+    EXPECT_EQ(refusal(names), "zav: lib.2-of-2.tsv has changed since it was written: its SHA-256 differs\n");
     QFile::remove(m_files.path(names[0] + ".json"));
     EXPECT_NE(refusal(names).find("lib.2-of-2.tsv.json"), std::string::npos);
 }

@@ -158,7 +158,7 @@ TEST(SpectrumCommand, MgfSaysThatItHasNoPlaceForIonNames)
 {
     const ProgramRun run = runZav({"spectrum", PEPTIDE, "3", "--format", "mgf", "--annotate"});
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.standardError, "zav: MGF has no place for ion names, --annotate adds none\n");
+    EXPECT_EQ(run.standardError, "zav: MGF cannot hold ion names; --annotate has no effect\n");
     EXPECT_EQ(linesOf(run.standardOutput).filter(" 10000.0").size(), 1);
 }
 

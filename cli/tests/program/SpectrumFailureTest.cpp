@@ -62,15 +62,15 @@ INSTANTIATE_TEST_SUITE_P(
     SpectrumFailure, UnpredictablePrecursor,
     ::testing::Values(
         Unpredictable{"PEPTIDEX", "2",
-                      "PEPTIDEX/2: unknown residue 'X' at position 8, the 20 standard ones are predicted"},
+                      "PEPTIDEX/2: unknown residue 'X' at position 8; only the 20 standard residues are predicted"},
         Unpredictable{"PEPtIDE", "2",
                       "PEPtIDE/2: lower-case residue 't' at position 4, peptides are written in upper case"},
         Unpredictable{"PEPTM[16]IDE", "2",
-                      "PEPTM[16]IDE/2: '[' at position 6 is no residue, modifications cannot be written"},
+                      "PEPTM[16]IDE/2: '[' at position 6 is not a residue; modifications are not supported"},
         Unpredictable{"PEPTIDE", "0", "PEPTIDE/0: charge 0 is not predicted, only 1 to 5"},
         Unpredictable{"PEPTIDE", "6", "PEPTIDE/6: charge 6 is not predicted, only 1 to 5"},
         Unpredictable{"AAAAAAAAAAAAAAAAAAAAAAAAAAAA", "1",
-                      "AAAAAAAAAAAAAAAAAAAAAAAAAAAA/1: 28 residues are more than the 27 that charge 1 allows"}));
+                      "AAAAAAAAAAAAAAAAAAAAAAAAAAAA/1: the peptide has 28 residues; charge 1 allows at most 27"}));
 
 TEST(SpectrumFailure, EmptyPeptideIsSaid)
 {
@@ -93,11 +93,12 @@ TEST(SpectrumFailure, ListGoesOnPastEachPeptideThatFails)
     writeFile(folder.filePath("list.tsv"), "PEPTIDEK\t2\nPEPTIDEX\t2\nSAMPLER\tmany\nSAMPLER\t9\nSAMPLER\t2\n");
     const ProgramRun run = runZav({"spectrum", "--peptides", "list.tsv", "--format", "mgf"}, {}, folder.path());
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_EQ(run.standardError,
-              "zav: list.tsv:2: PEPTIDEX/2: unknown residue 'X' at position 8, the 20 standard ones are predicted\n"
-              "zav: list.tsv:3: SAMPLER/0: charge 'many' is not a whole number\n"
-              "zav: list.tsv:4: SAMPLER/9: charge 9 is not predicted, only 1 to 5\n"
-              "zav: 3 of 5 precursors could not be predicted\n");
+    EXPECT_EQ(
+        run.standardError,
+        "zav: list.tsv:2: PEPTIDEX/2: unknown residue 'X' at position 8; only the 20 standard residues are predicted\n"
+        "zav: list.tsv:3: SAMPLER/0: charge 'many' is not a whole number\n"
+        "zav: list.tsv:4: SAMPLER/9: charge 9 is not predicted, only 1 to 5\n"
+        "zav: 3 of 5 precursors could not be predicted\n");
     EXPECT_EQ(QString::fromStdString(run.standardOutput).count("TITLE="), 2);
 }
 

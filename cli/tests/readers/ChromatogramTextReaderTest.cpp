@@ -76,8 +76,7 @@ TEST_F(ChromatogramText, TableWhoseIdComesBackIsRefusedThere)
 {
     const TraceList list = read("a.tsv", "id\trt\tintensity\na\t1\t5\nb\t1\t5\na\t2\t5\nc\t1\t1\n");
     EXPECT_EQ(list.summary(files), (Strings{"a", "b"}));
-    EXPECT_EQ(list.error, "a.tsv, line 4: the id 'a' comes back after rows of another one; the rows of an id have to "
-                          "follow each other");
+    EXPECT_EQ(list.error, "a.tsv, line 4: the rows of id 'a' are not together");
 }
 
 TEST_F(ChromatogramText, TableThatIsNoneIsRefused)

@@ -121,7 +121,7 @@ TEST_F(MzMlChromatograms, ParametersMayStandInGroups)
     ASSERT_EQ(list.outcomes.size(), 2) << list.error;
     EXPECT_EQ(list.outcomes[0].chromatogram.points, THREE_POINTS);
     EXPECT_EQ(list.summary(files)[1],
-              "a.mzML: chromatogram 'b': it refers to parameter group 'nowhere', which the file has not");
+              "a.mzML: chromatogram 'b': it refers to parameter group 'nowhere', which the file does not have");
 }
 
 TEST_F(MzMlChromatograms, IntegersAreReadToo)
@@ -261,7 +261,7 @@ TEST_F(MzMlChromatograms, FileThatIsNoMzMlIsRefused)
     EXPECT_EQ(read("<?xml version=\"1.0\"?><mzXML><msRun/></mzXML>").error,
               "cannot read a.mzML: it is not mzML: its outermost element is <mzXML>");
     EXPECT_EQ(read("<mzML><run></chromatogramList></run></mzML>").error,
-              "cannot read a.mzML: it is damaged: </chromatogramList> closes nothing that is open");
+              "cannot read a.mzML: it is damaged: </chromatogramList> closes no open element");
     EXPECT_EQ(read("<mzML " + QByteArray(3 << 20, 'x')).error, "cannot read a.mzML: it is not XML: a tag has no end");
     EXPECT_EQ(read("<mzML>" + QByteArray("<a>").repeated(200)).error,
               "cannot read a.mzML: it is not mzML: its elements nest too deeply");

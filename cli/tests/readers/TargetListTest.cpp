@@ -63,7 +63,7 @@ TEST_F(TargetLists, WhatIsNoTargetIsRefusedWithItsLine)
     EXPECT_EQ(message("mz\n-500\n"), "t.tsv, line 2: mz and ppm have to be above 0");
     EXPECT_EQ(message("mz\tppm\n500\t0\n"), "t.tsv, line 2: mz and ppm have to be above 0");
     EXPECT_EQ(message("mz\trt_from\trt_to\n500\t2\t1\n"), "t.tsv, line 2: rt_from is above rt_to");
-    EXPECT_EQ(message("mz\tid\n500\ta\n600\ta\n"), "t.tsv, line 3: the id 'a' stands there twice");
+    EXPECT_EQ(message("mz\tid\n500\ta\n600\ta\n"), "t.tsv, line 3: the id 'a' appears twice");
 }
 
 } // namespace

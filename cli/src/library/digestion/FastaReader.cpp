@@ -126,7 +126,7 @@ bool FastaReader::appendResidues(QByteArrayView line)
             m_sequence.append(upper);
         else if (!isBlank(upper))
             return fail(m_lines->errorHere(
-                QStringLiteral("'%1' is no residue of a protein").arg(displayText(QString(QLatin1Char(upper))))));
+                QStringLiteral("'%1' is not a residue").arg(displayText(QString(QLatin1Char(upper))))));
     }
     if (m_sequence.size() > LONGEST_SEQUENCE)
         return fail(m_lines->errorHere(QStringLiteral("the sequence is too long for a protein")));

@@ -85,7 +85,7 @@ bool PeptideTableReader::readProteins(const QString &proteins, const QString &ge
     const QStringList identifiers = trimmedParts(proteins, QLatin1Char(';'));
     const QStringList geneNames = trimmedParts(genes, QLatin1Char(';'));
     if (geneNames.size() != 1 && geneNames.size() != identifiers.size())
-        return fail(m_lines->errorHere(QStringLiteral("%1 proteins and %2 genes cannot be told to each other")
+        return fail(m_lines->errorHere(QStringLiteral("%1 proteins and %2 genes cannot be matched")
                                            .arg(identifiers.size())
                                            .arg(geneNames.size())));
     for (qsizetype i = 0; i < identifiers.size(); ++i) {

@@ -96,8 +96,8 @@ Error MzMlElements::open(const QByteArray &tagName)
 Error MzMlElements::close(const QByteArray &tagName)
 {
     if (m_open.empty() || m_open.back() != tagName)
-        return m_tags.failure(QStringLiteral("it is damaged: </%1> closes nothing that is open")
-                                  .arg(displayText(QString::fromUtf8(tagName))));
+        return m_tags.failure(
+            QStringLiteral("it is damaged: </%1> closes no open element").arg(displayText(QString::fromUtf8(tagName))));
     m_open.pop_back();
     m_isDone = tagName == "mzML";
     return {};
@@ -174,8 +174,8 @@ void MzMlElements::appendGroup(MzMlElement *element) const
     const QString reference = m_tags.attribute("ref");
     const auto group = m_groups.find(reference);
     if (group == m_groups.end()) {
-        element->problem =
-            QStringLiteral("it refers to parameter group '%1', which the file has not").arg(displayText(reference));
+        element->problem = QStringLiteral("it refers to parameter group '%1', which the file does not have")
+                               .arg(displayText(reference));
         return;
     }
     for (const QByteArray &tag : group->second)

@@ -78,7 +78,7 @@ TEST_F(FastaReaderTest, FaultsNameFileAndLine)
 {
     EXPECT_EQ(readText("\nMAAK\n>P1\n"),
               " ! p.fasta, line 2: expected a FASTA header that begins with '>', found 'MAAK'");
-    EXPECT_EQ(readText(">P1\nMAAK\nCC3R\n"), " ! p.fasta, line 3: '3' is no residue of a protein");
+    EXPECT_EQ(readText(">P1\nMAAK\nCC3R\n"), " ! p.fasta, line 3: '3' is not a residue");
     EXPECT_EQ(readText(">P1\nAK\n> \nMAAK\n"), "P1||:AK ! p.fasta, line 3: the FASTA header names no protein");
     EXPECT_EQ(readText(">P1\n" + QByteArray((1 << 24) + (1 << 16), 'A') + "\n"),
               " ! p.fasta, line 2: the line is longer than 16777216 bytes");

@@ -73,7 +73,7 @@ TEST_F(PeptideDigestTest, FailuresNameTheFileOrTheField)
         return m_files.withoutFolder(result.error().message());
     };
     EXPECT_EQ(failure("", tryptic()), "cannot read p.fasta: it holds no protein (no line that begins with '>')");
-    EXPECT_EQ(failure(">P1\nAA1K\n", tryptic()), "p.fasta, line 2: '1' is no residue of a protein");
+    EXPECT_EQ(failure(">P1\nAA1K\n", tryptic()), "p.fasta, line 2: '1' is not a residue");
     PeptideRequest request = tryptic();
     request.digestion.missedCleavages = -1;
     EXPECT_EQ(failure(">P1\nAAAK\n", request), "missedCleavages is -1, must be 0 or more");

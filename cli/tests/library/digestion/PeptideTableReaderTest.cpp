@@ -71,7 +71,7 @@ TEST_F(PeptideTableReaderTest, SeveralProteinsShareOneGeneOrHaveTheirOwn)
 TEST_F(PeptideTableReaderTest, FaultsNameFileAndLine)
 {
     EXPECT_EQ(read("peptide\tprotein\tgene\nAK\tP1;P2;P3\tG1;G2\n"),
-              " ! p.tsv, line 2: 3 proteins and 2 genes cannot be told to each other");
+              " ! p.tsv, line 2: 3 proteins and 2 genes cannot be matched");
     EXPECT_EQ(read("# list\npep\tprotein\nAK\tP1\n"), " ! p.tsv, line 2: the header names no column 'peptide'");
 }
 
