@@ -66,7 +66,7 @@ public:
             return known.get();
         auto made = std::make_unique<Predictor>();
         m_options.maxPointCount = size;
-        if (const Error error = loadNetwork(m_options, made.get()); error.hasError())
+        if (Error error = loadNetwork(m_options, made.get()); error.hasError())
             return error;
         known = std::move(made);
         return known.get();

@@ -41,8 +41,6 @@ TraceCommand::TraceCommand(const TraceOptions &options, const TraceTable &table)
       m_output(options.outputPath, makeTraceWriter(formatOf(options), table, fileWidth(options.inputs)))
 {}
 
-TraceCommand::~TraceCommand() = default;
-
 /// The error is one that ends the run; a trace that fails is told at once and counted.
 Error TraceCommand::work()
 {

@@ -61,7 +61,6 @@ class TraceCommand : public Command
 public:
     /// `table` is what is written of each trace.
     TraceCommand(const TraceOptions &options, const TraceTable &table);
-    ~TraceCommand() override;
 
 private:
     /// The network's file in the folder of networks.

@@ -64,6 +64,7 @@ public:
         m_source = std::move(source);
         m_work = std::move(work);
         std::vector<std::thread> workers;
+        workers.reserve(static_cast<size_t>(m_threads));
         for (int worker = 0; worker < m_threads; ++worker)
             workers.emplace_back([this, worker] { workOn(worker); });
         const Error error = consumeAll(sink);

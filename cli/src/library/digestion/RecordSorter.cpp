@@ -45,7 +45,7 @@ Record recordAt(const QByteArray &records, const RecordSorter::Place &place)
     const char *begin = records.constData() + place.offset;
     const auto payloadLength = numberAt<quint32>(begin);
     const char *key = begin + sizeof payloadLength;
-    const qsizetype keyLength = place.keyLength;
+    const auto keyLength = static_cast<qsizetype>(place.keyLength);
     return {{key, keyLength}, {key + keyLength, static_cast<qsizetype>(payloadLength)}};
 }
 
