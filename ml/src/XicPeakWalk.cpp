@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <memory>
 #include <numeric>
-#include <optional>
 #include <vector>
 
 namespace zav {
@@ -175,7 +175,7 @@ public:
     {
         if (m_plainSteps >= m_mostPlainSteps && std::isfinite(static_cast<float>(maximum.value))) {
             if (!m_blocks)
-                m_blocks.emplace(m_input);
+                m_blocks = std::make_unique<BlockSearch>(m_input);
             return zav::walk(*m_blocks, m_input.size(), maximum, threshold);
         }
         const Interval<int> limits = zav::walk(PlainSearch(m_input), m_input.size(), maximum, threshold);
@@ -187,7 +187,7 @@ private:
     const Eigen::VectorXf &m_input;
     Eigen::Index m_mostPlainSteps;
     Eigen::Index m_plainSteps = 0;
-    std::optional<BlockSearch> m_blocks;
+    std::unique_ptr<BlockSearch> m_blocks;
 };
 
 /// The maxima that no interval covers yet. A chain of covered ones is shortened whenever it is followed, so that
