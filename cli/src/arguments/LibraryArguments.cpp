@@ -24,8 +24,8 @@ The kind of library follows from the ending of -o: .msp, .tsv (OpenSWATH and DIA
 Intensities are relative to the base peak of what the filters leave. The networks give no peaks over 2000 m/z or under
 0.025 of their base peak; .tsv holds neither a ions nor isotopes. Precursors without a peak are left out.
 
-Peptides with other residues than the 20, or longer than the network of a charge takes (27, 43, 50, 52, 50 residues for
-1 to 5), are left out, counted, and listed in the FILE of --skipped.
+Peptides with a residue that is none of the 20 standard ones, or too long for the network of a charge (27, 43, 50, 52,
+50 residues for 1 to 5), are left out, counted, and listed in the FILE of --skipped.
 
 The library is the same to the byte whatever --threads, --low-memory and shards. LIB.json beside it says what it was
 made from; --resume compares that and the library's SHA-256 and makes only what is not there yet. A shard is a part of

@@ -81,7 +81,7 @@ void SpectrumArguments::addTo(CLI::App *command)
         ->type_name("FILE");
     command->add_option("--scan", m_scan, "which spectrum of that file: scan number, native id or title")
         ->type_name("SCAN");
-    command->add_option("--tolerance", m_tolerance, "for the comparison, as 20ppm or 0.02Da [20ppm]")
+    command->add_option("--tolerance", m_tolerance, "of the comparison, such as 20ppm or 0.02Da [20ppm]")
         ->type_name("WIDTH");
     command->add_flag("-v,--verbose", m_verbose, "also show where in the program each failure occurred");
     command->footer(EXAMPLES);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryManifest.h"
 
+#include "ByteStream.h"
 #include "Enzyme.h"
 #include "FileDigest.h"
 #include "OutputFile.h"
@@ -156,7 +157,7 @@ Result<LibraryManifest> LibraryManifest::readFor(const QString &libraryPath)
     const QString path = pathFor(libraryPath);
     QFile source(path);
     if (!source.open(QIODevice::ReadOnly))
-        return Error(Failure, QStringLiteral("cannot read %1: %2").arg(shown(path), source.errorString()));
+        return cannotRead(shown(path), source.errorString());
     try {
         LibraryManifest manifest = fromJson(Json::parse(source.readAll().toStdString()));
         const bool isInOrder = !LibraryShard::parse(manifest.shard.name()).hasError() && manifest.peptideCount >= 0 &&

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryWriter.h"
 
+#include "ByteStream.h"
 #include "FileDigest.h"
 #include "OutputFile.h"
 #include "PrintableText.h"
@@ -18,8 +19,7 @@ constexpr qint64 COPIED_AT_ONCE = 1 << 20;
 
 Error readFailure(const QFile &file)
 {
-    return Error(Failure,
-                 QStringLiteral("cannot read %1: %2").arg(displayText(file.fileName(), 300), file.errorString()));
+    return cannotRead(displayText(file.fileName(), 300), file.errorString());
 }
 
 // Writes the text formats.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InspectCommand.h"
 
+#include "ByteStream.h"
 #include "ModelFolder.h"
 #include "NetworkContract.h"
 #include "NetworkTrial.h"
@@ -35,8 +36,7 @@ Error checkHash(const QString &graphPath, const QString &sha256)
     QFile file(graphPath);
     QCryptographicHash hash(QCryptographicHash::Sha256);
     if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file))
-        return Error(Failure,
-                     QStringLiteral("cannot read %1: %2").arg(displayText(graphPath, 300), file.errorString()));
+        return cannotRead(displayText(graphPath, 300), file.errorString());
     if (sha256.isEmpty())
         return Error(Failure, QStringLiteral("the contract names no SHA-256"));
     const bool holds = hash.result().toHex() == sha256.toLatin1();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ModelFolder.h"
 
+#include "ByteStream.h"
 #include "PrintableText.h"
 
 #include <QtCore/QCoreApplication>
@@ -79,8 +80,7 @@ Error ModelFolder::checkFragmentationNetwork(int charge) const
         return Error(Failure,
                      QStringLiteral("no network for charge %1 in %2").arg(charge).arg(displayText(m_path, 300)));
     if (!file.open(QIODevice::ReadOnly))
-        return Error(Failure,
-                     QStringLiteral("cannot read %1: %2").arg(displayText(file.fileName(), 300), file.errorString()));
+        return cannotRead(displayText(file.fileName(), 300), file.errorString());
     return {};
 }
 

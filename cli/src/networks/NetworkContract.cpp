@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NetworkContract.h"
 
+#include "ByteStream.h"
 #include "PrintableText.h"
 
 #include <nlohmann/json.hpp>
@@ -71,7 +72,7 @@ Result<NetworkContract> readNetworkContract(const QString &path)
     const QString shown = displayText(path, 300);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return Error(Failure, QStringLiteral("cannot read %1: %2").arg(shown, file.errorString()));
+        return cannotRead(shown, file.errorString());
     const Json object = Json::parse(file.readAll().toStdString(), nullptr, false);
     NetworkContract contract;
     if (object.is_object())
