@@ -22,7 +22,13 @@ struct ZAV_COMMON_CORE_MINI_EXPORT ElementalComposition
     /// Da, the sum of the atoms' masses of AME2020.
     double monoisotopicMass() const;
 
-    friend bool operator==(const ElementalComposition &, const ElementalComposition &) = default;
+    friend bool operator==(const ElementalComposition &left, const ElementalComposition &right)
+    {
+        return left.carbon == right.carbon && left.hydrogen == right.hydrogen && left.nitrogen == right.nitrogen &&
+               left.oxygen == right.oxygen && left.phosphorus == right.phosphorus && left.sulfur == right.sulfur &&
+               left.carbon13 == right.carbon13 && left.nitrogen15 == right.nitrogen15 &&
+               left.deuterium == right.deuterium && left.oxygen18 == right.oxygen18;
+    }
 };
 
 /// Atoms that a fragment ion with a modification may lose.
