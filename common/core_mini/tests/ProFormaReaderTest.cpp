@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <random>
 
 #include <zav/Peptidoform.h>
