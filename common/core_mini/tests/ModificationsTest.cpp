@@ -25,9 +25,10 @@ struct UnimodRow
 ElementalComposition compositionOf(const QList<QByteArray> &counts)
 {
     ElementalComposition composition;
-    int *const fields[] = {&composition.carbon,    &composition.hydrogen,   &composition.nitrogen, &composition.oxygen,
-                           &composition.phosphorus, &composition.sulfur,     &composition.carbon13,
-                           &composition.nitrogen15, &composition.deuterium, &composition.oxygen18};
+    int *const fields[] = {&composition.carbon,   &composition.hydrogen,   &composition.nitrogen,
+                           &composition.oxygen,   &composition.phosphorus, &composition.sulfur,
+                           &composition.carbon13, &composition.nitrogen15, &composition.deuterium,
+                           &composition.oxygen18};
     for (qsizetype i = 0; i < counts.size(); ++i)
         *fields[i] = counts[i].toInt();
     return composition;
@@ -107,8 +108,8 @@ TEST(Modifications, LossesAreAmongThoseOfUnimod)
 TEST(Modifications, LossesAreNamedByTheirFormula)
 {
     const auto nameOfLoss = [](const char *modification, char residue) {
-        const QList<NeutralLoss> losses = neutralLosses(findByName(QLatin1String(modification))->modification,
-                                                        QLatin1Char(residue));
+        const QList<NeutralLoss> losses =
+            neutralLosses(findByName(QLatin1String(modification))->modification, QLatin1Char(residue));
         return losses.isEmpty() ? QString() : losses.front().name;
     };
     EXPECT_EQ(QStringLiteral("-H3PO4"), nameOfLoss("Phospho", 'S'));

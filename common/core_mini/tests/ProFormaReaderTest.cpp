@@ -67,7 +67,7 @@ TEST(ProForma, ProblemsAreNamedWithTheirPlace)
         {"M[UNIMOD:]", "no modification 'UNIMOD:' at character 3"},
         {"M[UNIMOD:-35]", "no modification 'UNIMOD:-35' at character 3"},
         {"M[UNIMOD:4294967331]", "no modification 'UNIMOD:4294967331' at character 3"}, // 2^32 + 35
-        {"M[]", "nothing between the brackets at character 3"},
+        {"M[]", "no modification at character 3"},
         {"M[U:]", "no modification '' at character 3"},
         {"M[+]", "no mass of up to 1e6 Da: '+' at character 3"},
         {"M[+inf]", "no mass of up to 1e6 Da: '+inf' at character 3"},
@@ -75,7 +75,7 @@ TEST(ProForma, ProblemsAreNamedWithTheirPlace)
         {"M[+1e3]", "no mass of up to 1e6 Da: '+1e3' at character 3"},
         {"M[-1.2.3]", "no mass of up to 1e6 Da: '-1.2.3' at character 3"},
         {"M[+1000001]", "no mass of up to 1e6 Da: '+1000001' at character 3"},
-        {"M[-0.0000001]", "a modification without mass, '-0.0000001', at character 3"},
+        {"M[-0.0000001]", "no mass at all: '-0.0000001' at character 3"},
         {"AcK", "no residue 'c' (residues are capitals) at character 2"},
         {"A K", "unexpected U+0020 at character 2"},
         {"AK*", "unexpected '*' at character 3"},

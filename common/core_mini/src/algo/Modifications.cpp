@@ -137,7 +137,56 @@ QHash<QString, int> accessionsByName()
     return accessions;
 }
 
-constexpr double DECIMALS = 1e6; // a mass-only modification has six of them
+constexpr double DECIMALS = 1e6;       // a mass-only modification has six of them
+constexpr double MAXIMUM_MASS = 1e6;   // Da
+constexpr qsizetype SHOWN_LENGTH = 40; // of a text in a message
+
+// Beginnings of what ProForma has from elsewhere.
+constexpr struct
+{
+    const char *prefix;
+    const char *what;
+} OTHER_DICTIONARIES[] = {
+    {"Obs:", "observed masses"}, {"Glycan:", "glycans"}, {"GNO:", "glycans"},         {"G:", "glycans"},
+    {"Formula:", "formulas"},    {"INFO:", "remarks"},   {"MOD:", "PSI-MOD"},         {"M:", "PSI-MOD"},
+    {"RESID:", "RESID"},         {"R:", "RESID"},        {"XLMOD:", "cross-linkers"}, {"X:", "cross-linkers"}};
+
+QString shown(const QString &text)
+{
+    const QLatin1String dots(text.size() > SHOWN_LENGTH ? "..." : "");
+    return QLatin1Char('\'') + text.left(SHOWN_LENGTH) + dots + QLatin1Char('\'');
+}
+
+bool isDigit(QChar character)
+{
+    return character >= u'0' && character <= u'9';
+}
+
+Error unknown(const QString &text)
+{
+    return {InvalidInput, QStringLiteral("no modification %1").arg(shown(text))};
+}
+
+// `text` begins with the sign.
+Result<Modification> massFromText(const QString &text)
+{
+    bool isNumber = std::all_of(text.begin() + 1, text.end(), [](QChar c) { return isDigit(c) || c == u'.'; });
+    const double mass = isNumber ? text.toDouble(&isNumber) : 0.0;
+    if (!isNumber || std::abs(mass) > MAXIMUM_MASS)
+        return Error(InvalidInput, QStringLiteral("no mass of up to 1e6 Da: %1").arg(shown(text)));
+    const Modification modification = ofMass(mass);
+    if (modification.mass == 0.0)
+        return Error(InvalidInput, QStringLiteral("no mass at all: %1").arg(shown(text)));
+    return modification;
+}
+
+Result<Modification> accessionFromText(const QString &text, qsizetype prefixLength)
+{
+    const QString digits = text.mid(prefixLength);
+    const bool isNumber = std::all_of(digits.begin(), digits.end(), isDigit);
+    const Entry *entry = isNumber ? findByAccession(digits.toInt()) : nullptr;
+    return entry ? Result<Modification>(entry->modification) : Result<Modification>(unknown(text));
+}
 
 } // namespace
 
@@ -155,10 +204,10 @@ const Entry *findByName(const QString &name)
 
 const Entry *findByAccession(int unimodAccession)
 {
-    const auto found = std::lower_bound(all().begin(), all().end(), unimodAccession,
-                                        [](const Entry &entry, int accession) {
-                                            return entry.modification.unimodAccession < accession;
-                                        });
+    const auto found =
+        std::lower_bound(all().begin(), all().end(), unimodAccession, [](const Entry &entry, int accession) {
+            return entry.modification.unimodAccession < accession;
+        });
     return found != all().end() && found->modification.unimodAccession == unimodAccession ? &*found : nullptr;
 }
 
@@ -173,6 +222,27 @@ Modification ofMass(double mass)
         name.chop(1);
     modification.name = modification.mass < 0.0 ? name : QLatin1Char('+') + name;
     return modification;
+}
+
+Result<Modification> fromText(const QString &text)
+{
+    const QLatin1String accessionPrefix("UNIMOD:");
+    const QLatin1String namePrefix("U:");
+    if (text.isEmpty())
+        return Error(InvalidInput, QStringLiteral("no modification"));
+    if (text.startsWith(accessionPrefix, Qt::CaseInsensitive))
+        return accessionFromText(text, accessionPrefix.size());
+    for (const auto &other : OTHER_DICTIONARIES) {
+        if (text.startsWith(QLatin1String(other.prefix), Qt::CaseInsensitive))
+            return Error(
+                InvalidInput,
+                QStringLiteral("unsupported: %1 ('%2')").arg(QLatin1String(other.what), QLatin1String(other.prefix)));
+    }
+    const QString name = text.startsWith(namePrefix, Qt::CaseInsensitive) ? text.mid(namePrefix.size()) : text;
+    if (name.startsWith(u'+') || name.startsWith(u'-'))
+        return massFromText(name);
+    const Entry *entry = findByName(name);
+    return entry ? Result<Modification>(entry->modification) : Result<Modification>(unknown(name));
 }
 
 QList<NeutralLoss> neutralLosses(const Modification &modification, QChar residue)

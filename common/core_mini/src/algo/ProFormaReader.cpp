@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ProFormaReader.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace zav {
 
 namespace {
 
-constexpr double MAXIMUM_MASS = 1e6;   // Da
 constexpr qsizetype SHOWN_LENGTH = 40; // of a text in a message
 
 bool isResidue(QChar character)
@@ -60,22 +58,6 @@ constexpr Unsupported WITHIN_BRACKETS[] = {
     {"[", "brackets within brackets ('[')"},
 };
 
-// Beginnings of what stands in the brackets.
-constexpr Unsupported DICTIONARIES[] = {
-    {"Obs:", "observed masses ('Obs:')"},
-    {"Glycan:", "glycans ('Glycan:')"},
-    {"GNO:", "glycans ('GNO:')"},
-    {"G:", "glycans ('G:')"},
-    {"Formula:", "formulas ('Formula:')"},
-    {"INFO:", "remarks ('INFO:')"},
-    {"MOD:", "PSI-MOD ('MOD:')"},
-    {"M:", "PSI-MOD ('M:')"},
-    {"RESID:", "RESID ('RESID:')"},
-    {"R:", "RESID ('R:')"},
-    {"XLMOD:", "cross-linkers ('XLMOD:')"},
-    {"X:", "cross-linkers ('X:')"},
-};
-
 } // namespace
 
 Result<Peptidoform> ProFormaReader::read()
@@ -99,9 +81,8 @@ Error ProFormaReader::checkLength()
     if (m_text.isEmpty())
         return {InvalidInput, QStringLiteral("no residue at all")};
     if (m_text.size() > Peptidoform::MAXIMUM_TEXT_LENGTH)
-        return {InvalidInput, QStringLiteral("%1 characters, more than %2")
-                                  .arg(m_text.size())
-                                  .arg(Peptidoform::MAXIMUM_TEXT_LENGTH)};
+        return {InvalidInput,
+                QStringLiteral("%1 characters, more than %2").arg(m_text.size()).arg(Peptidoform::MAXIMUM_TEXT_LENGTH)};
     return {};
 }
 
@@ -222,55 +203,10 @@ Error ProFormaReader::readBrackets(Modification *modification)
             return notSupported(unsupported.what, begin + place);
     }
     m_at = end + 1;
-    return readTag(tag, begin, modification);
-}
-
-Error ProFormaReader::readTag(QStringView tag, qsizetype begin, Modification *modification)
-{
-    const QLatin1String accessionPrefix("UNIMOD:");
-    const QLatin1String namePrefix("U:");
-    if (tag.isEmpty())
-        return problem(QStringLiteral("nothing between the brackets"), begin);
-    if (tag.startsWith(accessionPrefix, Qt::CaseInsensitive))
-        return readAccession(tag, accessionPrefix.size(), begin, modification);
-    for (const Unsupported &dictionary : DICTIONARIES) {
-        if (tag.startsWith(QLatin1String(dictionary.text), Qt::CaseInsensitive))
-            return notSupported(dictionary.what, begin);
-    }
-    const QStringView name = tag.startsWith(namePrefix, Qt::CaseInsensitive) ? tag.mid(namePrefix.size()) : tag;
-    if (name.startsWith(u'+') || name.startsWith(u'-'))
-        return readMass(name, begin, modification);
-    const modifications::Entry *entry = modifications::findByName(name.toString());
-    if (!entry)
-        return problem(QStringLiteral("no modification %1").arg(shown(name)), begin);
-    *modification = entry->modification;
-    return {};
-}
-
-Error ProFormaReader::readMass(QStringView tag, qsizetype begin, Modification *modification)
-{
-    const QStringView digits = tag.mid(1);
-    bool isNumber = std::all_of(digits.begin(), digits.end(),
-                                [](QChar digit) { return digit == u'.' || (digit >= u'0' && digit <= u'9'); });
-    const double mass = isNumber ? digits.toDouble(&isNumber) : 0.0;
-    if (!isNumber || mass > MAXIMUM_MASS)
-        return problem(QStringLiteral("no mass of up to 1e6 Da: %1").arg(shown(tag)), begin);
-    *modification = modifications::ofMass(tag[0] == u'-' ? -mass : mass);
-    if (modification->mass == 0.0)
-        return problem(QStringLiteral("a modification without mass, %1,").arg(shown(tag)), begin);
-    return {};
-}
-
-Error ProFormaReader::readAccession(QStringView tag, qsizetype prefixLength, qsizetype begin,
-                                    Modification *modification)
-{
-    const QStringView digits = tag.mid(prefixLength);
-    const bool isNumber =
-        std::all_of(digits.begin(), digits.end(), [](QChar digit) { return digit >= u'0' && digit <= u'9'; });
-    const modifications::Entry *entry = isNumber ? modifications::findByAccession(digits.toInt()) : nullptr;
-    if (!entry)
-        return problem(QStringLiteral("no modification %1").arg(shown(tag)), begin);
-    *modification = entry->modification;
+    const Result<Modification> read = modifications::fromText(tag.toString());
+    if (read.hasError())
+        return problem(read.error().message(), begin);
+    *modification = read.value();
     return {};
 }
 

@@ -49,11 +49,6 @@ private:
     Error placeFixed(const FixedModification &fixed, const FixedSite &site);
     Error readBrackets(Modification *modification);
 
-    // `begin` is the index of the tag, which stands between the brackets.
-    static Error readTag(QStringView tag, qsizetype begin, Modification *modification);
-    static Error readMass(QStringView tag, qsizetype begin, Modification *modification);
-    static Error readAccession(QStringView tag, qsizetype prefixLength, qsizetype begin, Modification *modification);
-
     bool isAt(QChar character) const { return m_at < m_text.size() && m_text[m_at] == character; }
     QString secondModification(int position) const;
     Error unexpected(qsizetype index) const;
