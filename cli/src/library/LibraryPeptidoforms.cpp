@@ -28,18 +28,22 @@ QString PeptidoformCounts::text() const
         .arg(grouped(peptides), grouped(peptidoforms), grouped(precursors));
 }
 
-QList<Peptidoform> LibraryPeptidoforms::of(const LibraryPeptide &peptide) const
+QList<LibraryPeptidoform> LibraryPeptidoforms::of(const LibraryPeptide &peptide) const
 {
-    QList<Peptidoform> all;
-    if (peptide.isPlain)
-        all = m_maker.make(peptide.sequence, peptide.ends);
+    QList<LibraryPeptidoform> all;
+    if (peptide.isPlain) {
+        for (const Peptidoform &peptidoform : m_maker.make(peptide.sequence, peptide.ends))
+            all.append({peptidoform, !all.isEmpty()});
+    }
     for (const QByteArray &text : peptide.named) {
         const Result<Peptidoform> named = Peptidoform::fromProForma(QString::fromLatin1(text));
         if (named.hasError())
             continue; // the list's reader lets none through
         const Peptidoform whole = m_maker.withFixed(named.value());
-        if (!all.contains(whole))
-            all.append(whole);
+        const bool isThere = std::any_of(all.cbegin(), all.cend(),
+                                         [&](const LibraryPeptidoform &other) { return other.peptidoform == whole; });
+        if (!isThere)
+            all.append({whole, whole != m_maker.withFixed(Peptidoform(whole.sequence()))});
     }
     return all;
 }
@@ -89,9 +93,9 @@ QList<double> LibraryPeptidoforms::addedMasses(const LibraryPeptide &peptide) co
     if (peptide.named.isEmpty())
         return m_maker.addedMasses(peptide.sequence, peptide.ends);
     QList<double> masses;
-    for (const Peptidoform &peptidoform : of(peptide)) {
+    for (const LibraryPeptidoform &one : of(peptide)) {
         double mass = 0.0;
-        for (const PlacedModification &placed : peptidoform.modifications())
+        for (const PlacedModification &placed : one.peptidoform.modifications())
             mass += placed.modification.mass;
         masses.append(mass);
     }

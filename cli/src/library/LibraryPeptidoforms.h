@@ -25,6 +25,13 @@ struct PeptidoformCounts
     QString text() const;
 };
 
+/// A peptidoform of a library.
+struct LibraryPeptidoform
+{
+    Peptidoform peptidoform;
+    bool isVariant = false; ///< has other than the fixed modifications
+};
+
 /// The peptidoforms of a library's peptides: those that the rules make, in their order, then those that the list names
 /// and the rules did not make, in the order of their ProForma. One object may serve several threads.
 class LibraryPeptidoforms
@@ -32,7 +39,7 @@ class LibraryPeptidoforms
 public:
     explicit LibraryPeptidoforms(const LibraryOptions &options) : m_options(options), m_maker(options.modifications) {}
 
-    QList<Peptidoform> of(const LibraryPeptide &peptide) const;
+    QList<LibraryPeptidoform> of(const LibraryPeptide &peptide) const;
 
     /// Counts those of the peptides [first, end). `Failure` for a temporary file that cannot be read, and "interrupted"
     /// when `isInterrupted` says so.

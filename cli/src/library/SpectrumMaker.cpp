@@ -21,9 +21,9 @@ constexpr double SAME_MASS = 1e-3; // Da
 struct SpectrumMaker::Work
 {
     MadeSpectra made;
-    QList<Peptidoform> peptidoforms; ///< peptide by peptide
-    QList<qsizetype> peptides;       ///< of each peptidoform, its peptide in the block
-    std::vector<WrittenEntry> slots; ///< peptidoform by peptidoform, each with all charges
+    QList<LibraryPeptidoform> peptidoforms; ///< peptide by peptide
+    QList<qsizetype> peptides;              ///< of each peptidoform, its peptide in the block
+    std::vector<WrittenEntry> slots;        ///< peptidoform by peptidoform, each with all charges
 };
 
 PrecursorCounts &PrecursorCounts::operator+=(const PrecursorCounts &other)
@@ -50,10 +50,10 @@ MadeSpectra SpectrumMaker::make(PeptideBlock peptides)
     Work work;
     work.made.peptides = std::move(peptides);
     for (qsizetype i = 0; i < work.made.peptides.size(); ++i) {
-        for (const Peptidoform &peptidoform : m_peptidoforms.of(work.made.peptides[i])) {
-            if (work.made.error = checkModifications(peptidoform); work.made.error.hasError())
+        for (const LibraryPeptidoform &one : m_peptidoforms.of(work.made.peptides[i])) {
+            if (work.made.error = checkModifications(one.peptidoform); work.made.error.hasError())
                 return std::move(work.made);
-            work.peptidoforms.append(peptidoform);
+            work.peptidoforms.append(one);
             work.peptides.append(i);
         }
     }
@@ -78,7 +78,7 @@ void SpectrumMaker::makeCharge(Work *work, int charge)
     QList<double> precursorMz;
     QList<qsizetype> indices; // of the sequences among the peptidoforms
     for (qsizetype i = 0; i < work->peptidoforms.size(); ++i) {
-        const QString &sequence = work->peptidoforms[i].sequence();
+        const QString &sequence = work->peptidoforms[i].peptidoform.sequence();
         const double mz = peptideMasses::precursorMz(sequence, charge, m_options.cysteineMass);
         if (!isServed({block[work->peptides[i]], charge, maximumLength}, mz, &work->made))
             continue;

@@ -18,11 +18,12 @@ LibraryOptions optionsWith(const QStringList &variable, int maxVariable = 1)
     return options;
 }
 
+/// In ProForma, with a `!` behind variants.
 std::string shown(const LibraryOptions &options, const LibraryPeptide &peptide)
 {
     QStringList texts;
-    for (const Peptidoform &peptidoform : LibraryPeptidoforms(options).of(peptide))
-        texts.append(peptidoform.toProForma());
+    for (const LibraryPeptidoform &one : LibraryPeptidoforms(options).of(peptide))
+        texts.append(one.peptidoform.toProForma() + QLatin1String(one.isVariant ? "!" : ""));
     return texts.join(QLatin1Char(' ')).toStdString();
 }
 
@@ -30,13 +31,13 @@ TEST(LibraryPeptidoforms, ThoseOfTheRulesComeBeforeThoseOfTheList)
 {
     const LibraryOptions options = optionsWith({"Oxidation@M"});
     LibraryPeptide peptide{"MCK", {}, false};
-    EXPECT_EQ(shown(options, peptide), "MC[Carbamidomethyl]K M[Oxidation]C[Carbamidomethyl]K");
+    EXPECT_EQ(shown(options, peptide), "MC[Carbamidomethyl]K M[Oxidation]C[Carbamidomethyl]K!");
     peptide.named = {"MCK[Methyl]", "MC[Carbamidomethyl]K", "M[Oxidation]CK", "M[Phospho]CK"};
-    EXPECT_EQ(shown(options, peptide), "MC[Carbamidomethyl]K M[Oxidation]C[Carbamidomethyl]K "
-                                       "MC[Carbamidomethyl]K[Methyl] M[Phospho]C[Carbamidomethyl]K");
+    EXPECT_EQ(shown(options, peptide), "MC[Carbamidomethyl]K M[Oxidation]C[Carbamidomethyl]K! "
+                                       "MC[Carbamidomethyl]K[Methyl]! M[Phospho]C[Carbamidomethyl]K!");
     peptide.isPlain = false;
-    EXPECT_EQ(shown(options, peptide), "MC[Carbamidomethyl]K[Methyl] MC[Carbamidomethyl]K "
-                                       "M[Oxidation]C[Carbamidomethyl]K M[Phospho]C[Carbamidomethyl]K");
+    EXPECT_EQ(shown(options, peptide), "MC[Carbamidomethyl]K[Methyl]! MC[Carbamidomethyl]K "
+                                       "M[Oxidation]C[Carbamidomethyl]K! M[Phospho]C[Carbamidomethyl]K!");
 }
 
 TEST(LibraryPeptidoforms, CountsWhatTheLibraryWillHold)
@@ -60,10 +61,10 @@ TEST(LibraryPeptidoforms, CountsWhatTheLibraryWillHold)
     PeptidoformCounts expected;
     for (const LibraryPeptide &peptide : block) {
         ++expected.peptides;
-        for (const Peptidoform &peptidoform : peptidoforms.of(peptide)) {
+        for (const LibraryPeptidoform &one : peptidoforms.of(peptide)) {
             ++expected.peptidoforms;
             for (const int charge : {2, 3}) {
-                const double mz = peptidoform.monoisotopicMass() / charge + 1.00727646677;
+                const double mz = one.peptidoform.monoisotopicMass() / charge + 1.00727646677;
                 expected.precursors += mz >= 300 && mz <= 1800;
             }
         }
