@@ -24,6 +24,12 @@ The kind of library follows from the ending of -o: .msp, .tsv (OpenSWATH and DIA
 Intensities are relative to the base peak of what the filters leave. The networks give no peaks over 2000 m/z or under
 0.025 of their base peak; .tsv holds neither a ions nor isotopes. Precursors without a peak are left out.
 
+--fixed and --variable take NAME@SITES. NAME is Unimod's (Oxidation), UNIMOD:35 or a mass (+15.9949). SITES are parted
+by commas: residues (STY), N-term, C-term, protein-N-term, protein-C-term, or N-term:Q for that residue at a terminus.
+A variable modification takes the place of a fixed one. Of each peptide come first the peptidoform without variable
+modifications, then those with one, and so on up to --max-variable. FILE of --peptides may hold modifications in
+ProForma (M[Oxidation]PEPTIDEK): such a peptide gets the fixed modifications where it has none and no variable ones.
+
 Peptides with a residue that is none of the 20 standard ones, or too long for the network of a charge (27, 43, 50, 52,
 50 residues for 1 to 5), are left out, counted, and listed in the FILE of --skipped.
 
@@ -37,6 +43,7 @@ Exit code: 0 the library is complete, 1 it is not (standard error says why, and 
 Examples:
   zav library human.fasta.gz -o human.tsv
   zav library human.fasta -o human.dlib --enzyme lys-c --charges 2-4 --decoys shuffled --top 20
+  zav library human.fasta -o human.tsv --variable Oxidation@M --variable Acetyl@protein-N-term --max-variable 2
   zav library --peptides peptides.txt -o some.msp --skipped left_out.tsv
   zav library human.fasta --shard 2/4 -o human.{shard}.tsv --resume
   zav library merge human.*-of-4.tsv -o human.tsv
@@ -74,6 +81,7 @@ public:
 
 private:
     void addDigestionTo(CLI::App *command);
+    void addModificationsTo(CLI::App *command);
     void addPrecursorsTo(CLI::App *command);
     void addPeaksTo(CLI::App *command);
     void addOutputTo(CLI::App *command);
@@ -82,6 +90,7 @@ private:
     Result<CommandLine> libraryOptions() const;
     Result<CommandLine> mergeOptions() const;
     Error convertInput(LibraryOptions *options) const;
+    Error convertModifications(LibraryOptions *options) const;
     Error convertDecoys(LibraryOptions *options) const;
     Error convertOutput(LibraryOptions *options) const;
     Error convertShard(LibraryOptions *options) const;
@@ -91,11 +100,48 @@ private:
     LibraryOptions m_given; ///< the numbers and flags; texts are below until they are converted
     std::string m_proteins, m_peptides, m_models, m_output, m_format, m_skipped, m_shard;
     std::string m_enzyme, m_cleavagePattern, m_charges, m_decoys;
+    CLI::Option *m_cysteine = nullptr;
+    std::vector<std::string> m_fixed, m_variable;
     bool m_noLosses = false;
     std::vector<std::string> m_mergedShards;
     std::string m_mergedOutput;
     bool m_mergeVerbose = false;
 };
+
+Result<QList<ModificationRule>> parseRules(const char *option, const std::vector<std::string> &texts)
+{
+    QList<ModificationRule> rules;
+    for (const std::string &given : texts) {
+        const Result<ModificationRule> rule = ModificationRule::parse(text(given));
+        if (rule.hasError())
+            return wrongArgument(QStringLiteral("%1 '%2': %3")
+                                     .arg(QLatin1String(option), displayText(text(given)), rule.error().message()));
+        rules.append(rule.value());
+    }
+    return rules;
+}
+
+/// The rule that adds such a mass to every cysteine; none for a mass next to 0.
+QList<ModificationRule> cysteineRule(double mass)
+{
+    if (!isCysteineModified(mass))
+        return {};
+    const CysteineModification *known = knownCysteineModification(mass);
+    const modifications::Entry *entry = known ? modifications::findByAccession(known->unimod) : nullptr;
+    return {{entry ? entry->modification : modifications::ofMass(mass), {{ModificationSite::Residue, 'C'}}}};
+}
+
+/// What the rules add to every cysteine, Da.
+double cysteineMassOf(const QList<ModificationRule> &fixed)
+{
+    for (const ModificationRule &rule : fixed) {
+        if (!rule.servesResidue('C'))
+            continue;
+        const bool isUsual = rule.modification == PeptidoformRules::usualFixed().first().modification;
+        return isUsual ? peptideMasses::DEFAULT_CYSTEINE_MODIFICATION : rule.modification.mass;
+    }
+    return 0.0;
+}
 
 } // namespace
 
@@ -106,6 +152,7 @@ void LibraryArguments::addTo(CLI::App *command)
         ->type_name("FILE");
     addOutputTo(command);
     addDigestionTo(command);
+    addModificationsTo(command);
     addPrecursorsTo(command);
     addPeaksTo(command);
     addMergeTo(command);
@@ -165,6 +212,29 @@ void LibraryArguments::addDigestionTo(CLI::App *command)
         ->type_name("N");
 }
 
+void LibraryArguments::addModificationsTo(CLI::App *command)
+{
+    command
+        ->add_option(
+            "--fixed", m_fixed,
+            withDefault("modification at every one of its sites, or none; may be repeated", "Carbamidomethyl@C"))
+        ->type_name("NAME@SITES")
+        ->allow_extra_args(false);
+    command
+        ->add_option("--variable", m_variable,
+                     "modification at some of its sites, such as Oxidation@M; may be repeated")
+        ->type_name("NAME@SITES")
+        ->allow_extra_args(false);
+    command
+        ->add_option("--max-variable", m_given.modifications.maxVariable,
+                     withDefault("most variable modifications of a peptide", m_given.modifications.maxVariable))
+        ->type_name("N");
+    m_cysteine = command
+                     ->add_option("--cysteine", m_given.cysteineMass,
+                                  "instead of --fixed: this mass at every cysteine, in Da; 0: none")
+                     ->type_name("MASS");
+}
+
 void LibraryArguments::addPrecursorsTo(CLI::App *command)
 {
     command->add_option("--charges", m_charges, "precursor charges, 1 to 5, such as 2,3 or 1-4 [2,3]")
@@ -177,10 +247,6 @@ void LibraryArguments::addPrecursorsTo(CLI::App *command)
         ->add_option("--max-precursor-mz", m_given.highestPrecursorMz,
                      withDefault("highest precursor m/z", m_given.highestPrecursorMz))
         ->type_name("MZ");
-    command
-        ->add_option("--cysteine", m_given.cysteineMass,
-                     withDefault("added to every cysteine, in Da", m_given.cysteineMass))
-        ->type_name("MASS");
 }
 
 void LibraryArguments::addPeaksTo(CLI::App *command)
@@ -221,8 +287,9 @@ Result<CommandLine> LibraryArguments::libraryOptions() const
     LibraryOptions options = m_given;
     options.modelFolder = text(m_models);
     options.peaks.neutralLosses = !m_noLosses;
-    for (const auto step : {&LibraryArguments::convertInput, &LibraryArguments::convertDecoys,
-                            &LibraryArguments::convertShard, &LibraryArguments::convertOutput}) {
+    for (const auto step :
+         {&LibraryArguments::convertInput, &LibraryArguments::convertModifications, &LibraryArguments::convertDecoys,
+          &LibraryArguments::convertShard, &LibraryArguments::convertOutput}) {
         if (Error error = (this->*step)(&options); error.hasError())
             return error;
     }
@@ -247,6 +314,32 @@ Error LibraryArguments::convertInput(LibraryOptions *options) const
         options->charges = charges.value();
     }
     return options->digestion.checkForParameterErrors();
+}
+
+Error LibraryArguments::convertModifications(LibraryOptions *options) const
+{
+    if (m_cysteine->count() > 0 && !m_fixed.empty())
+        return wrongArgument(QStringLiteral("--cysteine and --fixed cannot be used together"));
+    if (!std::isfinite(m_given.cysteineMass))
+        return wrongArgument(QStringLiteral("--cysteine is not a finite mass"));
+    PeptidoformRules &rules = options->modifications;
+    const bool isNone =
+        m_fixed.size() == 1 && text(m_fixed.front()).compare(QLatin1String("none"), Qt::CaseInsensitive) == 0;
+    const Result<QList<ModificationRule>> fixed = isNone ? QList<ModificationRule>() : parseRules("--fixed", m_fixed);
+    if (fixed.hasError())
+        return fixed.error();
+    const Result<QList<ModificationRule>> variable = parseRules("--variable", m_variable);
+    if (variable.hasError())
+        return variable.error();
+    if (m_cysteine->count() > 0) {
+        rules.fixed = cysteineRule(m_given.cysteineMass);
+    } else if (!m_fixed.empty()) {
+        rules.fixed = fixed.value();
+        options->cysteineMass = cysteineMassOf(rules.fixed);
+    }
+    rules.variable = variable.value();
+    Error error = rules.check();
+    return error.hasError() ? wrongArgument(error.message()) : Error();
 }
 
 Error LibraryArguments::convertDecoys(LibraryOptions *options) const
@@ -307,8 +400,6 @@ Error LibraryArguments::checkRanges() const
     if (!std::isfinite(highest) || !isWithin(m_given.lowestPrecursorMz, 0.0, highest))
         return wrongArgument(QStringLiteral(
             "--min-precursor-mz must be at least 0 and at most --max-precursor-mz, which must be finite"));
-    if (!std::isfinite(m_given.cysteineMass))
-        return wrongArgument(QStringLiteral("--cysteine is not a finite mass"));
     if (peaks.top < 0)
         return wrongArgument(QStringLiteral("--top is below 0"));
     if (!isWithin(peaks.minIntensity, 0.0, 1.0))

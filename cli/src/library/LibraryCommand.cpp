@@ -17,8 +17,8 @@ namespace zav {
 
 namespace {
 
-// Peptides that a worker takes at a time. Many, because each length needs whole blocks; bounded, because their entries
-// stay in memory until their turn has come.
+// Peptidoforms that a worker takes at a time, about. Many, because each length needs whole blocks; bounded, because
+// their entries stay in memory until their turn has come.
 constexpr qint64 MOST_AT_ONCE = 8192;
 constexpr qint64 FEWEST_AT_ONCE = 512;
 
@@ -104,8 +104,8 @@ bool LibraryCommand::isMadeAlready() const
 Error LibraryCommand::makeLibrary()
 {
     if (Error error =
-            inTurn(this, {&LibraryCommand::openOutputs, &LibraryCommand::digest, &LibraryCommand::loadNetworks,
-                          &LibraryCommand::predictAll, &LibraryCommand::finishOutputs});
+            inTurn(this, {&LibraryCommand::openOutputs, &LibraryCommand::digest, &LibraryCommand::countPeptidoforms,
+                          &LibraryCommand::loadNetworks, &LibraryCommand::predictAll, &LibraryCommand::finishOutputs});
         error.hasError())
         return error;
     tellTotals();
@@ -144,6 +144,19 @@ Error LibraryCommand::digest()
     return {};
 }
 
+/// Says what is to be made before it takes its time.
+Error LibraryCommand::countPeptidoforms()
+{
+    const Result<PeptidoformCounts> counts = LibraryPeptidoforms(m_options).count(
+        m_digested.peptides.get(), m_options.shard.first(m_manifest.peptideCount),
+        m_options.shard.end(m_manifest.peptideCount), [this] { return isInterrupted(); });
+    if (counts.hasError())
+        return counts.error();
+    m_planned = counts.value();
+    messages().note(m_planned.text());
+    return {};
+}
+
 Error LibraryCommand::loadNetworks()
 {
     keepRuntimeInCallingThreads();
@@ -160,7 +173,7 @@ Error LibraryCommand::predictAll()
 {
     const qint64 first = m_options.shard.first(m_manifest.peptideCount);
     const qint64 end = m_options.shard.end(m_manifest.peptideCount);
-    const qint64 size = pieceSize(end - first);
+    const qint64 size = pieceSize();
     Progress progress = startProgress(end - first, QStringLiteral("peptides"), m_options.outputPath);
     qint64 next = first;
     const auto read = [&]() -> Result<std::optional<PeptideBlock>> {
@@ -222,10 +235,13 @@ bool LibraryCommand::hasManifest() const
 }
 
 /// Every thread gets the same number of pieces, and as few as the limits allow. The library does not depend on it.
-qint64 LibraryCommand::pieceSize(qint64 peptides) const
+qint64 LibraryCommand::pieceSize() const
 {
-    const qint64 rounds = dividedUp(peptides, MOST_AT_ONCE * m_options.threads);
-    return std::max(FEWEST_AT_ONCE, dividedUp(peptides, std::max<qint64>(1, rounds * m_options.threads)));
+    const qint64 rounds = dividedUp(m_planned.peptidoforms, MOST_AT_ONCE * m_options.threads);
+    const qint64 pieces = std::max<qint64>(1, rounds * m_options.threads);
+    const qint64 peptidoformsOfEach = dividedUp(m_planned.peptidoforms, std::max<qint64>(1, m_planned.peptides));
+    return std::max(std::max<qint64>(1, FEWEST_AT_ONCE / std::max<qint64>(1, peptidoformsOfEach)),
+                    dividedUp(m_planned.peptides, pieces));
 }
 
 void LibraryCommand::tellTotals()
@@ -249,6 +265,9 @@ QString LibraryCommand::leftOut() const
         {digested.skipped, m_options.proteins.isEmpty()
                                ? QStringLiteral("peptides with non-standard residues, or of another length")
                                : QStringLiteral("peptides with non-standard residues")},
+        {digested.unreadable, QStringLiteral("peptides with modifications that cannot be read")},
+        {m_planned.cutPeptides,
+         QStringLiteral("peptides' peptidoforms beyond their first %1").arg(PeptidoformMaker::MOST_OF_A_PEPTIDE)},
         {digested.decoysEqualToTarget, QStringLiteral("decoys that equal a target")},
         {digested.decoysTooSimilar, QStringLiteral("decoys too similar to their target")},
         {m_counts.outOfRange, QStringLiteral("precursors outside %1 to %2 m/z")

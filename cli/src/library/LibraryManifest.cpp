@@ -57,6 +57,22 @@ std::string decoyName(DecoyKind kind)
     return "none";
 }
 
+Json ruleTexts(const QList<ModificationRule> &rules)
+{
+    Json texts = Json::array();
+    for (const ModificationRule &rule : rules)
+        texts.push_back(rule.text().toStdString());
+    return texts;
+}
+
+Json modificationSettings(const PeptidoformRules &rules)
+{
+    Json settings = {{"fixed", ruleTexts(rules.fixed)}, {"variable", ruleTexts(rules.variable)}};
+    if (!rules.variable.isEmpty())
+        settings["maximum_variable"] = rules.maxVariable;
+    return settings;
+}
+
 Json peakSettings(const PeakFilterOptions &options)
 {
     return {{"top", options.top},
@@ -141,6 +157,7 @@ Result<QByteArray> librarySettings(const LibraryOptions &options, const ModelFol
         settings["decoy_seed"] = options.decoys.seed;
     settings["charges"] = std::vector<int>(options.charges.begin(), options.charges.end());
     settings["precursor_mz"] = {options.lowestPrecursorMz, options.highestPrecursorMz};
+    settings["modifications"] = modificationSettings(options.modifications);
     settings["cysteine_mass"] = options.cysteineMass;
     settings["peaks"] = peakSettings(options.peaks);
     settings["networks"] = networks.value();

@@ -7,6 +7,7 @@
 #include "LibraryShard.h"
 #include "PeakFilter.h"
 #include "PeptideMasses.h"
+#include "PeptidoformMaker.h"
 
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -29,7 +30,11 @@ struct LibraryOptions
     QList<int> charges = {2, 3};    ///< ascending, each once, 1 to 5
     double lowestPrecursorMz = 300; ///< m/z; the range of common acquisition methods, and so is the next
     double highestPrecursorMz = 1800;
-    double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION; ///< Da
+    PeptidoformRules modifications;
+
+    /// What the fixed modifications add to every cysteine, Da, with the digits that the five networks were given.
+    double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION;
+
     PeakFilterOptions peaks;
 
     int threads = 0; ///< 0: all cores

@@ -5,15 +5,25 @@
 
 #include <zav/MsMsFragmentationPredictomatic.h>
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace zav {
+
+namespace {
+
+constexpr double SAME_MASS = 1e-3; // Da
+
+} // namespace
 
 /// The peptides on their way, with a place for the entry of each of their precursors.
 struct SpectrumMaker::Work
 {
     MadeSpectra made;
-    std::vector<WrittenEntry> slots; ///< peptide by peptide, each with all charges
+    QList<LibraryPeptidoform> peptidoforms; ///< peptide by peptide
+    QList<qsizetype> peptides;              ///< of each peptidoform, its peptide in the block
+    std::vector<WrittenEntry> slots;        ///< peptidoform by peptidoform, each with all charges
 };
 
 PrecursorCounts &PrecursorCounts::operator+=(const PrecursorCounts &other)
@@ -26,8 +36,8 @@ PrecursorCounts &PrecursorCounts::operator+=(const PrecursorCounts &other)
 }
 
 SpectrumMaker::SpectrumMaker(const LibraryOptions &options, const ProteinTable &proteins, const LibraryWriter &writer)
-    : m_options(options), m_proteins(proteins), m_writer(writer), m_predictor(options.cysteineMass),
-      m_filter(options.peaks)
+    : m_options(options), m_peptidoforms(options), m_proteins(proteins), m_writer(writer),
+      m_predictor(options.cysteineMass), m_filter(options.peaks)
 {}
 
 Error SpectrumMaker::load(const ModelFolder &folder)
@@ -39,7 +49,15 @@ MadeSpectra SpectrumMaker::make(PeptideBlock peptides)
 {
     Work work;
     work.made.peptides = std::move(peptides);
-    work.slots.resize(static_cast<size_t>(work.made.peptides.size() * m_options.charges.size()));
+    for (qsizetype i = 0; i < work.made.peptides.size(); ++i) {
+        for (const LibraryPeptidoform &one : m_peptidoforms.of(work.made.peptides[i])) {
+            if (work.made.error = checkModifications(one.peptidoform); work.made.error.hasError())
+                return std::move(work.made);
+            work.peptidoforms.append(one);
+            work.peptides.append(i);
+        }
+    }
+    work.slots.resize(static_cast<size_t>(work.peptidoforms.size() * m_options.charges.size()));
     for (const int charge : m_options.charges) {
         if (!work.made.error.hasError())
             makeCharge(&work, charge);
@@ -54,15 +72,15 @@ MadeSpectra SpectrumMaker::make(PeptideBlock peptides)
 
 void SpectrumMaker::makeCharge(Work *work, int charge)
 {
-    const PeptideBlock &peptides = work->made.peptides;
+    const PeptideBlock &block = work->made.peptides;
     const int maximumLength = MsMsFragmentationPredictomatic().getMaximumPeptideLengthForCharge(charge);
     QStringList sequences;
     QList<double> precursorMz;
-    QList<qsizetype> indices; // of the sequences in the block
-    for (qsizetype i = 0; i < peptides.size(); ++i) {
-        const QString sequence = QString::fromLatin1(peptides[i].sequence);
+    QList<qsizetype> indices; // of the sequences among the peptidoforms
+    for (qsizetype i = 0; i < work->peptidoforms.size(); ++i) {
+        const QString &sequence = work->peptidoforms[i].peptidoform.sequence();
         const double mz = peptideMasses::precursorMz(sequence, charge, m_options.cysteineMass);
-        if (!isServed({peptides[i], charge, maximumLength}, mz, &work->made))
+        if (!isServed({block[work->peptides[i]], charge, maximumLength}, mz, &work->made))
             continue;
         sequences.append(sequence);
         precursorMz.append(mz);
@@ -70,11 +88,27 @@ void SpectrumMaker::makeCharge(Work *work, int charge)
     }
     const qsizetype slotOfCharge = m_options.charges.indexOf(charge);
     work->made.error = m_predictor.predict(sequences, charge, [&](qsizetype i, const QList<FragmentPeak> &peaks) {
-        WrittenEntry entry = encode(peptides[indices[i]], charge, precursorMz[i], peaks);
+        WrittenEntry entry = encode(block[work->peptides[indices[i]]], charge, precursorMz[i], peaks);
         work->made.counts.withoutPeaks += entry.isEmpty();
         entry.text = work->made.arena.keep(entry.text);
         work->slots[static_cast<size_t>(indices[i] * m_options.charges.size() + slotOfCharge)] = std::move(entry);
     });
+}
+
+/// The five networks know one modification, that of cysteine, which is the same for all.
+Error SpectrumMaker::checkModifications(const Peptidoform &peptidoform) const
+{
+    const auto isOfCysteine = [&](const PlacedModification &placed) {
+        return placed.position > 0 && placed.position <= peptidoform.length() &&
+               peptidoform.sequence()[placed.position - 1] == u'C' && isCysteineModified(m_options.cysteineMass) &&
+               std::abs(placed.modification.mass - m_options.cysteineMass) < SAME_MASS;
+    };
+    const qsizetype modified = isCysteineModified(m_options.cysteineMass) ? peptidoform.sequence().count(u'C') : 0;
+    const QList<PlacedModification> &placed = peptidoform.modifications();
+    if (placed.size() == modified && std::all_of(placed.begin(), placed.end(), isOfCysteine))
+        return {};
+    return Error(InvalidInput, QStringLiteral("no network predicts %1: they know one fixed modification of cysteine")
+                                   .arg(peptidoform.toProForma()));
 }
 
 /// Whether a precursor is to be predicted; counts it where not.
@@ -87,7 +121,11 @@ bool SpectrumMaker::isServed(const UnpredictedPrecursor &precursor, double mz, M
     if (precursor.peptide.sequence.size() <= precursor.maximumLength)
         return true;
     ++made->counts.tooLong;
-    made->tooLong.append(precursor);
+    // Its other peptidoforms are as long.
+    const bool isTold = !made->tooLong.isEmpty() && made->tooLong.constLast().charge == precursor.charge &&
+                        made->tooLong.constLast().peptide.sequence == precursor.peptide.sequence;
+    if (!isTold)
+        made->tooLong.append(precursor);
     return false;
 }
 

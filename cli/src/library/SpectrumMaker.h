@@ -2,6 +2,7 @@
 #pragma once
 
 #include "LibraryOptions.h"
+#include "LibraryPeptidoforms.h"
 #include "LibraryPredictor.h"
 #include "LibraryWriter.h"
 #include "PeakFilter.h"
@@ -16,7 +17,7 @@
 
 namespace zav {
 
-/// A precursor whose peptide is longer than its network takes.
+/// The precursors of a peptide at a charge whose network takes no peptide so long.
 struct UnpredictedPrecursor
 {
     LibraryPeptide peptide; ///< of the block that was asked for
@@ -62,10 +63,12 @@ private:
     struct Work;
 
     void makeCharge(Work *work, int charge);
+    Error checkModifications(const Peptidoform &peptidoform) const;
     bool isServed(const UnpredictedPrecursor &precursor, double mz, MadeSpectra *made) const;
     WrittenEntry encode(const LibraryPeptide &peptide, int charge, double mz, const QList<FragmentPeak> &peaks) const;
 
     const LibraryOptions &m_options;
+    LibraryPeptidoforms m_peptidoforms;
     const ProteinTable &m_proteins;
     const LibraryWriter &m_writer;
     LibraryPredictor m_predictor;

@@ -28,7 +28,8 @@ TEST_F(LibraryCommand, HoldsEveryPeptideAtEachChargeInTheOrderOfTheirSequences)
 {
     const ProgramRun made = run({"p.fasta", "-o", "lib.tsv", "--missed-cleavages", "0"});
     EXPECT_EQ(made.standardOutput, "");
-    EXPECT_EQ(made.standardError, "zav: 3 proteins, 5 peptides, 0 decoys; 8 precursors written\n"
+    EXPECT_EQ(made.standardError, "zav: 5 peptides, 5 peptidoforms, 8 precursors\n"
+                                  "zav: 3 proteins, 5 peptides, 0 decoys; 8 precursors written\n"
                                   "zav: left out: 1 peptides with non-standard residues, 2 precursors outside 300 to "
                                   "1800 m/z\n");
     EXPECT_EQ(column("lib.tsv", "TransitionGroupId"),
@@ -126,6 +127,35 @@ TEST_F(LibraryCommand, CysteineMassMovesPrecursorAndFragments)
     EXPECT_NE(modified, plain);
 }
 
+TEST_F(LibraryCommand, FixedModificationOfCysteineIsChosenByNameOrByMass)
+{
+    const QByteArray usual = library("a.tsv", {"p.fasta", "--charges", "2"});
+    EXPECT_EQ(library("b.tsv", {"p.fasta", "--charges", "2", "--fixed", "carbamidomethyl@C"}), usual);
+    EXPECT_EQ(m_files.read("b.tsv.json"), m_files.read("a.tsv.json"));
+    EXPECT_EQ(library("c.tsv", {"p.fasta", "--charges", "2", "--fixed", "none"}),
+              library("d.tsv", {"p.fasta", "--charges", "2", "--cysteine", "0"}));
+    const QByteArray other = library("e.tsv", {"p.fasta", "--charges", "2", "--fixed", "UNIMOD:24@C"});
+    EXPECT_TRUE(other.contains("MAGIC(UniMod:24)PEPTIDEK"));
+}
+
+TEST_F(LibraryCommand, ManifestNamesTheModifications)
+{
+    library("a.tsv", {"p.fasta"});
+    const QByteArray manifest = m_files.read("a.tsv.json").simplified();
+    EXPECT_TRUE(manifest.contains(R"("modifications": { "fixed": [ "Carbamidomethyl@C" ], "variable": [] })"))
+        << manifest.toStdString();
+    EXPECT_NE(run({"p.fasta", "-o", "a.tsv", "--resume"}).standardError.find("is complete"), std::string::npos);
+    EXPECT_EQ(run({"p.fasta", "-o", "a.tsv", "--resume", "--fixed", "none"}).standardError.find("is complete"),
+              std::string::npos);
+}
+
+TEST_F(LibraryCommand, ListMayNameAModifiedPeptide)
+{
+    m_files.write("list.txt", "MAGIC[Carbamidomethyl]PEPTIDEK\nMAGICPEPTIDEK\n");
+    run({"--peptides", "list.txt", "-o", "lib.tsv", "--charges", "2"});
+    EXPECT_EQ(column("lib.tsv", "TransitionGroupId"), QStringList{"MAGIC(UniMod:4)PEPTIDEK_2"});
+}
+
 TEST_F(LibraryCommand, IsTheSameToTheByteWhateverThreadsAndMemory)
 {
     m_files.write("many.fasta", randomProteins(25, 300));
@@ -220,6 +250,11 @@ TEST_F(LibraryCommand, RefusesWhatContradictsTheManual)
         {"p.fasta", "-o", "lib.tsv", "--threads", "-1"},
         {"p.fasta", "-o", "lib.tsv", "--min-precursor-mz", "500", "--max-precursor-mz", "400"},
         {"p.fasta", "-o", "lib.tsv", "--cysteine", "nan"},
+        {"p.fasta", "-o", "lib.tsv", "--cysteine", "0", "--fixed", "none"},
+        {"p.fasta", "-o", "lib.tsv", "--fixed", "none", "--fixed", "Methyl@K"},
+        {"p.fasta", "-o", "lib.tsv", "--variable", "Foo@M"},
+        {"p.fasta", "-o", "lib.tsv", "--variable", "Carbamidomethyl@C"},
+        {"p.fasta", "-o", "lib.tsv", "--max-variable", "11"},
         {"p.fasta", "-o", "lib.tsv", "--top", "-1"},
         {"p.fasta", "-o", "lib.tsv", "--min-intensity", "1.5"},
         {"p.fasta", "-o", "lib.tsv", "--min-ion-number", "0"},
