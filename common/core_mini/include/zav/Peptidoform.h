@@ -18,7 +18,10 @@ struct PlacedModification
     int position = 0; ///< 0: the N-terminus, 1 to n: the residue, n + 1: the C-terminus
     Modification modification;
 
-    friend bool operator==(const PlacedModification &, const PlacedModification &) = default;
+    friend bool operator==(const PlacedModification &left, const PlacedModification &right)
+    {
+        return left.position == right.position && left.modification == right.modification;
+    }
 };
 
 /// A linear peptide with its modifications.
@@ -34,7 +37,7 @@ public:
 
     /// `sequence` in upper-case one-letter codes. The modifications may come in any order and are sorted by position.
     /// Their positions lie within 0 to n + 1, and no two are the same: the caller sees to that, nothing checks it.
-    explicit Peptidoform(const QString &sequence, const QList<PlacedModification> &modifications = {});
+    explicit Peptidoform(QString sequence, QList<PlacedModification> modifications = {});
 
     /// Reads ProForma 2.0 (LeDuc et al., J. Proteome Res. 21, 1189, 2022) as far as linear peptides need it:
     ///
@@ -73,7 +76,11 @@ public:
     double monoisotopicMass() const;
 
     /// Same sequence, and equal modifications at the same positions.
-    friend bool operator==(const Peptidoform &, const Peptidoform &) = default;
+    friend bool operator==(const Peptidoform &left, const Peptidoform &right)
+    {
+        return left.m_sequence == right.m_sequence && left.m_modifications == right.m_modifications;
+    }
+    friend bool operator!=(const Peptidoform &left, const Peptidoform &right) { return !(left == right); }
 
 private:
     QString m_sequence;
