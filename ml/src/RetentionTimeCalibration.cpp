@@ -39,6 +39,14 @@ Error countError(qsizetype pairCount)
                               .arg(pairCount)};
 }
 
+Error headError(qsizetype count, Eigen::Index expected)
+{
+    if (count == 0 || count == expected)
+        return NoError;
+    return {InvalidInput,
+            QStringLiteral("The network has %1 outputs, that of the calibration had %2").arg(count).arg(expected)};
+}
+
 bool isPredicted(const QList<double> &heads)
 {
     return !heads.isEmpty() && std::all_of(heads.cbegin(), heads.cend(), [](double head) { return std::isfinite(head); });
@@ -96,38 +104,32 @@ Result<RetentionTimeCalibration> RetentionTimeCalibration::fit(RetentionTimePred
 Error RetentionTimeCalibration::predict(RetentionTimePredictor *predictor, const QList<Peptidoform> &peptidoforms,
                                         QList<double> *times) const
 {
-    QList<double> indices;
+    ZAV_RETURN_IF_ERROR(ErrorUtils::equal(predictor != nullptr, true, missingPredictorError), __LINE__);
     ZAV_RETURN_IF_ERROR(ErrorUtils::equal(times != nullptr, true, missingOutError), __LINE__);
-    Error outcome = predictIndices(predictor, peptidoforms, &indices);
+    QList<QList<double>> heads;
+    Error outcome = predictor->predictHeads(peptidoforms, &heads);
     if (outcome.hasError())
         return std::move(outcome.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
-    std::transform(indices.begin(), indices.end(), indices.begin(), [this](double index) { return timeAt(index); });
-    *times = std::move(indices);
+    Result<QList<double>> indices = indicesOf(heads);
+    ZAV_RETURN_IF_ERROR(indices, __LINE__);
+    *times = std::move(indices).value();
+    std::transform(times->begin(), times->end(), times->begin(), [this](double index) { return timeAt(index); });
     return outcome;
 }
 
-Error RetentionTimeCalibration::predictIndices(RetentionTimePredictor *predictor,
-                                               const QList<Peptidoform> &peptidoforms, QList<double> *indices) const
+Result<QList<double>> RetentionTimeCalibration::indicesOf(const QList<QList<double>> &heads) const
 {
-    ZAV_RETURN_IF_ERROR(ErrorUtils::equal(predictor != nullptr, true, missingPredictorError), __LINE__);
-    ZAV_RETURN_IF_ERROR(ErrorUtils::equal(indices != nullptr, true, missingOutError), __LINE__);
-    QList<QList<double>> predicted;
-    Error outcome = predictor->predictHeads(peptidoforms, &predicted);
-    if (outcome.hasError())
-        return std::move(outcome.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
+    for (const QList<double> &row : heads)
+        ZAV_RETURN_IF_ERROR(headError(row.size(), d->fit.headCount()), __LINE__);
     QList<qsizetype> rows;
-    const Eigen::MatrixXd heads = matrixOf(predicted, &rows);
-    if (!rows.isEmpty() && heads.cols() != d->fit.headCount())
-        return Error(InvalidInput, QStringLiteral("The network has %1 outputs, that of the calibration had %2")
-                                       .arg(heads.cols())
-                                       .arg(d->fit.headCount()))
-            .ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
-    QList<double> values(peptidoforms.size(), std::numeric_limits<double>::quiet_NaN());
-    const Eigen::VectorXd mixed = rows.isEmpty() ? Eigen::VectorXd() : d->fit.indicesOf(heads);
+    const Eigen::MatrixXd predicted = matrixOf(heads, &rows);
+    QList<double> indices(heads.size(), std::numeric_limits<double>::quiet_NaN());
+    if (rows.isEmpty())
+        return indices;
+    const Eigen::VectorXd mixed = d->fit.indicesOf(predicted);
     for (qsizetype i = 0; i < rows.size(); ++i)
-        values[rows.at(i)] = mixed[i];
-    *indices = std::move(values);
-    return outcome;
+        indices[rows.at(i)] = mixed[i];
+    return indices;
 }
 
 double RetentionTimeCalibration::timeAt(double index) const

@@ -67,12 +67,14 @@ TEST_F(RetentionTimeCalibrating, PredictsTheTimesOfTheRun)
     ASSERT_FALSE(predictor.predict(others, &irts).hasError());
     QList<double> times;
     ASSERT_FALSE(calibration.value().predict(&predictor, others, &times).hasError());
-    QList<double> indices;
-    ASSERT_FALSE(calibration.value().predictIndices(&predictor, others, &indices).hasError());
+    QList<QList<double>> heads;
+    ASSERT_FALSE(predictor.predictHeads(others, &heads).hasError());
+    const auto indices = calibration.value().indicesOf(heads);
+    ASSERT_FALSE(indices.hasError());
     ASSERT_EQ(times.size(), 300);
     for (qsizetype i = 0; i < times.size(); ++i) {
         EXPECT_NEAR(times.at(i), 5.0 + 0.1 * irts.at(i), MILLIMINUTE);
-        EXPECT_EQ(times.at(i), calibration.value().timeAt(indices.at(i)));
+        EXPECT_EQ(times.at(i), calibration.value().timeAt(indices.value().at(i)));
     }
     EXPECT_EQ(calibration.value().pairCount(), 40);
     EXPECT_EQ(calibration.value().outlierCount(), 0);
@@ -142,7 +144,6 @@ TEST_F(RetentionTimeCalibrating, RefusesMissingPartners)
     QList<double> times{7.0};
     EXPECT_EQ(calibration.value().predict(nullptr, {}, &times).code(), InvalidInput);
     EXPECT_EQ(calibration.value().predict(&predictor, {}, nullptr).code(), InvalidInput);
-    EXPECT_EQ(calibration.value().predictIndices(&predictor, {}, nullptr).code(), InvalidInput);
     EXPECT_EQ(times, QList<double>{7.0});
 }
 
@@ -156,6 +157,18 @@ TEST_F(RetentionTimeCalibrating, RefusesANetworkOfOtherHeads)
     EXPECT_EQ(error.code(), InvalidInput);
     EXPECT_EQ(error.message(), QStringLiteral("The network has 1 outputs, that of the calibration had 2"));
     EXPECT_EQ(times, QList<double>{7.0});
+}
+
+TEST_F(RetentionTimeCalibrating, HasNoIndexForAnEmptyRow)
+{
+    const auto calibration = RetentionTimeCalibration::fit(&predictor, pairs(12));
+    ASSERT_FALSE(calibration.hasError());
+    const auto indices = calibration.value().indicesOf({{}, {10.0, 20.0}, {}});
+    ASSERT_FALSE(indices.hasError());
+    EXPECT_TRUE(std::isnan(indices.value().at(0)) && std::isnan(indices.value().at(2)));
+    EXPECT_NEAR(calibration.value().timeAt(indices.value().at(1)), 6.0, MILLIMINUTE);
+    EXPECT_TRUE(calibration.value().indicesOf({}).value().isEmpty());
+    EXPECT_EQ(calibration.value().indicesOf({{1.0, 2.0, 3.0}}).error().code(), InvalidInput);
 }
 
 TEST_F(RetentionTimeCalibrating, PassesAFailedPredictionOn)

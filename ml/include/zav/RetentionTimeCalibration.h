@@ -54,9 +54,10 @@ public:
     /// network with another number of outputs.
     Error predict(RetentionTimePredictor *predictor, const QList<Peptidoform> &peptidoforms, QList<double> *times) const;
 
-    /// The index of each peptidoform, the mixture before the curve. Otherwise as `predict`.
-    Error predictIndices(RetentionTimePredictor *predictor, const QList<Peptidoform> &peptidoforms,
-                         QList<double> *indices) const;
+    /// The index of each row that `RetentionTimePredictor::predictHeads` gave, NaN for an empty one: with `timeAt` what
+    /// `predict` does, for those who want the iRT of the same network run too. `InvalidInput`: a row of another number
+    /// of outputs.
+    Result<QList<double>> indicesOf(const QList<QList<double>> &heads) const;
 
     /// The curve: the time of an index.
     double timeAt(double index) const;

@@ -51,10 +51,11 @@ public:
 
     /// The iRT of each peptidoform, in their order.
     ///
-    /// One that cannot be predicted gets NaN and a warning that names it, on the returned (no-error) `Error`. So does
-    /// each modification that the training data did not hold, once by its name and residue, "Modification TMT6plex at K
-    /// is unknown to the network": what is predicted for it from its composition may be far off. A prediction does not
-    /// depend on the other peptidoforms, but for float rounding (0.01).
+    /// One that cannot be predicted gets NaN and a warning that names it, on the returned (no-error) `Error`; these
+    /// warnings come first, in the order of the peptidoforms. Each modification that the training data did not hold
+    /// gets one too, once for a residue: "Modification TMT6plex at K is unknown to the network". What is predicted for
+    /// it from its composition may be far off. A prediction does not depend on the other peptidoforms, but for float
+    /// rounding (0.01).
     ///
     /// `out` is replaced on success only. `Failure`: no network is loaded, or it does not fit its contract.
     /// `InvalidInput`: a null `out`.
