@@ -29,8 +29,7 @@ struct Regressors
     Eigen::VectorXd mean;
     Eigen::MatrixXd deviations;
 
-    explicit Regressors(const Eigen::MatrixXd &heads)
-        : mean(heads.rowwise().mean()), deviations(heads.colwise() - mean)
+    explicit Regressors(const Eigen::MatrixXd &heads) : mean(heads.rowwise().mean()), deviations(heads.colwise() - mean)
     {}
 
     Eigen::VectorXd timesOf(const Coefficients &fitted) const

@@ -15,9 +15,9 @@ namespace {
 constexpr Eigen::Index POINTS_A_PIECE = 16;
 constexpr Eigen::Index MOST_PIECES = 12;
 
-constexpr double LOWEST_SLOPE = 0.01;        // of the overall slope
-constexpr double SMALLEST_DEVIATION = 1e-9;  // that exact points are given, of the range of y
-constexpr double SMOOTHING = 0.5;            // how much a difference of neighbouring slopes counts beside the residuals
+constexpr double LOWEST_SLOPE = 0.01;       // of the overall slope
+constexpr double SMALLEST_DEVIATION = 1e-9; // that exact points are given, of the range of y
+constexpr double SMOOTHING = 0.5;           // how much a difference of neighbouring slopes counts beside the residuals
 
 /// The lengths of the pieces up to x: a row of `columns` times the slopes is the curve over x, less its start.
 Eigen::RowVectorXd lengthsUpTo(double x, double start, const std::vector<double> &knots)

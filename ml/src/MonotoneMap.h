@@ -32,8 +32,8 @@ public:
     Eigen::VectorXd inverseAt(const Eigen::VectorXd &y) const;
 
 private:
-    std::vector<double> m_knots;   ///< between the pieces, ascending
-    double m_start = 0.0;          ///< x at which the curve has the value `m_value`, not after the first knot
+    std::vector<double> m_knots; ///< between the pieces, ascending
+    double m_start = 0.0;        ///< x at which the curve has the value `m_value`, not after the first knot
     double m_value = 0.0;
     Eigen::VectorXd m_slopes = Eigen::VectorXd::Ones(1); ///< of the pieces
 };

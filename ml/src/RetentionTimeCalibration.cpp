@@ -49,7 +49,8 @@ Error headError(qsizetype count, Eigen::Index expected)
 
 bool isPredicted(const QList<double> &heads)
 {
-    return !heads.isEmpty() && std::all_of(heads.cbegin(), heads.cend(), [](double head) { return std::isfinite(head); });
+    return !heads.isEmpty() &&
+           std::all_of(heads.cbegin(), heads.cend(), [](double head) { return std::isfinite(head); });
 }
 
 /// The rows that are predicted, as a matrix; `rows` says which they are.

@@ -14,7 +14,7 @@ namespace zav {
 
 namespace {
 
-constexpr int ROUNDS = 2;      // of mixture and curve
+constexpr int ROUNDS = 2;          // of mixture and curve
 constexpr Eigen::Index FOLDS = 10; // of the cross-validation
 constexpr Eigen::Index MOST_PAIRS_OF_CROSS_VALIDATION = 2000;
 
@@ -184,8 +184,8 @@ Result<RetentionTimeFit> RetentionTimeFit::fit(const Eigen::MatrixXd &heads, con
     fit.m_map = model.map;
     fit.measureWidth(heldOutResiduals(judged, strength));
     const Eigen::VectorXd residuals = pairs.times - model.timesOf(pairs.heads);
-    fit.m_outlierCount = static_cast<int>(
-        (residuals.array().abs() > OUTLIER_LIMIT * robustStatistics::spread(residuals)).count());
+    fit.m_outlierCount =
+        static_cast<int>((residuals.array().abs() > OUTLIER_LIMIT * robustStatistics::spread(residuals)).count());
     return fit;
 }
 

@@ -106,9 +106,8 @@ Error RetentionTimePredictor::Private::keepHeads(const std::vector<float> &value
     const std::size_t headsEach = values.size() / count;
     const std::vector<std::int64_t> expected{static_cast<std::int64_t>(count), static_cast<std::int64_t>(headsEach)};
     ZAV_RETURN_IF_ERROR(ErrorUtils::equal(output.getShape(), expected, misfitError), __LINE__);
-    ZAV_RETURN_IF_ERROR(ErrorUtils::equal(headsEach > 0 && (headCount == 0 || headCount == headsEach), true,
-                                          misfitError),
-                        __LINE__);
+    ZAV_RETURN_IF_ERROR(
+        ErrorUtils::equal(headsEach > 0 && (headCount == 0 || headCount == headsEach), true, misfitError), __LINE__);
     if (headCount == 0) {
         headCount = headsEach;
         heads.assign(peptidoformCount * headCount, std::numeric_limits<float>::quiet_NaN());

@@ -250,40 +250,38 @@ using Times = Eigen::VectorXd *;
 
 INSTANTIATE_TEST_SUITE_P(
     RetentionTimeFit, RefusedPairs,
-    ::testing::Values(RefusedCase{"nine",
-                                  [](Heads heads, Times times) {
-                                      heads->conservativeResize(9, 3);
-                                      times->conservativeResize(9);
-                                  },
-                                  "A calibration needs 10 pairs, not 9"},
-                      RefusedCase{"none",
-                                  [](Heads heads, Times times) {
-                                      heads->resize(0, 3);
-                                      times->resize(0);
-                                  },
-                                  "A calibration needs 10 pairs, not 0"},
-                      RefusedCase{"notANumber", [](Heads, Times times) { (*times)[3] = std::nan(""); },
-                                  "A time is not finite"},
-                      RefusedCase{"infinite", [](Heads, Times times) { (*times)[3] = -INFINITY; },
-                                  "A time is not finite"},
-                      RefusedCase{"equalTimes", [](Heads, Times times) { times->setConstant(4.0); },
-                                  "All times are equal"},
-                      RefusedCase{"tooFarApart",
-                                  [](Heads, Times times) {
-                                      times->head(10).setConstant(1.7e308);
-                                      times->tail(10).setConstant(-1.7e308);
-                                  },
-                                  "The times are too far apart"},
-                      RefusedCase{"falling", [](Heads, Times times) { *times = -*times; },
-                                  "The times do not rise with the predicted ones"},
-                      RefusedCase{"equalHeads", [](Heads heads, Times) { heads->setConstant(4.0); },
-                                  "The times do not rise with the predicted ones"},
-                      RefusedCase{"allTimesEqualButOne",
-                                  [](Heads, Times times) {
-                                      times->setConstant(4.0);
-                                      (*times)[0] = 5.0;
-                                  },
-                                  "The times do not rise with the predicted ones"}),
+    ::testing::Values(
+        RefusedCase{"nine",
+                    [](Heads heads, Times times) {
+                        heads->conservativeResize(9, 3);
+                        times->conservativeResize(9);
+                    },
+                    "A calibration needs 10 pairs, not 9"},
+        RefusedCase{"none",
+                    [](Heads heads, Times times) {
+                        heads->resize(0, 3);
+                        times->resize(0);
+                    },
+                    "A calibration needs 10 pairs, not 0"},
+        RefusedCase{"notANumber", [](Heads, Times times) { (*times)[3] = std::nan(""); }, "A time is not finite"},
+        RefusedCase{"infinite", [](Heads, Times times) { (*times)[3] = -INFINITY; }, "A time is not finite"},
+        RefusedCase{"equalTimes", [](Heads, Times times) { times->setConstant(4.0); }, "All times are equal"},
+        RefusedCase{"tooFarApart",
+                    [](Heads, Times times) {
+                        times->head(10).setConstant(1.7e308);
+                        times->tail(10).setConstant(-1.7e308);
+                    },
+                    "The times are too far apart"},
+        RefusedCase{"falling", [](Heads, Times times) { *times = -*times; },
+                    "The times do not rise with the predicted ones"},
+        RefusedCase{"equalHeads", [](Heads heads, Times) { heads->setConstant(4.0); },
+                    "The times do not rise with the predicted ones"},
+        RefusedCase{"allTimesEqualButOne",
+                    [](Heads, Times times) {
+                        times->setConstant(4.0);
+                        (*times)[0] = 5.0;
+                    },
+                    "The times do not rise with the predicted ones"}),
     [](const auto &instance) { return std::string(instance.param.name); });
 
 } // namespace

@@ -182,8 +182,8 @@ TEST_F(RetentionTimePrediction, HasNoNetworkAfterAFailedInit)
 
 TEST_F(RetentionTimePrediction, RefusesAnInputOfAnotherShape)
 {
-    const std::vector<std::optional<GraphDefBuilder::Shape>> shapes{
-        {{-1, 26, 13}}, {{-1, 676}}, {{1, 52, 13}}, {{-1, 52, 21}}, {{-1, -1, 13}}, std::nullopt};
+    const std::vector<std::optional<GraphDefBuilder::Shape>> shapes{{{-1, 26, 13}}, {{-1, 676}},    {{1, 52, 13}},
+                                                                    {{-1, 52, 21}}, {{-1, -1, 13}}, std::nullopt};
     load(Network::linear({RESIDUES})); // whose shape must not be taken for that of the next
     for (const auto &shape : shapes) {
         GraphDefBuilder graph;

@@ -34,10 +34,10 @@ struct Anchor
 };
 
 // Escher et al., Proteomics 12, 1111 (2012).
-constexpr Anchor ANCHORS[] = {{"LGGNEQVTR", -24.92},     {"GAGSSEPVTGLDAK", 0.0}, {"VEATFGVDESNAK", 12.39},
-                              {"YILAGVENSK", 19.79},     {"TPVISGGPYEYR", 28.71}, {"TPVITGAPYEYR", 33.38},
-                              {"DGLDAASYYAPVR", 42.26},  {"ADVTPADFSEWSK", 54.62}, {"GTFIIDPGGVIR", 70.52},
-                              {"GTFIIDPAAVIR", 87.23},   {"LFLQFGAQGSPFLK", 100.0}};
+constexpr Anchor ANCHORS[] = {{"LGGNEQVTR", -24.92},    {"GAGSSEPVTGLDAK", 0.0},  {"VEATFGVDESNAK", 12.39},
+                              {"YILAGVENSK", 19.79},    {"TPVISGGPYEYR", 28.71},  {"TPVITGAPYEYR", 33.38},
+                              {"DGLDAASYYAPVR", 42.26}, {"ADVTPADFSEWSK", 54.62}, {"GTFIIDPGGVIR", 70.52},
+                              {"GTFIIDPAAVIR", 87.23},  {"LFLQFGAQGSPFLK", 100.0}};
 
 class ShippedRetentionTimes : public ::testing::Test
 {
@@ -141,8 +141,7 @@ QString withUnimodName(const QString &place)
 {
     const QString name = place.section(QLatin1Char('@'), 0, 0);
     const modifications::Entry *entry = modifications::findByName(name);
-    return (entry == nullptr ? name : entry->modification.name) + QLatin1Char('@') +
-           place.section(QLatin1Char('@'), 1);
+    return (entry == nullptr ? name : entry->modification.name) + QLatin1Char('@') + place.section(QLatin1Char('@'), 1);
 }
 
 TEST_F(ShippedRetentionTimes, HaveTheHeadsAndModificationsOfTheContract)

@@ -14,11 +14,11 @@ namespace zav {
 /// What a picture shows: a calibration of retention times and the pairs that it was fitted to.
 struct RetentionTimePlotData
 {
-    QString source;                        ///< of the observed times, such as the file's name; may be empty
-    QList<QPointF> pairs;                  ///< (predicted index, observed time), in any order
-    std::function<double(double)> timeAt;  ///< the curve: the time of an index
-    double width95 = 0;                    ///< of the band around the curve, in the unit of the times
-    int outlierCount = 0;                  ///< among the pairs
+    QString source;                       ///< of the observed times, such as the file's name; may be empty
+    QList<QPointF> pairs;                 ///< (predicted index, observed time), in any order
+    std::function<double(double)> timeAt; ///< the curve: the time of an index
+    double width95 = 0;                   ///< of the band around the curve, in the unit of the times
+    int outlierCount = 0;                 ///< among the pairs
 };
 
 /// Draws observed against predicted times, the fitted curve and the band that holds 95 % of the pairs, into a file

@@ -35,9 +35,9 @@ Result<ObservedTimes> readObservedTimes(const QString &path)
         const QString text = heading.text(lines.line(), PEPTIDE);
         const Result<Peptidoform> peptidoform = readPeptidoform(text);
         if (peptidoform.hasError()) {
-            observed.problems.append(
-                QStringLiteral("%1:%2: %3: %4")
-                    .arg(inputName(path), QString::number(lines.number()), displayText(text), peptidoform.error().message()));
+            observed.problems.append(QStringLiteral("%1:%2: %3: %4")
+                                         .arg(inputName(path), QString::number(lines.number()), displayText(text),
+                                              peptidoform.error().message()));
             continue;
         }
         pair.peptidoform = peptidoform.value();

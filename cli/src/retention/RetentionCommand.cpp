@@ -35,8 +35,9 @@ RetentionCommand::RetentionCommand(const RetentionOptions &options)
 /// The error is one that ends the run; a peptide that fails is reported at once and counted.
 Error RetentionCommand::work()
 {
-    Error error = inTurn(this, {&RetentionCommand::openList, &RetentionCommand::loadNetwork, &RetentionCommand::calibrate,
-                                &RetentionCommand::drawCalibration, &RetentionCommand::predictAll});
+    Error error =
+        inTurn(this, {&RetentionCommand::openList, &RetentionCommand::loadNetwork, &RetentionCommand::calibrate,
+                      &RetentionCommand::drawCalibration, &RetentionCommand::predictAll});
     if (!error.hasError() && m_failed > 0)
         messages().note(QStringLiteral("%1 of %2 peptides could not be predicted").arg(m_failed).arg(m_count));
     return error;
@@ -72,13 +73,15 @@ Error RetentionCommand::calibrate()
     const auto fitted = RetentionTimeCalibration::fit(&m_predictor, m_observed.pairs);
     noteOnce(fitted.warnings());
     if (fitted.hasError())
-        return explainedError(fitted.error(), QStringLiteral("cannot calibrate with %1: %2")
-                                                  .arg(name, predictionFailure(fitted.error()).message()));
+        return explainedError(
+            fitted.error(),
+            QStringLiteral("cannot calibrate with %1: %2").arg(name, predictionFailure(fitted.error()).message()));
     m_calibration = fitted.value();
-    messages().note(QStringLiteral("calibrated with %1 pairs, %2 of them outliers; 95 % of the others lie within ±%3 of "
-                                   "their prediction")
-                        .arg(QString::number(m_calibration->pairCount()), QString::number(m_calibration->outlierCount()),
-                             QString::number(m_calibration->width95() / 2, 'g', 3)));
+    messages().note(
+        QStringLiteral("calibrated with %1 pairs, %2 of them outliers; 95 % of the others lie within ±%3 of "
+                       "their prediction")
+            .arg(QString::number(m_calibration->pairCount()), QString::number(m_calibration->outlierCount()),
+                 QString::number(m_calibration->width95() / 2, 'g', 3)));
     return {};
 }
 
@@ -136,9 +139,11 @@ Error RetentionCommand::predictBlock(const QList<RetentionRow> &rows)
     const Error outcome = m_predictor.predictHeads(peptidoforms, &heads);
     if (outcome.hasError())
         return predictionFailure(outcome);
-    QList<double> indices(heads.size(), 0.0);
+    Result<QList<double>> indices = QList<double>(heads.size(), 0.0);
     if (m_calibration)
-        indices = m_calibration->indicesOf(heads).value();
+        indices = m_calibration->indicesOf(heads);
+    if (indices.hasError())
+        return indices.error();
     QList<QString> warnings = outcome.warnings();
     qsizetype next = 0; // of the peptidoforms
     for (const RetentionRow &row : rows) {
@@ -150,7 +155,7 @@ Error RetentionCommand::predictBlock(const QList<RetentionRow> &rows)
         if (heads[next].isEmpty())
             reportFailure(row, Error(InvalidInput, displayText(warnings.takeFirst(), 200)), {});
         else
-            addRow(row, heads[next], indices[next]);
+            addRow(row, heads[next], indices.value()[next]);
         ++next;
     }
     noteOnce(warnings);
@@ -159,7 +164,12 @@ Error RetentionCommand::predictBlock(const QList<RetentionRow> &rows)
 
 void RetentionCommand::addRow(const RetentionRow &row, const QList<double> &heads, double index)
 {
-    m_table.add(row.text, heads.first(), m_calibration ? m_calibration->timeAt(index) : 0.0);
+    const double time = m_calibration ? m_calibration->timeAt(index) : 0.0;
+    if (std::isfinite(heads.first()) && std::isfinite(time))
+        m_table.add(row.text, heads.first(), time);
+    else
+        reportFailure(row, Error(Failure, QStringLiteral("the network predicts no finite time")),
+                      QStringLiteral(": ") + displayText(row.text));
 }
 
 void RetentionCommand::reportFailure(const RetentionRow &row, const Error &error, const QString &subject)

@@ -52,7 +52,8 @@ public:
     /// The time of each peptidoform, in their order and in the unit of the pairs. `predictor` has the network that
     /// `fit` used. Otherwise as `RetentionTimePredictor::predict`; `InvalidInput` also for a null predictor and for a
     /// network with another number of outputs.
-    Error predict(RetentionTimePredictor *predictor, const QList<Peptidoform> &peptidoforms, QList<double> *times) const;
+    Error predict(RetentionTimePredictor *predictor, const QList<Peptidoform> &peptidoforms,
+                  QList<double> *times) const;
 
     /// The index of each row that `RetentionTimePredictor::predictHeads` gave, NaN for an empty one: with `timeAt` what
     /// `predict` does, for those who want the iRT of the same network run too. `InvalidInput`: a row of another number
