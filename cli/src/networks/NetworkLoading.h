@@ -5,6 +5,7 @@
 
 #include <zav/Error.h>
 #include <zav/MsMsFragmentationPredictomatic.h>
+#include <zav/RetentionTimePredictor.h>
 
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -23,6 +24,10 @@ Error predictionError(const Error &error, int charge);
 /// fails. The error names its file, and `*failedCharge` is its charge.
 Error loadFragmentationNetworks(const ModelFolder &folder, const QList<int> &charges,
                                 MsMsFragmentationPredictomatic *predictor, int *failedCharge = nullptr);
+
+/// Loads the network for retention times of the folder, or of a file. The error names the file.
+Error loadRetentionTimes(const ModelFolder &folder, RetentionTimePredictor *predictor);
+Error loadRetentionTimes(const QString &path, RetentionTimePredictor *predictor);
 
 /// Loads the network of a predictor for chromatograms. `Options` is the predictor's record of options; the error names
 /// the file.

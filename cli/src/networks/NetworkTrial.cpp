@@ -5,6 +5,7 @@
 #include "NetworkLoading.h"
 
 #include <zav/MsMsFragmentationPredictomatic.h>
+#include <zav/RetentionTimePredictor.h>
 #include <zav/XicBaselineLimitsDetector.h>
 #include <zav/XicPeakSplitter.h>
 
@@ -44,6 +45,22 @@ Error tryFragmentation(int charge, const QString &path)
     if (const Error error = predictor.predictMsMsFragmentation(peptide, charge, &spectrum); error.hasError())
         return failedStep(error, QStringLiteral("cannot predict"));
     return checkSpectrum(spectrum);
+}
+
+Error tryRetentionTimes(const QString &path)
+{
+    RetentionTimePredictor predictor;
+    if (const Error error = loadRetentionTimes(path, &predictor); error.hasError())
+        return error;
+    // 0 and 100 on the iRT scale.
+    const QList<Peptidoform> anchors{Peptidoform(QStringLiteral("GAGSSEPVTGLDAK")),
+                                     Peptidoform(QStringLiteral("LFLQFGAQGSPFLK"))};
+    QList<double> times;
+    if (const Error error = predictor.predict(anchors, &times); error.hasError())
+        return failedStep(error, QStringLiteral("cannot predict"));
+    if (!std::isfinite(times[0]) || !std::isfinite(times[1]))
+        return Error(Failure, QStringLiteral("predicts times that are not finite"));
+    return times[0] < times[1] ? Error() : Error(Failure, QStringLiteral("predicts an early peptide after a late one"));
 }
 
 /// A chromatogram of one second a point with a peak of unit height at each of the apexes.
@@ -100,6 +117,8 @@ Error tryNetwork(const NetworkContract &contract, const QString &graphPath)
 {
     if (contract.kind == QLatin1String("msms_fragmentation"))
         return tryFragmentation(contract.charge, graphPath);
+    if (contract.kind == QLatin1String("retention_time"))
+        return tryRetentionTimes(graphPath);
     if (contract.kind == QLatin1String("xic_limits"))
         return tryLimits(contract, graphPath);
     if (contract.kind == QLatin1String("xic_split"))
