@@ -22,13 +22,13 @@ inline constexpr int MODIFICATION_LOSS_COUNT = 4; ///< `None` included
 /// Ions of one type, charge and loss: a column of the network's output.
 struct Series
 {
-    QChar ionType;                                   ///< 'y', 'b' or 'a'
-    int charge = 0;                                  ///< 1 to 3
-    QString neutralLoss;                             ///< "-H2O", "-2H3PO4" ... or empty
-    double startMass = 0.0;                          ///< Da, of the ion without its residues, with its protons
-    int maximumNumber = 0;                           ///< residues of the largest ion
-    ModificationLoss loss = ModificationLoss::None;  ///< what a residue of the ion has to lose
-    int lossCount = 0;                               ///< how many such residues it needs
+    QChar ionType;                                  ///< 'y', 'b' or 'a'
+    int charge = 0;                                 ///< 1 to 3
+    QString neutralLoss;                            ///< "-H2O", "-2H3PO4" ... or empty
+    double startMass = 0.0;                         ///< Da, of the ion without its residues, with its protons
+    int maximumNumber = 0;                          ///< residues of the largest ion
+    ModificationLoss loss = ModificationLoss::None; ///< what a residue of the ion has to lose
+    int lossCount = 0;                              ///< how many such residues it needs
 };
 
 inline constexpr int SERIES_COUNT = 27;

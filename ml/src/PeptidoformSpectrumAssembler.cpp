@@ -87,7 +87,8 @@ void PeptidoformSpectrumAssembler::chooseSeries(int precursorCharge)
     const int highestCharge = std::min(precursorCharge, HIGHEST_FRAGMENT_CHARGE);
     for (int i = 0; i < peptidoformIons::SERIES_COUNT; ++i) {
         const Series &series = peptidoformIons::series()[i];
-        if (series.charge <= highestCharge && whole.lossSites[static_cast<std::size_t>(series.loss)] >= series.lossCount)
+        if (series.charge <= highestCharge &&
+            whole.lossSites[static_cast<std::size_t>(series.loss)] >= series.lossCount)
             possibleSeries.push_back(i);
     }
 }
@@ -153,8 +154,8 @@ QList<FragmentPeak> PeptidoformSpectrumAssembler::namedPeaks() const
     named.reserve(static_cast<qsizetype>(peaks.size()));
     for (const Peak &peak : peaks) {
         const Series &series = peptidoformIons::series()[peak.series];
-        named.append({peak.mz, peak.intensity, series.ionType, peak.ionNumber, series.charge, series.neutralLoss,
-                      peak.isotope});
+        named.append(
+            {peak.mz, peak.intensity, series.ionType, peak.ionNumber, series.charge, series.neutralLoss, peak.isotope});
     }
     return named;
 }

@@ -40,7 +40,7 @@ private:
     /// The residues from the N-terminus to a bond.
     struct Part
     {
-        double mass = 0.0;                      ///< Da, of residues and modifications
+        double mass = 0.0;                       ///< Da, of residues and modifications
         std::array<int, LOSS_COUNT> lossSites{}; ///< how many of them can lose something, by `ModificationLoss`
     };
 

@@ -26,9 +26,9 @@ bool isEnergy(double energy)
 
 Error checkEnergies(const QList<PeptidoformPrecursor> &precursors)
 {
-    const auto odd = std::find_if_not(precursors.cbegin(), precursors.cend(), [](const PeptidoformPrecursor &precursor) {
-        return isEnergy(precursor.collisionEnergy);
-    });
+    const auto odd =
+        std::find_if_not(precursors.cbegin(), precursors.cend(),
+                         [](const PeptidoformPrecursor &precursor) { return isEnergy(precursor.collisionEnergy); });
     if (odd == precursors.cend())
         return NoError;
     return {InvalidInput, QStringLiteral("The collision energy of %1 is %2, not %3 to %4")

@@ -26,8 +26,9 @@ inline constexpr char INTENSITIES[] = "intensities";
 
 /// The modifications of the training spectra, each with its place.
 inline constexpr std::array TRAINED_MODIFICATIONS{
-    "Carbamidomethyl@C", "Phospho@S",    "Phospho@T",            "Phospho@Y",           "Oxidation@M", "Acetyl@N-term",
-    "Acetyl@K",          "Deamidated@N", "Gln->pyro-Glu@N-term", "Ammonia-loss@N-term", "Malonyl@K"};
+    "Carbamidomethyl@C",    "Phospho@S",           "Phospho@T", "Phospho@Y",
+    "Oxidation@M",          "Acetyl@N-term",       "Acetyl@K",  "Deamidated@N",
+    "Gln->pyro-Glu@N-term", "Ammonia-loss@N-term", "Malonyl@K"};
 
 } // namespace peptidoformNetwork
 
