@@ -20,6 +20,8 @@ QString fileNameOf(NetworkUse use)
     switch (use) {
     case NetworkUse::Fragmentation:
         break;
+    case NetworkUse::Peptidoforms:
+        return QStringLiteral("peptidoform_spectrum.pb");
     case NetworkUse::PeakLimits:
         return QStringLiteral("xic_limits.pb");
     case NetworkUse::PeakSplits:

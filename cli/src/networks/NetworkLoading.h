@@ -24,6 +24,14 @@ Error predictionError(const Error &error, int charge);
 Error loadFragmentationNetworks(const ModelFolder &folder, const QList<int> &charges,
                                 MsMsFragmentationPredictomatic *predictor, int *failedCharge = nullptr);
 
+/// Loads the network of a predictor that needs its path alone; the error names the file.
+template <typename Predictor>
+Error loadNetwork(const QString &path, Predictor *predictor)
+{
+    const Error error = predictor->init(path);
+    return error.hasError() ? loadingError(error, path) : Error();
+}
+
 /// Loads the network of a predictor for chromatograms. `Options` is the predictor's record of options; the error names
 /// the file.
 template <typename Predictor, typename Options>

@@ -34,7 +34,7 @@ FragmentPeak ion(QChar type, int number, double mz, double intensity, int charge
 SpectrumPlotData peptidek()
 {
     SpectrumPlotData data;
-    data.peptide = QStringLiteral("PEPTIDEK");
+    data.peptidoform = Peptidoform(QStringLiteral("PEPTIDEK"));
     data.charge = 2;
     data.precursorMz = 464.7347;
     data.predicted = {ion(u'b', 2, 227.103, 0.5), ion(u'y', 3, 391.182, 1.0), ion(u'y', 6, 351.684, 0.25, 2),
@@ -46,7 +46,7 @@ SpectrumPlotData mirrored()
 {
     SpectrumPlotData data = peptidek();
     data.observed = ObservedSpectrum{"run.mzML, scan 7", 464.7, 2, {{227.104, 30}, {391.183, 60}, {500, 15}}};
-    data.comparison = compareSpectra({{data.peptide, data.charge}, 0, 0, data.predicted}, *data.observed);
+    data.comparison = compareSpectra({{}, data.peptidoform, 0, 0, data.predicted}, *data.observed);
     return data;
 }
 
@@ -192,12 +192,12 @@ TEST_F(SpectrumPlot, DrawsWhatHasNoPeaksAndTheShortestAndLongestPeptides)
     empty.observed = ObservedSpectrum{};
     empty.comparison = SpectrumComparison{};
     EXPECT_EQ(draw(empty).texts.count("no peaks"), 2);
-    empty.peptide = QStringLiteral("K");
+    empty.peptidoform = Peptidoform(QStringLiteral("K"));
     EXPECT_TRUE(draw(empty).texts.contains("K"));
-    empty.peptide.clear();
+    empty.peptidoform = Peptidoform();
     draw(empty);
     SpectrumPlotData longest = peptidek();
-    longest.peptide = QString(52, u'W');
+    longest.peptidoform = Peptidoform(QString(52, u'W'));
     EXPECT_EQ(draw(longest).texts.count("W"), 52);
 }
 
