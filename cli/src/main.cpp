@@ -5,6 +5,7 @@
 #include "LibraryCommand.h"
 #include "LibraryMergeCommand.h"
 #include "LimitsCommand.h"
+#include "RetentionCommand.h"
 #include "SpectrumCommand.h"
 #include "SplitCommand.h"
 
@@ -34,6 +35,11 @@ int finish(const EarlyExit &exit)
 int run(const SpectrumOptions &options)
 {
     return SpectrumCommand(options).run();
+}
+
+int run(const RetentionOptions &options)
+{
+    return RetentionCommand(options).run();
 }
 
 int run(const LimitsOptions &options)

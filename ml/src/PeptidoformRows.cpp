@@ -3,7 +3,6 @@
 
 #include "PeptideVocabulary.h"
 
-
 #include <algorithm>
 #include <array>
 
@@ -35,9 +34,12 @@ float numberOf(QChar residue)
 
 void addComposition(const ElementalComposition &change, float *columns)
 {
-    const std::array<int, 6> counts{change.carbon + change.carbon13,     change.hydrogen + change.deuterium,
-                                    change.nitrogen + change.nitrogen15, change.oxygen + change.oxygen18,
-                                    change.phosphorus,                   change.sulfur};
+    const std::array<int, 6> counts{change.carbon + change.carbon13,
+                                    change.hydrogen + change.deuterium,
+                                    change.nitrogen + change.nitrogen15,
+                                    change.oxygen + change.oxygen18,
+                                    change.phosphorus,
+                                    change.sulfur};
     std::transform(counts.begin(), counts.end(), columns, columns,
                    [](int count, float before) { return before + static_cast<float>(count); });
 }
@@ -56,7 +58,9 @@ QString problemOf(const Peptidoform &peptidoform)
     }
     for (const PlacedModification &placed : peptidoform.modifications()) {
         if (placed.position < 0 || placed.position > length + 1)
-            return QStringLiteral("has a modification at position %1, not 0 to %2").arg(placed.position).arg(length + 1);
+            return QStringLiteral("has a modification at position %1, not 0 to %2")
+                .arg(placed.position)
+                .arg(length + 1);
     }
     return {};
 }
@@ -78,8 +82,9 @@ void write(const Peptidoform &peptidoform, float *rows)
     for (const PlacedModification &placed : peptidoform.modifications()) {
         const bool isTerminal = placed.position == 0 || placed.position > length;
         const int residue = std::clamp(placed.position, 1, length);
-        addComposition(placed.modification.composition, rows + std::ptrdiff_t{residue - 1} * COLUMN_COUNT +
-                                                            (isTerminal ? FIRST_TERMINUS_COLUMN : FIRST_RESIDUE_COLUMN));
+        addComposition(placed.modification.composition,
+                       rows + std::ptrdiff_t{residue - 1} * COLUMN_COUNT +
+                           (isTerminal ? FIRST_TERMINUS_COLUMN : FIRST_RESIDUE_COLUMN));
     }
 }
 

@@ -70,9 +70,9 @@ void UntrainedModifications::lookAt(const QString &name, QChar site)
     if (m_known.contains(place))
         return;
     m_known.insert(place);
-    m_remarks.append(name.isEmpty() ? QStringLiteral("Cysteine without a modification is unknown to the network")
-                                    : QStringLiteral("Modification %1 at %2 is unknown to the network")
-                                          .arg(name, nameOf(site)));
+    m_remarks.append(name.isEmpty()
+                         ? QStringLiteral("Cysteine without a modification is unknown to the network")
+                         : QStringLiteral("Modification %1 at %2 is unknown to the network").arg(name, nameOf(site)));
 }
 
 } // namespace zav

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Trail.h"
 #include "UntrainedModifications.h"
+#include "Trail.h"
 
 #include <gtest/gtest.h>
 
@@ -27,10 +27,9 @@ QStringList remarksOn(const QList<Peptidoform> &peptidoforms, const QStringList 
 
 TEST(UntrainedModifications, SaysNothingOfTrainedOnes)
 {
-    const Peptidoform peptidoform(QStringLiteral("MCK"), {{0, named("Acetyl")},
-                                                          {1, named("Oxidation")},
-                                                          {2, named("Carbamidomethyl")},
-                                                          {4, named("Amidated")}});
+    const Peptidoform peptidoform(
+        QStringLiteral("MCK"),
+        {{0, named("Acetyl")}, {1, named("Oxidation")}, {2, named("Carbamidomethyl")}, {4, named("Amidated")}});
     EXPECT_EQ(remarksOn({peptidoform, Peptidoform(QStringLiteral("PEPTIDE"))}), QStringList());
 }
 

@@ -4,7 +4,13 @@
 # and nothing but their own members.
 
 cmake_minimum_required(VERSION 3.25)
-set(CLASSES MsMsFragmentationPredictomatic PeptidoformSpectrumPredictor XicBaselineLimitsDetector XicPeakSplitter)
+set(CLASSES
+    MsMsFragmentationPredictomatic
+    PeptidoformSpectrumPredictor
+    RetentionTimeCalibration
+    RetentionTimePredictor
+    XicBaselineLimitsDetector
+    XicPeakSplitter)
 
 execute_process(COMMAND "${NM}" --dynamic --demangle --defined-only "${LIBRARY}"
     OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)

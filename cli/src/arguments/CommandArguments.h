@@ -39,6 +39,7 @@ public:
 
 std::unique_ptr<CommandArguments> spectrumArguments();
 std::unique_ptr<CommandArguments> libraryArguments(); ///< and those of `zav library merge`
+std::unique_ptr<CommandArguments> retentionArguments();
 std::unique_ptr<CommandArguments> limitsArguments();
 std::unique_ptr<CommandArguments> splitArguments();
 std::unique_ptr<CommandArguments> inspectArguments();

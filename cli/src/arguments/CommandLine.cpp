@@ -21,7 +21,8 @@ using Commands = std::vector<std::unique_ptr<CommandArguments>>;
 Commands allCommands()
 {
     Commands commands;
-    for (const auto &make : {spectrumArguments, libraryArguments, limitsArguments, splitArguments, inspectArguments})
+    for (const auto &make :
+         {spectrumArguments, libraryArguments, retentionArguments, limitsArguments, splitArguments, inspectArguments})
         commands.push_back(make());
     return commands;
 }
@@ -93,7 +94,8 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
     if (argc > 1 && argv[1][0] != '-' && !isCommand(commands, argv[1]))
         return unknownCommand(commands, argv[1]);
 
-    CLI::App app("Predicts peptide MS/MS spectra and reads chromatograms, with trained networks.", "zav");
+    CLI::App app("Predicts peptide MS/MS spectra and retention times and reads chromatograms, with trained networks.",
+                 "zav");
     app.set_version_flag("--version", "zav " ZAV_VERSION);
     app.require_subcommand(1);
     app.footer("'zav COMMAND --help' explains a command, with examples.");

@@ -5,6 +5,7 @@
 #include "InspectCommand.h"
 #include "LibraryOptions.h"
 #include "LimitsCommand.h"
+#include "RetentionCommand.h"
 #include "SpectrumOptions.h"
 #include "SplitCommand.h"
 
@@ -24,7 +25,7 @@ struct EarlyExit
 
 /// What the arguments ask for. The options of a command say whether it is `verbose` and whether it draws pictures.
 using CommandLine = std::variant<EarlyExit, SpectrumOptions, LimitsOptions, SplitOptions, InspectOptions,
-                                 LibraryOptions, LibraryMergeOptions>;
+                                 LibraryOptions, LibraryMergeOptions, RetentionOptions>;
 
 /// Reads the program's arguments (UTF-8). Needs no application object.
 CommandLine parseCommandLine(int argc, const char *const *argv);

@@ -22,6 +22,8 @@ QString fileNameOf(NetworkUse use)
         break;
     case NetworkUse::Peptidoforms:
         return QStringLiteral("peptidoform_spectrum.pb");
+    case NetworkUse::RetentionTimes:
+        return QStringLiteral("retention_time.pb");
     case NetworkUse::PeakLimits:
         return QStringLiteral("xic_limits.pb");
     case NetworkUse::PeakSplits:

@@ -11,14 +11,15 @@ namespace zav {
 
 /// What the networks of a folder are for.
 enum class NetworkUse {
-    Fragmentation, ///< the spectra of peptides, one network a charge
-    Peptidoforms,  ///< the spectra of peptides with modifications, at any charge and energy
-    PeakLimits,    ///< where the peaks of chromatograms start and end
-    PeakSplits     ///< where they are to be split
+    Fragmentation,  ///< the spectra of peptides, one network a charge
+    Peptidoforms,   ///< the spectra of peptides with modifications, at any charge and energy
+    RetentionTimes, ///< when peptides elute
+    PeakLimits,     ///< where the peaks of chromatograms start and end
+    PeakSplits      ///< where they are to be split
 };
 
-/// A folder of networks: `msms_charge1.pb` to `msms_charge5.pb`, `peptidoform_spectrum.pb`, `xic_limits.pb` and
-/// `xic_split.pb`, each with its contract of the same name, `.json`.
+/// A folder of networks: `msms_charge1.pb` to `msms_charge5.pb`, `peptidoform_spectrum.pb`, `retention_time.pb`,
+/// `xic_limits.pb` and `xic_split.pb`, each with its contract of the same name, `.json`.
 class ModelFolder
 {
 public:
@@ -37,7 +38,7 @@ public:
     /// The path of the fragmentation network for a precursor charge, whether or not the file is there.
     QString fragmentationNetwork(int charge) const;
 
-    /// The path of the one network for that use, whether or not the file is there. Not for `Fragmentation`.
+    /// The path of the network for that use, whether or not the file is there. Not for `Fragmentation`.
     QString network(NetworkUse use) const;
 
     /// Five paths for the predictor's `init`, which needs a network for every charge. A charge that is not among

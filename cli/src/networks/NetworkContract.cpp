@@ -49,6 +49,8 @@ struct Figure
 constexpr Figure FIGURES[] = {{"heldOutMedianSpectralAngle", "angle %1", 3},
                               {"heldOutMedianPearson", "Pearson %1", 3},
                               {"heldOutSpectra", "%1 spectra", 0},
+                              {"heldOutMedianAbsoluteError", "median error %1 iRT", 2},
+                              {"heldOutPeptidoforms", "%1 peptidoforms", 0},
                               {"heldOutManualWindowF1", "F1 %1 by hand", 3},
                               {"heldOutSoftwareVisibleF1", "%1 by software", 3},
                               {"heldOutNeighboursPrecision", "precision %1", 3},

@@ -52,4 +52,15 @@ Error loadFragmentationNetworks(const ModelFolder &folder, const QList<int> &cha
     return loadingError(error, folder.fragmentationNetwork(*failed));
 }
 
+Error loadRetentionTimes(const ModelFolder &folder, RetentionTimePredictor *predictor)
+{
+    return loadRetentionTimes(folder.network(NetworkUse::RetentionTimes), predictor);
+}
+
+Error loadRetentionTimes(const QString &path, RetentionTimePredictor *predictor)
+{
+    const Error error = predictor->init(path);
+    return error.hasError() ? loadingError(error, path) : Error();
+}
+
 } // namespace zav

@@ -5,6 +5,7 @@
 
 #include <zav/Error.h>
 #include <zav/MsMsFragmentationPredictomatic.h>
+#include <zav/RetentionTimePredictor.h>
 
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -31,6 +32,10 @@ Error loadNetwork(const QString &path, Predictor *predictor)
     const Error error = predictor->init(path);
     return error.hasError() ? loadingError(error, path) : Error();
 }
+
+/// Loads the network for retention times of the folder, or of a file. The error names the file.
+Error loadRetentionTimes(const ModelFolder &folder, RetentionTimePredictor *predictor);
+Error loadRetentionTimes(const QString &path, RetentionTimePredictor *predictor);
 
 /// Loads the network of a predictor for chromatograms. `Options` is the predictor's record of options; the error names
 /// the file.

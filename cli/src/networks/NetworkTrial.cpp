@@ -6,6 +6,7 @@
 
 #include <zav/MsMsFragmentationPredictomatic.h>
 #include <zav/PeptidoformSpectrumPredictor.h>
+#include <zav/RetentionTimePredictor.h>
 #include <zav/XicBaselineLimitsDetector.h>
 #include <zav/XicPeakSplitter.h>
 
@@ -59,6 +60,22 @@ Error tryPeptidoforms(const QString &path)
     if (const Error error = predictor.predict({{peptidoform.value()}}, &spectra); error.hasError())
         return failedStep(error, QStringLiteral("cannot predict"));
     return spectra.first().isEmpty() ? Error(Failure, QStringLiteral("predicts no peaks")) : Error();
+}
+
+Error tryRetentionTimes(const QString &path)
+{
+    RetentionTimePredictor predictor;
+    if (const Error error = loadRetentionTimes(path, &predictor); error.hasError())
+        return error;
+    // 0 and 100 on the iRT scale.
+    const QList<Peptidoform> anchors{Peptidoform(QStringLiteral("GAGSSEPVTGLDAK")),
+                                     Peptidoform(QStringLiteral("LFLQFGAQGSPFLK"))};
+    QList<double> times;
+    if (const Error error = predictor.predict(anchors, &times); error.hasError())
+        return failedStep(error, QStringLiteral("cannot predict"));
+    if (!std::isfinite(times[0]) || !std::isfinite(times[1]))
+        return Error(Failure, QStringLiteral("predicts times that are not finite"));
+    return times[0] < times[1] ? Error() : Error(Failure, QStringLiteral("predicts an early peptide after a late one"));
 }
 
 /// A chromatogram of one second a point with a peak of unit height at each of the apexes.
@@ -117,6 +134,8 @@ Error tryNetwork(const NetworkContract &contract, const QString &graphPath)
         return tryFragmentation(contract.charge, graphPath);
     if (contract.kind == QLatin1String("peptidoform_spectrum"))
         return tryPeptidoforms(graphPath);
+    if (contract.kind == QLatin1String("retention_time"))
+        return tryRetentionTimes(graphPath);
     if (contract.kind == QLatin1String("xic_limits"))
         return tryLimits(contract, graphPath);
     if (contract.kind == QLatin1String("xic_split"))

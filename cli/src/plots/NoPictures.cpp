@@ -4,6 +4,7 @@
 #include "Application.h"
 #include "ChromatogramPlot.h"
 #include "PictureFile.h"
+#include "RetentionTimePlot.h"
 #include "SpectrumPlot.h"
 
 namespace zav {
@@ -25,6 +26,11 @@ Error writePicture(const Picture &, const QString &path)
 }
 
 Error drawSpectrum(const SpectrumPlotData &, const QString &path)
+{
+    return writePicture({}, path);
+}
+
+Error drawRetentionTimes(const RetentionTimePlotData &, const QString &path)
 {
     return writePicture({}, path);
 }

@@ -2,6 +2,7 @@
 #include "Application.h"
 #include "ChromatogramPlot.h"
 #include "PictureFile.h"
+#include "RetentionTimePlot.h"
 #include "SpectrumPlot.h"
 
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@ TEST(BuildWithoutPictures, SaysSoWhenAskedForOne)
     EXPECT_TRUE(error.equals(Failure));
     EXPECT_EQ(error.message(), "a.svg: this zav was built without Qt Gui and Qt Svg and draws no pictures");
     EXPECT_EQ(drawChromatogram({}, QStringLiteral("a.svg")).message(), error.message());
+    EXPECT_EQ(drawRetentionTimes({}, QStringLiteral("a.svg")).message(), error.message());
 }
 
 TEST(BuildWithoutPictures, HasAnApplicationAllTheSame)

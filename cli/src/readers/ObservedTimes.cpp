@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ObservedTimes.h"
+
+#include "LineReader.h"
+#include "PeptidoformText.h"
+#include "PrintableText.h"
+#include "TableHeading.h"
+
+namespace zav {
+
+namespace {
+
+// Other columns may be long, such as a list of proteins.
+constexpr qsizetype MAX_LINE_BYTES = 1 << 24;
+
+constexpr char PEPTIDE[] = "peptide";
+constexpr char TIME[] = "rt";
+
+} // namespace
+
+Result<ObservedTimes> readObservedTimes(const QString &path)
+{
+    const Result<std::unique_ptr<LineReader>> opened = LineReader::open(path, MAX_LINE_BYTES);
+    if (opened.hasError())
+        return opened.error();
+    LineReader &lines = *opened.value();
+    TableHeading heading;
+    if (Error error = heading.read(&lines, {PEPTIDE, TIME}, {}); error.hasError())
+        return error;
+    ObservedTimes observed;
+    while (lines.nextContent()) {
+        ObservedRetentionTime pair;
+        if (Error error = heading.readNumber(lines, TIME, &pair.time); error.hasError())
+            return error;
+        const QString text = heading.text(lines.line(), PEPTIDE);
+        const Result<Peptidoform> peptidoform = readPeptidoform(text);
+        if (peptidoform.hasError()) {
+            observed.problems.append(QStringLiteral("%1:%2: %3: %4")
+                                         .arg(inputName(path), QString::number(lines.number()), displayText(text),
+                                              peptidoform.error().message()));
+            continue;
+        }
+        pair.peptidoform = peptidoform.value();
+        observed.pairs.append(pair);
+    }
+    if (lines.error().hasError())
+        return lines.error();
+    return observed;
+}
+
+} // namespace zav
