@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 namespace zav::peptideMasses {
 
@@ -121,6 +122,24 @@ const CysteineModification *knownCysteineModification(double mass)
 bool isCysteineModified(double mass)
 {
     return std::abs(mass) >= SAME_MASS;
+}
+
+Modification cysteineModification(double mass)
+{
+    const CysteineModification *known = knownCysteineModification(mass);
+    Modification modification =
+        known ? modifications::findByAccession(known->unimod)->modification : modifications::ofMass(mass);
+    modification.mass = mass;
+    return modification;
+}
+
+Peptidoform withCysteines(const QString &peptide, double mass)
+{
+    QList<PlacedModification> modifications;
+    qsizetype i = isCysteineModified(mass) ? peptide.indexOf(QLatin1Char('C')) : -1;
+    for (; i >= 0; i = peptide.indexOf(QLatin1Char('C'), i + 1))
+        modifications.append({static_cast<int>(i + 1), cysteineModification(mass)});
+    return Peptidoform(peptide, std::move(modifications));
 }
 
 double exactCysteineMass(double mass)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <zav/Peptidoform.h>
+
 #include <QtCore/QChar>
 #include <QtCore/QString>
 
@@ -44,6 +46,13 @@ const CysteineModification *knownCysteineModification(double mass);
 
 /// Whether a cysteine to which that mass (Da) is added counts as modified: it is 0.001 Da or more, up or down.
 bool isCysteineModified(double mass);
+
+/// The modification that adds this mass to a cysteine: a known reagent by its name, else one known by its mass alone. It
+/// has the mass as it is given.
+Modification cysteineModification(double mass);
+
+/// The peptide with that mass added to every cysteine; none is modified where the mass does not count.
+Peptidoform withCysteines(const QString &peptide, double mass);
 
 /// The mass with all digits of Unimod where `mass` has fewer of them (57.02146), else `mass`.
 double exactCysteineMass(double mass);
