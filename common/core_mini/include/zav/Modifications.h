@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zav/Export.h>
+#include <zav/Result.h>
 
 #include <QtCore/QChar>
 #include <QtCore/QList>
@@ -86,6 +87,11 @@ ZAV_COMMON_CORE_MINI_EXPORT const Entry *findByAccession(int unimodAccession);
 /// A modification known by its mass alone. The mass is rounded to six decimals (0.000001 Da), so that its name says all
 /// of it: a sign, and no zeros behind the last decimal ("+15.9949", "-18").
 ZAV_COMMON_CORE_MINI_EXPORT Modification ofMass(double mass);
+
+/// What ProForma writes between brackets: a name, also with the prefix `U:`; an accession, `UNIMOD:35`; a mass in Da
+/// with its sign, `+15.9949`. `InvalidInput`, untagged, for what the table lacks, for what other dictionaries name
+/// (`MOD:`, `Glycan:`), and for a mass of 0 or of more than 1e6 Da either way.
+ZAV_COMMON_CORE_MINI_EXPORT Result<Modification> fromText(const QString &text);
 
 /// What fragments with the modification at this residue lose: H3PO4 from Phospho at S and T, CH4OS from Oxidation at M,
 /// CO2 from Malonyl at K; nothing otherwise.
