@@ -63,13 +63,15 @@ private:
 
     void makeCharge(Work *work, int charge);
     bool isServed(const UnpredictedPrecursor &precursor, double mz, MadeSpectra *made) const;
-    WrittenEntry encode(const LibraryPeptide &peptide, int charge, double mz, const QList<FragmentPeak> &peaks) const;
+    WrittenEntry encode(const LibraryPeptide &peptide, int charge, double mz, const QList<FragmentPeak> &peaks,
+                        TextArena *arena);
 
     const LibraryOptions &m_options;
     const ProteinTable &m_proteins;
     const LibraryWriter &m_writer;
     LibraryPredictor m_predictor;
     PeakFilter m_filter;
+    LibraryEntry m_entry; ///< being encoded; its lists keep their memory
 };
 
 } // namespace zav

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 namespace zav::peptideMasses {
 
@@ -148,23 +149,19 @@ bool isCysteineModified(double mass)
 Modification cysteineModification(double mass)
 {
     const CysteineModification *known = knownCysteineModification(mass);
-    const auto *entry = known ? modifications::findByAccession(known->unimod) : nullptr;
-    Modification modification = entry ? entry->modification : modifications::ofMass(mass);
+    Modification modification =
+        known ? modifications::findByAccession(known->unimod)->modification : modifications::ofMass(mass);
     modification.mass = mass;
     return modification;
 }
 
 Peptidoform withCysteines(const QString &peptide, double mass)
 {
-    QList<PlacedModification> placed;
-    if (isCysteineModified(mass)) {
-        const Modification modification = cysteineModification(mass);
-        for (int i = 0; i < peptide.size(); ++i) {
-            if (peptide.at(i) == QLatin1Char('C'))
-                placed.append({i + 1, modification});
-        }
-    }
-    return Peptidoform(peptide, placed);
+    QList<PlacedModification> modifications;
+    qsizetype i = isCysteineModified(mass) ? peptide.indexOf(QLatin1Char('C')) : -1;
+    for (; i >= 0; i = peptide.indexOf(QLatin1Char('C'), i + 1))
+        modifications.append({static_cast<int>(i + 1), cysteineModification(mass)});
+    return Peptidoform(peptide, std::move(modifications));
 }
 
 double exactCysteineMass(double mass)

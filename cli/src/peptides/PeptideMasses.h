@@ -50,12 +50,11 @@ const CysteineModification *knownCysteineModification(double mass);
 /// Whether a cysteine to which that mass (Da) is added counts as modified: it is 0.001 Da or more, up or down.
 bool isCysteineModified(double mass);
 
-/// The modification of a cysteine to which that mass is added: the known one of `knownCysteineModification`, else one
-/// known by its mass alone. Its mass is `mass` with the digits that it has.
+/// The modification that adds this mass to a cysteine: a known reagent by its name, else one known by its mass alone. It
+/// has the mass as it is given.
 Modification cysteineModification(double mass);
 
-/// A peptide in one-letter code with `mass` (Da) added to every cysteine; one that does not count as a modification is
-/// left out.
+/// The peptide with that mass added to every cysteine; none is modified where the mass does not count.
 Peptidoform withCysteines(const QString &peptide, double mass);
 
 /// The mass with all digits of Unimod where `mass` has fewer of them (57.02146), else `mass`.

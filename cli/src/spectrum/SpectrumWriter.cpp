@@ -2,6 +2,7 @@
 #include "SpectrumWriter.h"
 
 #include "LibraryFormat.h"
+#include "PeptideMasses.h"
 
 #include <nlohmann/json.hpp>
 
@@ -149,12 +150,14 @@ public:
     QByteArray spectrum(const PredictedSpectrum &spectrum, bool /*isFirst*/) const override
     {
         LibraryEntry entry;
-        entry.peptide = spectrum.precursor.peptide;
+        entry.peptidoform = spectrum.peptidoform;
+        entry.isVariant = isProForma(spectrum.precursor.peptide);
         entry.charge = spectrum.precursor.charge;
         entry.precursorMz = spectrum.precursorMz;
-        entry.cysteineMass = spectrum.cysteineMass;
         entry.peaks = spectrum.peaks;
-        return m_format->entry(entry, 0); // the index is for formats that number their entries, which these do not
+        TextBuffer text;
+        m_format->addEntry(entry, 0, &text); // the index is for formats that number their entries, which these do not
+        return text.take();
     }
 
 private:

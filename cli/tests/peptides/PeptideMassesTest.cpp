@@ -74,5 +74,26 @@ TEST(PeptideMasses, CysteinesHaveTheReagentOfTheirMass)
     EXPECT_TRUE(withCysteines("CAC", 0).modifications().isEmpty());
 }
 
+TEST(CysteineModification, MassWithFewerDigitsIsThatOfUnimod)
+{
+    EXPECT_EQ(exactCysteineMass(57.02146), 57.021464);
+    EXPECT_EQ(exactCysteineMass(57.0215), 57.0215);
+    EXPECT_EQ(exactCysteineMass(12.5), 12.5);
+    EXPECT_TRUE(isCysteineModified(-2.0));
+    EXPECT_FALSE(isCysteineModified(0.0));
+}
+
+TEST(CysteineModification, StandsAtEveryCysteineOfAPeptidoform)
+{
+    const Peptidoform peptidoform = withCysteines(QStringLiteral("CAKC"), 57.02146);
+    ASSERT_EQ(peptidoform.modifications().size(), 2);
+    EXPECT_EQ(peptidoform.modifications()[0].position, 1);
+    EXPECT_EQ(peptidoform.modifications()[1].position, 4);
+    EXPECT_EQ(peptidoform.modifications()[1].modification.unimodAccession, 4);
+    EXPECT_EQ(peptidoform.modifications()[1].modification.mass, 57.02146);
+    EXPECT_TRUE(withCysteines(QStringLiteral("CAKC"), 0.0).modifications().isEmpty());
+    EXPECT_TRUE(withCysteines(QStringLiteral("CAKC"), 12.5).modifications()[0].modification.isMassOnly());
+}
+
 } // namespace
 } // namespace zav
