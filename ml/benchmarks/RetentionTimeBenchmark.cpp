@@ -17,7 +17,8 @@ namespace zav {
 class RetentionTimePredictorInspector
 {
 public:
-    static RetentionTimePredictor::Private &of(const RetentionTimePredictor &predictor) { return *predictor.d; }
+    using Private = RetentionTimePredictor::Private;
+    static Private &of(const RetentionTimePredictor &predictor) { return *predictor.d; }
 };
 
 namespace {
@@ -53,7 +54,7 @@ void refuseWrongAnswers(RetentionTimePredictor *predictor, const QList<Peptidofo
 /// Runs of the session alone, over the blocks that the prediction makes.
 Moment timeRuns(const RetentionTimePredictor &predictor, QList<Peptidoform> list)
 {
-    RetentionTimePredictor::Private &inside = RetentionTimePredictorInspector::of(predictor);
+    RetentionTimePredictorInspector::Private &inside = RetentionTimePredictorInspector::of(predictor);
     std::stable_sort(list.begin(), list.end(),
                      [](const Peptidoform &a, const Peptidoform &b) { return a.length() < b.length(); });
     constexpr auto BLOCK = static_cast<qsizetype>(retentionTimeNetwork::PEPTIDOFORMS_PER_RUN);

@@ -12,9 +12,6 @@ namespace zav {
 
 namespace {
 
-// The standard deviation that exact times are given, as a share of their range.
-constexpr double SMALLEST_DEVIATION = 1e-9;
-
 /// time = intercept + slope m + deviations . v
 struct Coefficients
 {
@@ -65,7 +62,7 @@ Coefficients solveRobustly(const Regressors &x, const Eigen::VectorXd &times, do
 {
     const robustStatistics::Line line = robustStatistics::theilSenLine(x.mean, times);
     Coefficients fitted{line.intercept, line.slope, Eigen::VectorXd::Zero(x.deviations.cols())};
-    const double smallest = SMALLEST_DEVIATION * (times.maxCoeff() - times.minCoeff());
+    const double smallest = robustStatistics::smallestDeviation(times);
     if (std::isinf(strength) || !(smallest > 0.0) || !(line.slope > 0.0))
         return fitted;
     for (int step = 0; step < robustStatistics::STEPS; ++step) {

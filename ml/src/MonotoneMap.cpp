@@ -15,9 +15,8 @@ namespace {
 constexpr Eigen::Index POINTS_A_PIECE = 16;
 constexpr Eigen::Index MOST_PIECES = 12;
 
-constexpr double LOWEST_SLOPE = 0.01;       // of the overall slope
-constexpr double SMALLEST_DEVIATION = 1e-9; // that exact points are given, of the range of y
-constexpr double SMOOTHING = 0.5;           // how much a difference of neighbouring slopes counts beside the residuals
+constexpr double LOWEST_SLOPE = 0.01; // of the overall slope
+constexpr double SMOOTHING = 0.02;    // how much a difference of neighbouring slopes counts beside the residuals
 
 /// The lengths of the pieces up to x: a row of `columns` times the slopes is the curve over x, less its start.
 Eigen::RowVectorXd lengthsUpTo(double x, double start, const std::vector<double> &knots)
@@ -78,7 +77,10 @@ void solveFree(const Eigen::MatrixXd &normal, const Eigen::VectorXd &right, cons
         return;
     (*slopes)(free).setZero();
     const Eigen::VectorXd rest = right - normal * *slopes;
-    (*slopes)(free) = normal(free, free).ldlt().solve(Eigen::VectorXd(rest(free)));
+    const Eigen::MatrixXd normalOfFree = normal(free, free);
+    const Eigen::VectorXd rightOfFree = rest(free);
+    const Eigen::VectorXd solution = normalOfFree.ldlt().solve(rightOfFree);
+    (*slopes)(free) = solution;
 }
 
 /// Slopes that come out too low are held at the lowest one, and the others solved again.
@@ -127,7 +129,7 @@ MonotoneMap MonotoneMap::fit(const Eigen::VectorXd &x, const Eigen::VectorXd &y,
     const robustStatistics::Line line = robustStatistics::theilSenLine(x, y);
     map.m_value = line.intercept + line.slope * map.m_start;
     map.m_slopes = Eigen::VectorXd::Constant(pieceCount, line.slope);
-    const double smallest = SMALLEST_DEVIATION * (y.maxCoeff() - y.minCoeff());
+    const double smallest = robustStatistics::smallestDeviation(y);
     if (!(line.slope > 0.0) || !(smallest > 0.0))
         return map;
 

@@ -16,12 +16,10 @@ namespace {
 
 constexpr int ROUNDS = 2;          // of mixture and curve
 constexpr Eigen::Index FOLDS = 10; // of the cross-validation
-constexpr Eigen::Index MOST_PAIRS_OF_CROSS_VALIDATION = 2000;
+constexpr Eigen::Index MOST_PAIRS_OF_CROSS_VALIDATION = 500;
 
 // From the strongest pull to the weakest.
-constexpr std::array<double, 8> STRENGTHS{
-    std::numeric_limits<double>::infinity(), 10.0, 3.0, 1.0, 0.3, 0.1, 0.03, 0.01};
-constexpr double WORTHWHILE = 0.98; // of the error with a stronger pull: less of a gain is taken for chance
+constexpr std::array<double, 6> STRENGTHS{std::numeric_limits<double>::infinity(), 3.0, 1.0, 0.3, 0.1, 0.03};
 
 constexpr double OUTLIER_LIMIT = 6.0; // standard deviations
 
@@ -55,19 +53,19 @@ struct RetentionTimeFit::Pairs
 /// In an order that depends on the numbers alone, by the mean of the heads first.
 RetentionTimeFit::Pairs RetentionTimeFit::Pairs::sorted() const
 {
-    Eigen::MatrixXd keys(count(), heads.cols() + 2);
+    Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor> keys(count(), heads.cols() + 2);
     keys << heads.rowwise().mean(), heads, times;
     std::vector<Eigen::Index> rows(static_cast<std::size_t>(count()));
     std::iota(rows.begin(), rows.end(), Eigen::Index{0});
     std::sort(rows.begin(), rows.end(), [&keys](Eigen::Index a, Eigen::Index b) {
-        const Eigen::RowVectorXd left = keys.row(a);
-        const Eigen::RowVectorXd right = keys.row(b);
-        return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end());
+        const double *left = keys.row(a).data();
+        const double *right = keys.row(b).data();
+        return std::lexicographical_compare(left, left + keys.cols(), right, right + keys.cols());
     });
     return only(rows);
 }
 
-/// Those that the cross-validation uses: of many, as many as it takes, evenly.
+/// Those that the cross-validation uses: of many five hundred, evenly.
 RetentionTimeFit::Pairs RetentionTimeFit::Pairs::thinned() const
 {
     const Eigen::Index kept = std::min(count(), MOST_PAIRS_OF_CROSS_VALIDATION);
@@ -123,21 +121,24 @@ Eigen::VectorXd RetentionTimeFit::heldOutResiduals(const Pairs &pairs, double st
     return residuals;
 }
 
-/// The strength whose held-out residuals are least on average, outliers counted as little beyond the limit. A weaker
-/// pull has to be worth it.
+/// The strength whose held-out residuals are least on average; none counts for more than an outlier's limit. A weaker
+/// pull has to gain more than the standard error of its gain, or it is taken for chance.
 double RetentionTimeFit::chooseStrength(const Pairs &pairs)
 {
     double best = STRENGTHS.front();
-    double limit = 0.0;
-    double least = 0.0;
+    const Eigen::VectorXd unmixed = heldOutResiduals(pairs, best);
+    const double limit = OUTLIER_LIMIT * robustStatistics::spread(unmixed);
+    Eigen::ArrayXd errors = unmixed.array().abs().min(limit);
     for (const double strength : STRENGTHS) {
-        const Eigen::VectorXd residuals = heldOutResiduals(pairs, strength);
         if (strength == STRENGTHS.front())
-            limit = OUTLIER_LIMIT * robustStatistics::spread(residuals);
-        const double error = residuals.cwiseAbs().cwiseMin(limit).mean();
-        if (strength == STRENGTHS.front() || error < WORTHWHILE * least) {
+            continue;
+        const Eigen::ArrayXd weaker = heldOutResiduals(pairs, strength).array().abs().min(limit);
+        const Eigen::ArrayXd gains = errors - weaker;
+        const double gain = gains.mean();
+        const double standardError = std::sqrt((gains - gain).square().mean() / static_cast<double>(gains.size()));
+        if (gain > standardError) {
             best = strength;
-            least = error;
+            errors = weaker;
         }
     }
     return best;

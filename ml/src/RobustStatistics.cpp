@@ -13,17 +13,19 @@ namespace {
 constexpr double SPREAD_OF_MEDIAN = 1.4826; // standard deviation of a normal distribution over its median magnitude
 constexpr double HUBER_LIMIT = 1.345;       // standard deviations
 constexpr double BIWEIGHT_LIMIT = 4.685;    // standard deviations
-constexpr int HUBER_STEPS = 8;
+constexpr double SMALLEST_SHARE = 0.01;     // of the quartile distance
+constexpr double SMALLEST_SHARE_OF_RANGE = 1e-9;
+constexpr int HUBER_STEPS = 5;
 
-constexpr Eigen::Index MOST_POINTS_OF_ALL_SLOPES = 400;
+constexpr Eigen::Index MOST_POINTS_OF_ALL_SLOPES = 100;
 
 double quantileOf(std::vector<double> values, double share)
 {
-    std::sort(values.begin(), values.end());
     const double place = share * static_cast<double>(values.size() - 1);
-    const auto below = static_cast<std::size_t>(place);
-    const std::size_t above = std::min(below + 1, values.size() - 1);
-    return std::lerp(values[below], values[above], place - static_cast<double>(below));
+    const auto below = values.begin() + static_cast<std::ptrdiff_t>(place);
+    std::nth_element(values.begin(), below, values.end());
+    const auto above = below + 1 == values.end() ? below : std::min_element(below + 1, values.end());
+    return std::lerp(*below, *above, place - std::floor(place));
 }
 
 std::vector<Eigen::Index> orderOf(const Eigen::VectorXd &x, const Eigen::VectorXd &y)
@@ -63,6 +65,12 @@ double quantile(const Eigen::VectorXd &values, double share)
 double spread(const Eigen::VectorXd &residuals)
 {
     return SPREAD_OF_MEDIAN * quantile(residuals.cwiseAbs(), 0.5);
+}
+
+double smallestDeviation(const Eigen::VectorXd &values)
+{
+    const double distance = quantile(values, 0.75) - quantile(values, 0.25);
+    return std::max(SMALLEST_SHARE * distance, SMALLEST_SHARE_OF_RANGE * (values.maxCoeff() - values.minCoeff()));
 }
 
 Line theilSenLine(const Eigen::VectorXd &x, const Eigen::VectorXd &y)

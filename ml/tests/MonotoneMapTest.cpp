@@ -56,13 +56,14 @@ TEST(MonotoneMap, GoesThroughPointsOfALineAndOnBeyondThem)
 
 TEST(MonotoneMap, FollowsACurve)
 {
-    const auto curve = [](double x) { return 20.0 * std::sqrt(x + 1.0); };
+    // Its second derivative is 0.16 at most, so that pieces of a length of 8.25 miss it by 8.25^2 / 8 x 0.16 = 1.3.
+    const auto curve = [](double x) { return 20.0 * std::sqrt(x + 10.0); };
     const Eigen::VectorXd x = grid(0.0, 99.0, 400);
     const MonotoneMap map = MonotoneMap::fit(x, mapped(x, curve), 12);
     for (const double each : {1.0, 5.0, 20.0, 50.0, 98.0})
-        EXPECT_NEAR(map.at(each), curve(each), 2.0) << each; // of a range of 180
+        EXPECT_NEAR(map.at(each), curve(each), 2.0) << each; // of a range of 145
     const MonotoneMap line = MonotoneMap::fit(x, mapped(x, curve), 1);
-    EXPECT_GT(std::abs(line.at(1.0) - curve(1.0)), 10.0) << "one piece cannot follow it";
+    EXPECT_GT(std::abs(line.at(1.0) - curve(1.0)), 5.0) << "one piece cannot follow it";
 }
 
 TEST(MonotoneMap, IsNotMovedByWrongPoints)

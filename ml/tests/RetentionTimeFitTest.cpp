@@ -117,7 +117,7 @@ TEST(RetentionTimeFit, FollowsACurvedGradient)
 {
     Chromatography chromatography = mixed({0.0, 1.0, 0.0});
     chromatography.curve = [](double index) { return 60.0 / (1.0 + std::exp(-(index - 50.0) / 25.0)); };
-    const Eigen::MatrixXd heads = randomHeads(400, 3, 8);
+    const Eigen::MatrixXd heads = randomHeads(250, 3, 8);
     Eigen::VectorXd times = chromatography.timesOf(heads);
     makeOutliers(&times, 9);
     const auto fit = RetentionTimeFit::fit(heads, times);
@@ -141,7 +141,7 @@ TEST(RetentionTimeFit, PullsToTheMeanWhereFewNoisyPairsSayLittle)
 
 TEST(RetentionTimeFit, RisesEverywhere)
 {
-    const Eigen::MatrixXd heads = randomHeads(300, 3, 13);
+    const Eigen::MatrixXd heads = randomHeads(150, 3, 13);
     Eigen::VectorXd times = mixed({0.4, 0.3, 0.3}).timesOf(heads);
     std::mt19937 generator(14);
     std::normal_distribution<double> noise(0.0, 6.0);
@@ -155,11 +155,11 @@ TEST(RetentionTimeFit, RisesEverywhere)
 
 TEST(RetentionTimeFit, GivesTheSameForAnyOrderOfThePairs)
 {
-    Eigen::MatrixXd heads = randomHeads(150, 4, 15);
+    Eigen::MatrixXd heads = randomHeads(60, 4, 15);
     heads.row(3) = heads.row(4); // equal heads, other times
     Eigen::VectorXd times = mixed({0.1, 0.2, 0.3, 0.4}).timesOf(heads);
     makeOutliers(&times, 16);
-    std::vector<Eigen::Index> order(150);
+    std::vector<Eigen::Index> order(60);
     std::iota(order.begin(), order.end(), Eigen::Index{0});
     const auto straight = RetentionTimeFit::fit(heads, times);
     std::shuffle(order.begin(), order.end(), std::mt19937(17));
@@ -187,7 +187,7 @@ TEST(RetentionTimeFit, FollowsUnitAndZeroOfTheTimes)
 
 TEST(RetentionTimeFit, SaysTheWidthOf95PercentOfTheResiduals)
 {
-    const Eigen::MatrixXd heads = randomHeads(1000, 2, 20);
+    const Eigen::MatrixXd heads = randomHeads(500, 2, 20);
     Eigen::VectorXd times = mixed({0.5, 0.5}).timesOf(heads);
     std::mt19937 generator(21);
     std::normal_distribution<double> noise(0.0, 1.0);
@@ -195,7 +195,7 @@ TEST(RetentionTimeFit, SaysTheWidthOf95PercentOfTheResiduals)
         time += noise(generator);
     const auto fit = RetentionTimeFit::fit(heads, times);
     ASSERT_FALSE(fit.hasError());
-    EXPECT_NEAR(fit.value().width95(), 2 * 1.96, 0.3); // normal distribution; the quantile of 1000 scatters by 0.1
+    EXPECT_NEAR(fit.value().width95(), 2 * 1.96, 0.45); // normal distribution; the quantile of 500 scatters by 0.2
     EXPECT_LE(fit.value().outlierCount(), 1);
 }
 
@@ -212,16 +212,16 @@ TEST(RetentionTimeFit, SurvivesTimesOfAnySize)
     EXPECT_LT(medianError(fit.value(), chromatography, 23), 0.05);
 }
 
-TEST(RetentionTimeFit, TakesMoreThanTwoThousandPairs)
+TEST(RetentionTimeFit, TakesMorePairsThanItCrossValidates)
 {
     const Chromatography chromatography = mixed({0.2, 0.8});
-    const Eigen::MatrixXd heads = randomHeads(5000, 2, 24);
+    const Eigen::MatrixXd heads = randomHeads(700, 2, 24);
     Eigen::VectorXd times = chromatography.timesOf(heads);
     makeOutliers(&times, 25);
     const auto fit = RetentionTimeFit::fit(heads, times);
     ASSERT_FALSE(fit.hasError());
     EXPECT_LT(medianError(fit.value(), chromatography, 26), 0.05);
-    EXPECT_NEAR(fit.value().outlierCount(), 1000, 60);
+    EXPECT_NEAR(fit.value().outlierCount(), 140, 12);
 }
 
 struct RefusedCase

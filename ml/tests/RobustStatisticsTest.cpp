@@ -30,6 +30,13 @@ TEST(RobustStatistics, TakeTheSpreadFromTheMedianMagnitude)
     EXPECT_DOUBLE_EQ(robust::spread(values({-1.0, 2.0, -3.0, 100.0, 0.5})), 1.4826 * 2.0);
 }
 
+TEST(RobustStatistics, AssumeAHundredthOfTheQuartileDistance)
+{
+    EXPECT_DOUBLE_EQ(robust::smallestDeviation(values({0.0, 10.0, 20.0, 30.0, 1000.0})), 0.2);
+    EXPECT_DOUBLE_EQ(robust::smallestDeviation(values({1.0, 1.0, 1.0, 1.0, 3.0})), 2e-9);
+    EXPECT_EQ(robust::smallestDeviation(values({1.0, 1.0})), 0.0);
+}
+
 TEST(RobustStatistics, DrawTheLineOfTheMedianSlope)
 {
     // Slopes between the points, by hand: 1, 1, 10/3, 1, 9/2, 8: the median is (1 + 10/3) / 2.
