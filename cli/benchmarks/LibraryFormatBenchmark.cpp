@@ -17,8 +17,8 @@ constexpr int PEAK_COUNT = 40;
 LibraryEntry example()
 {
     LibraryEntry entry;
-    entry.peptidoform = Peptidoform(QStringLiteral("LQSRPAAPPAPGPGQLCTLR"),
-                                    {{17, modifications::findByAccession(4)->modification}});
+    entry.peptidoform =
+        Peptidoform(QStringLiteral("LQSRPAAPPAPGPGQLCTLR"), {{17, modifications::findByAccession(4)->modification}});
     entry.charge = 2;
     entry.precursorMz = 1036.05321;
     entry.proteins = {{"P12345", "TEST", {}}, {"Q67890", "TEST2", {}}};

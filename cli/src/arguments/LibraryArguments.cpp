@@ -117,7 +117,8 @@ void LibraryArguments::addOutputTo(CLI::App *command)
 {
     command->add_option("-o,--output", m_output, "write to LIB, which appears only when it is complete")
         ->type_name("LIB");
-    command->add_option("-f,--format", m_format, "msp, tsv, mgf, mzspeclib, dlib, blib or pqp; default: by LIB's ending")
+    command
+        ->add_option("-f,--format", m_format, "msp, tsv, mgf, mzspeclib, dlib, blib or pqp; default: by LIB's ending")
         ->type_name("FORMAT");
     command->add_option("--skipped", m_skipped, "list the peptides that are left out, and why")->type_name("FILE.tsv");
     command

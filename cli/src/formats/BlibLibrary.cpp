@@ -48,7 +48,8 @@ constexpr char INSERT_SPECTRUM[] =
 
 constexpr char SELECT_SPECTRA[] =
     "SELECT s.id, s.peptideSeq, s.precursorMZ, s.precursorCharge, s.peptideModSeq, s.numPeaks, s.retentionTime,"
-    " s.totalIonCurrent, p.peakMZ, p.peakIntensity FROM RefSpectra s JOIN RefSpectraPeaks p ON p.rowid = s.id ORDER BY s.id";
+    " s.totalIonCurrent, p.peakMZ, p.peakIntensity FROM RefSpectra s JOIN RefSpectraPeaks p ON p.rowid = s.id ORDER BY "
+    "s.id";
 constexpr char SELECT_MODIFICATIONS[] = "SELECT RefSpectraID, position, mass FROM Modifications ORDER BY id";
 constexpr char SELECT_PROTEINS[] = "SELECT l.RefSpectraId, p.accession FROM RefSpectraProteins l"
                                    " JOIN Proteins p ON p.id = l.ProteinId ORDER BY l.rowid";
@@ -176,9 +177,9 @@ Error BlibLibrary::createTables(SqliteDatabase *database, const LibraryInfo &inf
 Error BlibLibrary::insert(const EncodedEntry &entry)
 {
     ++m_count;
-    if (Error error = m_spectrum.run(m_count, entry.peptide, entry.precursorMz, entry.charge, entry.modifiedPeptide,
-                                     entry.peakCount, entry.retentionTime, entry.totalIonCurrent,
-                                     QByteArray::number(m_count));
+    if (Error error =
+            m_spectrum.run(m_count, entry.peptide, entry.precursorMz, entry.charge, entry.modifiedPeptide,
+                           entry.peakCount, entry.retentionTime, entry.totalIonCurrent, QByteArray::number(m_count));
         error.hasError())
         return error;
     if (Error error = m_peaks.run(m_count, SqliteBlob{entry.masses}, SqliteBlob{entry.intensities}); error.hasError())

@@ -120,9 +120,9 @@ Error DlibLibrary::insert(const EncodedEntry &entry)
     m_precursors.append(std::move(precursor));
     const int massLength = entry.peakCount * int(sizeof(double));
     const int intensityLength = entry.peakCount * int(sizeof(float));
-    if (Error error = m_entry.run(entry.precursorMz, entry.charge, entry.modifiedPeptide, entry.peptide,
-                                  entry.retentionTime, massLength, SqliteBlob{entry.masses}, intensityLength,
-                                  SqliteBlob{entry.intensities});
+    if (Error error =
+            m_entry.run(entry.precursorMz, entry.charge, entry.modifiedPeptide, entry.peptide, entry.retentionTime,
+                        massLength, SqliteBlob{entry.masses}, intensityLength, SqliteBlob{entry.intensities});
         error.hasError())
         return error;
     m_lastPeptide = entry.peptide;

@@ -37,8 +37,8 @@ struct LibraryEntry
     /// after the peptidoform then, else after the peptide alone.
     bool isVariant = false;
 
-    int charge = 0;           ///< of the precursor, from 1
-    double precursorMz = 0.0; ///< m/z, monoisotopic
+    int charge = 0;                                                  ///< of the precursor, from 1
+    double precursorMz = 0.0;                                        ///< m/z, monoisotopic
     double retentionTime = std::numeric_limits<double>::quiet_NaN(); ///< NaN: not predicted
     TimeScale timeScale = TimeScale::Irt;
     QList<LibraryProtein> proteins;

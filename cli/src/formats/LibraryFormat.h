@@ -80,10 +80,10 @@ const LibraryFormat *textLibraryFormat(LibraryFileKind kind);
 ///
 /// MW is the neutral monoisotopic mass. Modifications stand in the comment's `Mods` (positions from 0, those of a
 /// terminus at the residue there) by Unimod's name; one known by its mass alone as the signed mass, which readers that
-/// know names only refuse. OpenMS takes a modified first residue for a modified N-terminus and a modified last one for a
-/// modified C-terminus. The comment's `Protein` and `Gene` list several with `;`, a decoy has `Remark=DECOY`. The
-/// retention time is `iRT`, a calibrated one `RetentionTime` in seconds. Intensities are scaled so that 1 becomes 10000;
-/// every peak has its ion, `"y7-H2O+i^2/0.0ppm"`, or `"?"`.
+/// know names only refuse. OpenMS takes a modified first residue for a modified N-terminus and a modified last one for
+/// a modified C-terminus. The comment's `Protein` and `Gene` list several with `;`, a decoy has `Remark=DECOY`. The
+/// retention time is `iRT`, a calibrated one `RetentionTime` in seconds. Intensities are scaled so that 1 becomes
+/// 10000; every peak has its ion, `"y7-H2O+i^2/0.0ppm"`, or `"?"`.
 const LibraryFormat &mspLibraryFormat();
 
 /// Mascot generic format (https://www.matrixscience.com/help/data_file_help.html): TITLE is `PEPTIDE/charge`, of a
@@ -96,12 +96,12 @@ const LibraryFormat &mgfLibraryFormat();
 
 /// mzSpecLib 1.0 of HUPO-PSI, its text form (https://www.psidev.info/mzspeclib), with terms of the PSI-MS vocabulary.
 ///
-/// The peptidoform stands in ProForma notation with its charge: `C[UNIMOD:4]`, a modification known by its mass alone as
-/// `C[+12.345000]`. A decoy is an `unnatural peptidoform decoy spectrum`. Each protein is a group of attributes:
+/// The peptidoform stands in ProForma notation with its charge: `C[UNIMOD:4]`, a modification known by its mass alone
+/// as `C[+12.345000]`. A decoy is an `unnatural peptidoform decoy spectrum`. Each protein is a group of attributes:
 /// accession, entry name, gene. Intensities are relative to 1; every peak has its ion in mzPAF notation, isotopes among
 /// them, or `?`. The precursor's m/z stands in the spectrum, where readers look for it, and as a theoretical one in the
-/// analyte. An iRT is the `normalized retention time`, a calibrated time the `predicted retention time` in minutes. A
-/// spectrum's key is its index + 1.
+/// analyte. An iRT is the `normalized retention time`, a calibrated time the `predicted retention time`, both in
+/// minutes, as the vocabulary wants a unit. A spectrum's key is its index + 1.
 const LibraryFormat &mzSpecLibFormat();
 
 /// The transition list of OpenSWATH (TransitionTSVFile of OpenMS, https://openms.de) with the columns that DIA-NN

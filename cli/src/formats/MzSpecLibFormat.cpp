@@ -8,14 +8,15 @@ namespace {
 
 constexpr char FIRST_LINE[] = "<Spectrum=";
 
+// The vocabulary wants a unit of any retention time. An iRT has none and counts as minutes.
 void addTime(TextBuffer *text, const LibraryEntry &entry)
 {
     if (!entry.hasRetentionTime())
         return;
     const bool isIrt = entry.timeScale == TimeScale::Irt;
-    text->add(isIrt ? "MS:1000896|normalized retention time=" : "[1]MS:1000897|predicted retention time=");
+    text->add(isIrt ? "[1]MS:1000896|normalized retention time=" : "[1]MS:1000897|predicted retention time=");
     addRetentionTime(text, entry.retentionTime);
-    text->add(isIrt ? "\n" : "\n[1]UO:0000000|unit=UO:0000031|minute\n");
+    text->add("\n[1]UO:0000000|unit=UO:0000031|minute\n");
 }
 
 void addSpectrum(TextBuffer *text, const LibraryEntry &entry)

@@ -35,7 +35,7 @@ constexpr char TABLES[] =
 
 constexpr char INSERT_PRECURSOR[] =
     "INSERT INTO PRECURSOR (ID, TRAML_ID, GROUP_LABEL, PRECURSOR_MZ, CHARGE, LIBRARY_RT, LIBRARY_DRIFT_TIME, DECOY)"
-    " VALUES (?, ?, ?, ?, ?, ?, -1, ?)";
+    " VALUES (?, ?, '', ?, ?, ?, -1, ?)";
 constexpr char INSERT_TRANSITION[] = "INSERT INTO TRANSITION VALUES (?, ?, ?, ?, ?, ?, ?, 1, 0, 1, ?, ?)";
 
 // A precursor has one row in the mapping to its peptide, and a transition one in that to its precursor: their rows were
@@ -267,8 +267,8 @@ Error PqpLibrary::insert(const EncodedEntry &entry)
         if (Error error = insertPeptide(entry); error.hasError())
             return error;
     }
-    if (Error error = m_precursor.run(m_precursorCount, entry.name, entry.modifiedPeptide, entry.precursorMz,
-                                      entry.charge, entry.retentionTime, int(entry.isDecoy));
+    if (Error error = m_precursor.run(m_precursorCount, entry.name, entry.precursorMz, entry.charge,
+                                      entry.retentionTime, int(entry.isDecoy));
         error.hasError())
         return error;
     if (Error error = m_peptideLink.run(m_precursorCount, m_peptideCount - 1); error.hasError())

@@ -87,11 +87,11 @@ std::unique_ptr<SqliteLibrary> makeSqliteLibrary(LibraryFileKind kind);
 
 /// The library of EncyclopeDIA (https://bitbucket.org/searleb/encyclopedia/wiki, "File Formats").
 ///
-/// `RTInSeconds` must be there: an iRT counts as minutes, as EncyclopeDIA shows times in minutes and aligns them; without
-/// a retention time it is -1, which stands for an unknown one. `Score` is 0, `Copies` 1, `SourceFile` "predicted".
-/// Modifications of a terminus count for the residue there; of two peptidoforms that are the same then, the first is
-/// kept. Arrays are big-endian and compressed by zlib, their lengths those before. All peaks are stored, the format
-/// names no ions. Decoys are told by `isDecoy` of their proteins alone; EncyclopeDIA makes decoys itself.
+/// `RTInSeconds` must be there: an iRT counts as minutes, as EncyclopeDIA shows times in minutes and aligns them;
+/// without a retention time it is -1, which stands for an unknown one. `Score` is 0, `Copies` 1, `SourceFile`
+/// "predicted". Modifications of a terminus count for the residue there; of two peptidoforms that are the same then,
+/// the first is kept. Arrays are big-endian and compressed by zlib, their lengths those before. All peaks are stored,
+/// the format names no ions. Decoys are told by `isDecoy` of their proteins alone; EncyclopeDIA makes decoys itself.
 std::unique_ptr<SqliteLibrary> makeDlibLibrary();
 
 /// The library of BiblioSpec and Skyline, schema 1.10 (ProteoWizard, pwiz_tools/BiblioSpec).

@@ -50,8 +50,8 @@ const CysteineModification *knownCysteineModification(double mass);
 /// Whether a cysteine to which that mass (Da) is added counts as modified: it is 0.001 Da or more, up or down.
 bool isCysteineModified(double mass);
 
-/// The modification that adds this mass to a cysteine: a known reagent by its name, else one known by its mass alone. It
-/// has the mass as it is given.
+/// The modification that adds this mass to a cysteine: a known reagent by its name, else one known by its mass alone.
+/// It has the mass as it is given.
 Modification cysteineModification(double mass);
 
 /// The peptide with that mass added to every cysteine; none is modified where the mass does not count.

@@ -239,7 +239,8 @@ TEST(RetentionTime, IrtStandsWhereAFormatHasIt)
     const LibraryEntry entry = timed(TimeScale::Irt);
     EXPECT_NE(text(LibraryFileKind::Msp, entry).find("Protein=DECOY_P12345 iRT=-12.346 Remark"), std::string::npos);
     EXPECT_NE(text(LibraryFileKind::Tsv, entry).find("\t1.000000\t-12.346\tDECOY_P12345\t"), std::string::npos);
-    EXPECT_NE(text(LibraryFileKind::MzSpecLib, entry).find("\nMS:1000896|normalized retention time=-12.346\n"),
+    EXPECT_NE(text(LibraryFileKind::MzSpecLib, entry)
+                  .find("\n[1]MS:1000896|normalized retention time=-12.346\n[1]UO:0000000|unit=UO:0000031|minute\n"),
               std::string::npos);
     EXPECT_EQ(text(LibraryFileKind::Mgf, entry).find("RTINSECONDS"), std::string::npos);
 }

@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """What the entries of entries.json are in the words of the formats."""
 
+import decimal
+
 # Half of the last digit written, and what is lost on the way there and back; readers hold intensities as 32-bit
 # numbers, of which those near 10000 are 0.001 apart.
 MZ = 5.01e-6
@@ -60,9 +62,11 @@ def residue_masses(entry):
 
 
 def mass_tagged(entry, digits):
-    masses = residue_masses(entry)
+    exact = {i: decimal.Decimal(f"{mass:.6f}") for i, mass in residue_masses(entry).items()}
+    last = decimal.Decimal(1).scaleb(-digits)
+    written = {i: mass.quantize(last, rounding=decimal.ROUND_HALF_UP) for i, mass in exact.items()}
     return "".join(
-        residue + (f"[{masses[i]:+.{digits}f}]" if i in masses else "") for i, residue in enumerate(entry["peptide"])
+        residue + (f"[{written[i]:+}]" if i in written else "") for i, residue in enumerate(entry["peptide"])
     )
 
 
@@ -94,6 +98,11 @@ def spectrum_name(entry):
 
 def accessions(entry):
     return [accession for accession, _, _ in entry["proteins"]]
+
+
+def listed(entries):
+    """The entries that a transition list holds."""
+    return [entry for entry in entries if transitions(entry)]
 
 
 def transitions(entry):

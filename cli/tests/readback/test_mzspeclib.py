@@ -43,20 +43,19 @@ def expected_groups(entry):
     ]
 
 
+TIME_TERMS = {"irt": "MS:1000896|normalized retention time", "minutes": "MS:1000897|predicted retention time"}
+
+
 def check_time(entry, spectrum):
+    groups = {one.key: one.group_id for one in spectrum.attributes if one.key in TIME_TERMS.values()}
     if entry["retention_time"] is None:
-        assert not spectrum.has_attribute("MS:1000896|normalized retention time")
-        assert not spectrum.has_attribute("MS:1000897|predicted retention time")
-    elif entry["time_scale"] == "irt":
-        time = spectrum.get_attribute("MS:1000896|normalized retention time")
-        assert time == pytest.approx(entry["retention_time"], abs=expected.TIME)
-    else:
-        (group,) = [one.group_id for one in spectrum.attributes if one.key == "MS:1000897|predicted retention time"]
-        values = {one.key: one.value for one in spectrum.attributes if one.group_id == group}
-        assert values["MS:1000897|predicted retention time"] == pytest.approx(
-            entry["retention_time"], abs=expected.TIME
-        )
-        assert values["UO:0000000|unit"] == "UO:0000031|minute"
+        assert groups == {}
+        return
+    ((term, group),) = groups.items()
+    assert term == TIME_TERMS[entry["time_scale"]]
+    values = {one.key: one.value for one in spectrum.attributes if one.group_id == group}
+    assert values[term] == pytest.approx(entry["retention_time"], abs=expected.TIME)
+    assert values["UO:0000000|unit"] == "UO:0000031|minute"
 
 
 def test_library_says_what_it_is(read, set_name, entries):

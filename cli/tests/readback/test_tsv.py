@@ -60,8 +60,8 @@ def openms_location(entry, modification):
 
 def test_openms_reads_every_peptide(experiment, entries):
     peptides = {peptide.id: peptide for peptide in experiment.getPeptides()}
-    assert len(peptides) == len(entries)
-    for entry in entries:
+    assert len(peptides) == len(expected.listed(entries))
+    for entry in expected.listed(entries):
         peptide = peptides[expected.precursor_name(entry)]
         assert peptide.sequence == entry["peptide"]
         assert peptide.getChargeState() == entry["charge"]
@@ -83,7 +83,7 @@ def check_genes(entry, peptide):
 def test_openms_reads_every_protein_once(experiment, entries):
     accessions = [protein.id for protein in experiment.getProteins()]
     assert len(accessions) == len(set(accessions))
-    assert set(accessions) == {accession for entry in entries for accession in expected.accessions(entry)}
+    assert set(accessions) == {accession for entry in expected.listed(entries) for accession in expected.accessions(entry)}
 
 
 def check_time(entry, written):
