@@ -173,8 +173,8 @@ TEST(SpectrumCommand, OutputFileTakesTheFormatOfItsEnding)
 
 TEST(SpectrumCommand, ModifiedIonsStandAtTheirTheoreticalMz)
 {
-    const ProgramRun run = runZav({"spectrum", "AC[Carbamidomethyl]DM[Oxidation]LVEEYK", "2", "--energy", "27",
-                                   "--annotate", "--no-isotopes"});
+    const ProgramRun run = runZav(
+        {"spectrum", "AC[Carbamidomethyl]DM[Oxidation]LVEEYK", "2", "--energy", "27", "--annotate", "--no-isotopes"});
     EXPECT_EQ(run.exitCode, 0) << run.standardError;
     EXPECT_EQ(run.standardError, "");
     const QMap<QString, double> found = ions(run.standardOutput);
@@ -264,9 +264,11 @@ TEST(SpectrumCommand, ModifiedSpectraHaveIsotopes)
 
 TEST(SpectrumCommand, FormatsCarryTheModifications)
 {
-    const QStringList precursor{"spectrum", "[Acetyl]-AC[Carbamidomethyl]DM[Oxidation]K", "2", "--no-isotopes", "--format"};
+    const QStringList precursor{"spectrum", "[Acetyl]-AC[Carbamidomethyl]DM[Oxidation]K", "2", "--no-isotopes",
+                                "--format"};
     const QStringList msp = linesOf(runZav(precursor + QStringList{"msp"}).standardOutput);
-    // A 71.037114, C 103.009185, D 115.026943, M 131.040485, K 128.094963, water 18.010565; 42.010565, 57.021464, 15.994915.
+    // A 71.037114, C 103.009185, D 115.026943, M 131.040485, K 128.094963,
+    // water 18.010565; 42.010565, 57.021464, 15.994915.
     EXPECT_EQ(msp[0].toStdString(), "Name: ACDMK/2");
     EXPECT_EQ(msp[1].toStdString(), "MW: 681.24620");
     EXPECT_EQ(msp[4].section("Mods=", 1).toStdString(), "3/0,A,Acetyl/1,C,Carbamidomethyl/3,M,Oxidation");

@@ -83,7 +83,8 @@ TEST_F(DamagedModels, MissingNetworkOfPeptidoformsFailsWhatNeedsIt)
     EXPECT_EQ(list.exitCode, 1);
     EXPECT_GT(linesOf(list.standardOutput).size(), 5);
     EXPECT_EQ(linesOf(list.standardError).first(), "zav: standard input:2: AM[Oxidation]K/2: no network "
-                                                   "peptidoform_spectrum.pb in " + m_folder.path());
+                                                   "peptidoform_spectrum.pb in " +
+                                                       m_folder.path());
 }
 
 TEST_F(DamagedModels, BrokenNetworkOfPeptidoformsIsNamed)
