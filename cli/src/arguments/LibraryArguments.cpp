@@ -19,10 +19,11 @@ constexpr char EXAMPLES[] =
     R"(PROTEINS is a FASTA file, plain or compressed with gzip, and - standard input. FILE of --peptides has a peptide a
 line, or columns named peptide, protein and gene. Every peptide appears once, with all its proteins, at each charge.
 
-The kind of library follows from the ending of -o: .msp, .tsv (OpenSWATH and DIA-NN), .mgf, .mzSpecLib.txt, .dlib
-(EncyclopeDIA) or .blib (BiblioSpec). No retention times are predicted; where a format must have one it is 0.
-Intensities are relative to the base peak of what the filters leave. The networks give no peaks over 2000 m/z or under
-0.025 of their base peak; .tsv holds neither a ions nor isotopes. Precursors without a peak are left out.
+The kind of library follows from the ending of -o: .msp, .tsv (OpenSWATH and DIA-NN), .pqp (OpenSWATH), .mgf,
+.mzSpecLib.txt, .dlib (EncyclopeDIA) or .blib (BiblioSpec). No retention times are predicted; where a format must have
+one it is 0. Intensities are relative to the base peak of what the filters leave. The networks give no peaks over 2000
+m/z or under 0.025 of their base peak; .tsv and .pqp hold neither a ions nor isotopes. Precursors without a peak are
+left out.
 
 --fixed and --variable take NAME@SITES. NAME is Unimod's (Oxidation), UNIMOD:35 or a mass (+15.9949). SITES are parted
 by commas: residues (STY), N-term, C-term, protein-N-term, protein-C-term, or N-term:Q for that residue at a terminus.
@@ -163,7 +164,8 @@ void LibraryArguments::addOutputTo(CLI::App *command)
 {
     command->add_option("-o,--output", m_output, "write to LIB, which appears only when it is complete")
         ->type_name("LIB");
-    command->add_option("-f,--format", m_format, "msp, tsv, mgf, mzspeclib, dlib or blib; default: by LIB's ending")
+    command
+        ->add_option("-f,--format", m_format, "msp, tsv, mgf, mzspeclib, dlib, blib or pqp; default: by LIB's ending")
         ->type_name("FORMAT");
     command->add_option("--skipped", m_skipped, "list the peptides that are left out, and why")->type_name("FILE.tsv");
     command

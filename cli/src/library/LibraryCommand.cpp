@@ -33,7 +33,7 @@ qint64 dividedUp(qint64 dividend, qint64 divisor)
 PeakFilterOptions peaksFor(const LibraryOptions &options)
 {
     PeakFilterOptions peaks = options.peaks;
-    if (options.kind == LibraryFileKind::Tsv) {
+    if (isTransitionList(options.kind)) {
         peaks.aIons = false;
         peaks.isotopes = false;
     }
@@ -54,7 +54,8 @@ LibraryCommand::LibraryCommand(const LibraryOptions &options)
     if (m_options.threads == 0)
         m_options.threads = usableCores();
     if (options.peaks.isotopes && !m_options.peaks.isotopes)
-        messages().note(QStringLiteral("TSV cannot hold isotope peaks; --isotopes has no effect"));
+        messages().note(QStringLiteral("%1 cannot hold isotope peaks; --isotopes has no effect")
+                            .arg(libraryFileKindNames()[static_cast<int>(options.kind)].toUpper()));
 }
 
 Error LibraryCommand::work()

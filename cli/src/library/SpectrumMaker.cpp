@@ -88,9 +88,9 @@ void SpectrumMaker::makeCharge(Work *work, int charge)
     }
     const qsizetype slotOfCharge = m_options.charges.indexOf(charge);
     work->made.error = m_predictor.predict(sequences, charge, [&](qsizetype i, const QList<FragmentPeak> &peaks) {
-        WrittenEntry entry = encode(block[work->peptides[indices[i]]], charge, precursorMz[i], peaks);
+        WrittenEntry entry = encode(block[work->peptides[indices[i]]], work->peptidoforms[indices[i]], charge,
+                                    precursorMz[i], peaks, &work->made.arena);
         work->made.counts.withoutPeaks += entry.isEmpty();
-        entry.text = work->made.arena.keep(entry.text);
         work->slots[static_cast<size_t>(indices[i] * m_options.charges.size() + slotOfCharge)] = std::move(entry);
     });
 }
@@ -129,25 +129,24 @@ bool SpectrumMaker::isServed(const UnpredictedPrecursor &precursor, double mz, M
     return false;
 }
 
-WrittenEntry SpectrumMaker::encode(const LibraryPeptide &peptide, int charge, double mz,
-                                   const QList<FragmentPeak> &peaks) const
+WrittenEntry SpectrumMaker::encode(const LibraryPeptide &peptide, const LibraryPeptidoform &peptidoform, int charge,
+                                   double mz, const QList<FragmentPeak> &peaks, TextArena *arena)
 {
-    LibraryEntry entry;
-    entry.peaks = m_filter.apply(peaks);
+    LibraryEntry &entry = m_entry;
+    m_filter.apply(peaks, &entry.peaks);
     if (entry.peaks.isEmpty())
         return {};
-    entry.peptide = QString::fromLatin1(peptide.sequence);
+    entry.peptidoform = peptidoform.peptidoform;
+    entry.isVariant = peptidoform.isVariant;
     entry.charge = charge;
     entry.precursorMz = mz;
-    entry.cysteineMass = m_options.cysteineMass;
     entry.isDecoy = peptide.isDecoy;
+    entry.proteins.clear();
     for (const int index : peptide.proteins) {
-        const Protein protein = m_proteins.protein(index, peptide.isDecoy);
-        entry.proteins.append(protein.accession);
-        entry.proteinNames.append(protein.name);
-        entry.genes.append(protein.gene);
+        const ProteinNames names = m_proteins.names(index, peptide.isDecoy);
+        entry.proteins.append({names.accession, names.gene, names.name});
     }
-    return m_writer.encode(entry);
+    return m_writer.encode(entry, arena);
 }
 
 } // namespace zav

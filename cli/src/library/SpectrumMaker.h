@@ -65,7 +65,8 @@ private:
     void makeCharge(Work *work, int charge);
     Error checkModifications(const Peptidoform &peptidoform) const;
     bool isServed(const UnpredictedPrecursor &precursor, double mz, MadeSpectra *made) const;
-    WrittenEntry encode(const LibraryPeptide &peptide, int charge, double mz, const QList<FragmentPeak> &peaks) const;
+    WrittenEntry encode(const LibraryPeptide &peptide, const LibraryPeptidoform &peptidoform, int charge, double mz,
+                        const QList<FragmentPeak> &peaks, TextArena *arena);
 
     const LibraryOptions &m_options;
     LibraryPeptidoforms m_peptidoforms;
@@ -73,6 +74,7 @@ private:
     const LibraryWriter &m_writer;
     LibraryPredictor m_predictor;
     PeakFilter m_filter;
+    LibraryEntry m_entry; ///< being encoded; its lists keep their memory
 };
 
 } // namespace zav

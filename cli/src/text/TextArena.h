@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "TextBuffer.h"
+
 #include <QtCore/QByteArray>
 
 #include <algorithm>
@@ -13,8 +15,15 @@ namespace zav {
 class TextArena
 {
 public:
+    /// An empty buffer for a text to `keep`, the same each time.
+    TextBuffer *draft()
+    {
+        m_draft.clear();
+        return &m_draft;
+    }
+
     /// A copy of the text, which is valid as long as the arena, also after that was moved.
-    QByteArray keep(const QByteArray &text)
+    QByteArray keep(QByteArrayView text)
     {
         if (m_chunks.empty() || m_chunks.back().capacity() - m_chunks.back().size() < text.size()) {
             m_chunks.emplace_back();
@@ -30,6 +39,7 @@ private:
     static constexpr qsizetype CHUNK_SIZE = 1 << 20;
 
     std::vector<QByteArray> m_chunks;
+    TextBuffer m_draft;
 };
 
 } // namespace zav
