@@ -153,7 +153,7 @@ TEST_F(LibraryCommand, ListMayNameAModifiedPeptide)
 {
     m_files.write("list.txt", "MAGIC[Carbamidomethyl]PEPTIDEK\nMAGICPEPTIDEK\n");
     run({"--peptides", "list.txt", "-o", "lib.tsv", "--charges", "2"});
-    EXPECT_EQ(column("lib.tsv", "TransitionGroupId"), QStringList{"MAGIC(UniMod:4)PEPTIDEK_2"});
+    EXPECT_EQ(column("lib.tsv", "TransitionGroupId"), QStringList{"MAGICPEPTIDEK_2"});
 }
 
 TEST_F(LibraryCommand, IsTheSameToTheByteWhateverThreadsAndMemory)
