@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CommandArguments.h"
 #include "Enzyme.h"
+#include "Precursor.h"
 #include "PrintableText.h"
 
 #include <CLI/CLI.hpp>
@@ -20,10 +21,10 @@ constexpr char EXAMPLES[] =
 line, or columns named peptide, protein and gene. Every peptide appears once, with all its proteins, at each charge.
 
 The kind of library follows from the ending of -o: .msp, .tsv (OpenSWATH and DIA-NN), .pqp (OpenSWATH), .mgf,
-.mzSpecLib.txt, .dlib (EncyclopeDIA) or .blib (BiblioSpec). No retention times are predicted; where a format must have
-one it is 0. Intensities are relative to the base peak of what the filters leave. The networks give no peaks over 2000
-m/z or under 0.025 of their base peak; .tsv and .pqp hold neither a ions nor isotopes. Precursors without a peak are
-left out.
+.mzSpecLib.txt, .dlib (EncyclopeDIA) or .blib (BiblioSpec). Retention times are iRT (Escher et al. 2012), or those of a
+run with --calibrate, whose times are minutes. Intensities are relative to the base peak of what the filters leave. The
+network gives no peaks over 2000 m/z or under 0.04 of its base peak; .tsv and .pqp hold neither a ions nor isotopes.
+Precursors without a peak are left out.
 
 --fixed and --variable take NAME@SITES. NAME is Unimod's (Oxidation), UNIMOD:35 or a mass (+15.9949). SITES are parted
 by commas: residues (STY), N-term, C-term, protein-N-term, protein-C-term, or N-term:Q for that residue at a terminus.
@@ -31,8 +32,8 @@ A variable modification takes the place of a fixed one. Of each peptide come fir
 modifications, then those with one, and so on up to --max-variable. FILE of --peptides may hold modifications in
 ProForma (M[Oxidation]PEPTIDEK): such a peptide gets the fixed modifications where it has none and no variable ones.
 
-Peptides with a residue that is none of the 20 standard ones, or too long for the network of a charge (27, 43, 50, 52,
-50 residues for 1 to 5), are left out, counted, and listed in the FILE of --skipped.
+Peptides with a residue that is none of the 20 standard ones, or of more than 52 residues, are left out, counted, and
+listed in the FILE of --skipped.
 
 The library is the same to the byte whatever --threads, --low-memory and shards. LIB.json beside it says what it was
 made from; --resume compares that and the library's SHA-256 and makes only what is not there yet. A shard is a part of
@@ -102,6 +103,10 @@ private:
     std::string m_proteins, m_peptides, m_models, m_output, m_format, m_skipped, m_shard;
     std::string m_enzyme, m_cleavagePattern, m_charges, m_decoys;
     CLI::Option *m_cysteine = nullptr;
+    double m_cysteineMass = 0.0;
+    CLI::Option *m_energy = nullptr;
+    std::string m_calibrate;
+    bool m_noRetentionTimes = false;
     std::vector<std::string> m_fixed, m_variable;
     bool m_noLosses = false;
     std::vector<std::string> m_mergedShards;
@@ -130,18 +135,6 @@ QList<ModificationRule> cysteineRule(double mass)
     const CysteineModification *known = knownCysteineModification(mass);
     const modifications::Entry *entry = known ? modifications::findByAccession(known->unimod) : nullptr;
     return {{entry ? entry->modification : modifications::ofMass(mass), {{ModificationSite::Residue, 'C'}}}};
-}
-
-/// What the rules add to every cysteine, Da.
-double cysteineMassOf(const QList<ModificationRule> &fixed)
-{
-    for (const ModificationRule &rule : fixed) {
-        if (!rule.servesResidue('C'))
-            continue;
-        const bool isUsual = rule.modification == PeptidoformRules::usualFixed().first().modification;
-        return isUsual ? peptideMasses::DEFAULT_CYSTEINE_MODIFICATION : rule.modification.mass;
-    }
-    return 0.0;
 }
 
 } // namespace
@@ -232,15 +225,24 @@ void LibraryArguments::addModificationsTo(CLI::App *command)
                      withDefault("most variable modifications of a peptide", m_given.modifications.maxVariable))
         ->type_name("N");
     m_cysteine = command
-                     ->add_option("--cysteine", m_given.cysteineMass,
+                     ->add_option("--cysteine", m_cysteineMass,
                                   "instead of --fixed: this mass at every cysteine, in Da; 0: none")
                      ->type_name("MASS");
 }
 
 void LibraryArguments::addPrecursorsTo(CLI::App *command)
 {
-    command->add_option("--charges", m_charges, "precursor charges, 1 to 5, such as 2,3 or 1-4 [2,3]")
+    command->add_option("--charges", m_charges, "precursor charges, 1 to 6, such as 2,3 or 1-4 [2,3]")
         ->type_name("LIST");
+    m_energy = command
+                   ->add_option("--energy", m_given.collisionEnergy,
+                                "normalised collision energy, 10 to 60; trained on 20 to 40 [30]")
+                   ->type_name("NCE");
+    command
+        ->add_option("--calibrate", m_calibrate,
+                     "write retention times in minutes, fitted to this table of columns peptide and rt")
+        ->type_name("FILE");
+    command->add_flag("--no-retention-times", m_noRetentionTimes, "write none; without it they are iRT");
     command
         ->add_option("--min-precursor-mz", m_given.lowestPrecursorMz,
                      withDefault("lowest precursor m/z", m_given.lowestPrecursorMz))
@@ -289,6 +291,8 @@ Result<CommandLine> LibraryArguments::libraryOptions() const
     LibraryOptions options = m_given;
     options.modelFolder = text(m_models);
     options.peaks.neutralLosses = !m_noLosses;
+    options.retentionTimes = !m_noRetentionTimes;
+    options.observedTimes = text(m_calibrate);
     for (const auto step :
          {&LibraryArguments::convertInput, &LibraryArguments::convertModifications, &LibraryArguments::convertDecoys,
           &LibraryArguments::convertShard, &LibraryArguments::convertOutput}) {
@@ -322,7 +326,7 @@ Error LibraryArguments::convertModifications(LibraryOptions *options) const
 {
     if (m_cysteine->count() > 0 && !m_fixed.empty())
         return wrongArgument(QStringLiteral("--cysteine and --fixed cannot be used together"));
-    if (!std::isfinite(m_given.cysteineMass))
+    if (!std::isfinite(m_cysteineMass))
         return wrongArgument(QStringLiteral("--cysteine is not a finite mass"));
     PeptidoformRules &rules = options->modifications;
     const bool isNone =
@@ -334,10 +338,9 @@ Error LibraryArguments::convertModifications(LibraryOptions *options) const
     if (variable.hasError())
         return variable.error();
     if (m_cysteine->count() > 0) {
-        rules.fixed = cysteineRule(m_given.cysteineMass);
+        rules.fixed = cysteineRule(m_cysteineMass);
     } else if (!m_fixed.empty()) {
         rules.fixed = fixed.value();
-        options->cysteineMass = cysteineMassOf(rules.fixed);
     }
     rules.variable = variable.value();
     Error error = rules.check();
@@ -402,6 +405,10 @@ Error LibraryArguments::checkRanges() const
     if (!std::isfinite(highest) || !isWithin(m_given.lowestPrecursorMz, 0.0, highest))
         return wrongArgument(QStringLiteral(
             "--min-precursor-mz must be at least 0 and at most --max-precursor-mz, which must be finite"));
+    if (m_energy->count() > 0 && !isCollisionEnergy(m_given.collisionEnergy))
+        return wrongArgument(QStringLiteral("--energy is not within 10 to 60"));
+    if (m_noRetentionTimes && !m_calibrate.empty())
+        return wrongArgument(QStringLiteral("--calibrate and --no-retention-times cannot be used together"));
     if (peaks.top < 0)
         return wrongArgument(QStringLiteral("--top is below 0"));
     if (!isWithin(peaks.minIntensity, 0.0, 1.0))

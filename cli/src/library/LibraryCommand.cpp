@@ -2,6 +2,8 @@
 #include "LibraryCommand.h"
 
 #include "FileDigest.h"
+#include "NetworkLoading.h"
+#include "ObservedTimes.h"
 #include "OrderedPipeline.h"
 #include "OutputFile.h"
 #include "PrintableText.h"
@@ -74,7 +76,7 @@ Error LibraryCommand::work()
 /// Finds out what the library is made from, before anything is made.
 Error LibraryCommand::identify()
 {
-    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder);
+    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder, NetworkUse::Peptidoforms);
     if (folder.hasError())
         return folder.error();
     m_folder = folder.value();
@@ -106,7 +108,8 @@ Error LibraryCommand::makeLibrary()
 {
     if (Error error =
             inTurn(this, {&LibraryCommand::openOutputs, &LibraryCommand::digest, &LibraryCommand::countPeptidoforms,
-                          &LibraryCommand::loadNetworks, &LibraryCommand::predictAll, &LibraryCommand::finishOutputs});
+                          &LibraryCommand::calibrate, &LibraryCommand::loadNetworks, &LibraryCommand::predictAll,
+                          &LibraryCommand::finishOutputs});
         error.hasError())
         return error;
     tellTotals();
@@ -158,12 +161,43 @@ Error LibraryCommand::countPeptidoforms()
     return {};
 }
 
+/// Fits the times to those that were observed, where the user gives some.
+Error LibraryCommand::calibrate()
+{
+    if (!m_options.retentionTimes || m_options.observedTimes.isEmpty())
+        return {};
+    keepRuntimeInCallingThreads();
+    const QuietStandardError quiet(!m_options.verbose);
+    RetentionTimePredictor predictor;
+    if (Error error = loadRetentionTimes(*m_folder, &predictor); error.hasError())
+        return error;
+    const Result<ObservedTimes> observed = readObservedTimes(m_options.observedTimes);
+    if (observed.hasError())
+        return observed.error();
+    const Result<FittedTimes> fitted = fitTimes(observed.value(), m_options.observedTimes, &predictor);
+    if (fitted.hasError())
+        return fitted.error();
+    for (const QString &remark : fitted.value().remarks)
+        noteOnce(remark);
+    m_calibration = fitted.value().calibration;
+    return {};
+}
+
+void LibraryCommand::noteOnce(const QString &remark)
+{
+    if (m_noted.contains(remark))
+        return;
+    m_noted.append(remark);
+    messages().note(remark);
+}
+
 Error LibraryCommand::loadNetworks()
 {
     keepRuntimeInCallingThreads();
     const QuietStandardError quiet(!m_options.verbose);
     for (int thread = 0; thread < m_options.threads; ++thread) {
-        m_makers.push_back(std::make_unique<SpectrumMaker>(m_options, m_digested.peptides->proteins(), *m_writer));
+        m_makers.push_back(
+            std::make_unique<SpectrumMaker>(m_options, m_digested.peptides->proteins(), *m_writer, m_calibration));
         if (Error error = m_makers.back()->load(*m_folder); error.hasError())
             return error;
     }
@@ -203,6 +237,8 @@ Error LibraryCommand::consume(const MadeSpectra &made)
 {
     if (made.error.hasError())
         return made.error;
+    for (const QString &remark : made.remarks)
+        noteOnce(displayText(remark, 200));
     for (const WrittenEntry &entry : made.entries) {
         if (Error error = m_writer->add(entry); error.hasError())
             return error;
@@ -274,7 +310,7 @@ QString LibraryCommand::leftOut() const
         {m_counts.outOfRange, QStringLiteral("precursors outside %1 to %2 m/z")
                                   .arg(m_options.lowestPrecursorMz)
                                   .arg(m_options.highestPrecursorMz)},
-        {m_counts.tooLong, QStringLiteral("precursors too long for their network")},
+        {m_counts.tooLong, QStringLiteral("precursors too long for the network")},
         {m_counts.withoutPeaks, QStringLiteral("precursors without a peak")}};
     QStringList parts;
     for (const auto &[count, what] : reasons) {

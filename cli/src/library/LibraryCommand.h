@@ -30,7 +30,9 @@ private:
     Error openOutputs();
     Error digest();
     Error countPeptidoforms();
+    Error calibrate();
     Error loadNetworks();
+    void noteOnce(const QString &remark);
     Error predictAll();
     Error consume(const MadeSpectra &made);
     Error finishOutputs();
@@ -47,8 +49,10 @@ private:
     std::unique_ptr<LibraryWriter> m_writer;
     DigestedPeptides m_digested;
     PeptidoformCounts m_planned;
+    std::optional<RetentionTimeCalibration> m_calibration;
     std::vector<std::unique_ptr<SpectrumMaker>> m_makers; ///< one a thread
     PrecursorCounts m_counts;
+    QStringList m_noted; ///< what was told of the networks
 };
 
 } // namespace zav

@@ -6,12 +6,13 @@
 #include "LibraryFormat.h"
 #include "LibraryShard.h"
 #include "PeakFilter.h"
-#include "PeptideMasses.h"
 #include "PeptidoformMaker.h"
 
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+
+#include <limits>
 
 namespace zav {
 
@@ -27,13 +28,14 @@ struct LibraryOptions
 
     DigestionOptions digestion;
     DecoyOptions decoys;
-    QList<int> charges = {2, 3};    ///< ascending, each once, 1 to 5
+    QList<int> charges = {2, 3};    ///< ascending, each once, 1 to 6
     double lowestPrecursorMz = 300; ///< m/z; the range of common acquisition methods, and so is the next
     double highestPrecursorMz = 1800;
     PeptidoformRules modifications;
 
-    /// What the fixed modifications add to every cysteine, Da, with the digits that the five networks were given.
-    double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION;
+    double collisionEnergy = std::numeric_limits<double>::quiet_NaN(); ///< normalised, 10 to 60; NaN: the network's
+    bool retentionTimes = true;
+    QString observedTimes; ///< path of the table that the times are calibrated with; empty: they are iRT
 
     PeakFilterOptions peaks;
 

@@ -3,7 +3,7 @@
 
 #include "PeptideMasses.h"
 
-#include <zav/MsMsFragmentationPredictomatic.h>
+#include <zav/PeptidoformSpectrumPredictor.h>
 
 #include <QtCore/QLocale>
 
@@ -51,9 +51,6 @@ QList<LibraryPeptidoform> LibraryPeptidoforms::of(const LibraryPeptide &peptide)
 Result<PeptidoformCounts> LibraryPeptidoforms::count(PeptideSet *peptides, qint64 first, qint64 end,
                                                      const std::function<bool()> &isInterrupted) const
 {
-    QList<int> maximumLengths; // by the index of the charge
-    for (const int charge : m_options.charges)
-        maximumLengths.append(MsMsFragmentationPredictomatic().getMaximumPeptideLengthForCharge(charge));
     PeptidoformCounts counts;
     PeptideBlock block;
     for (qint64 begin = first; begin < end; begin += READ_AT_ONCE) {
@@ -62,13 +59,12 @@ Result<PeptidoformCounts> LibraryPeptidoforms::count(PeptideSet *peptides, qint6
         if (Error error = peptides->read(begin, std::min(begin + READ_AT_ONCE, end), &block); error.hasError())
             return error;
         for (const LibraryPeptide &peptide : block)
-            add(peptide, maximumLengths, &counts);
+            add(peptide, &counts);
     }
     return counts;
 }
 
-void LibraryPeptidoforms::add(const LibraryPeptide &peptide, const QList<int> &maximumLengths,
-                              PeptidoformCounts *counts) const
+void LibraryPeptidoforms::add(const LibraryPeptide &peptide, PeptidoformCounts *counts) const
 {
     const double plainMass = peptideMasses::neutralMass(QString::fromLatin1(peptide.sequence), 0.0);
     const QList<double> added = addedMasses(peptide);
@@ -76,10 +72,9 @@ void LibraryPeptidoforms::add(const LibraryPeptide &peptide, const QList<int> &m
     counts->peptidoforms += added.size();
     if (peptide.isPlain && m_maker.count(peptide.sequence, peptide.ends) > PeptidoformMaker::MOST_OF_A_PEPTIDE)
         ++counts->cutPeptides;
-    for (qsizetype i = 0; i < m_options.charges.size(); ++i) {
-        if (peptide.sequence.size() > maximumLengths[i])
-            continue;
-        const int charge = m_options.charges[i];
+    if (peptide.sequence.size() > PeptidoformSpectrumPredictor::LONGEST_PEPTIDE)
+        return;
+    for (const int charge : m_options.charges) {
         counts->precursors += std::count_if(added.begin(), added.end(), [&](double mass) {
             const double mz = (plainMass + mass) / charge + peptideMasses::PROTON;
             return mz >= m_options.lowestPrecursorMz && mz <= m_options.highestPrecursorMz;

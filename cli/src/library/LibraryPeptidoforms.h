@@ -18,7 +18,7 @@ struct PeptidoformCounts
 {
     qint64 peptides = 0; ///< with decoys
     qint64 peptidoforms = 0;
-    qint64 precursors = 0;  ///< within the range of m/z, and not too long for the network of their charge
+    qint64 precursors = 0;  ///< within the range of m/z, and not too long for the network
     qint64 cutPeptides = 0; ///< with more peptidoforms than `PeptidoformMaker::MOST_OF_A_PEPTIDE`
 
     /// "1,301,818 peptides, 2,140,332 peptidoforms, 4,216,004 precursors"
@@ -47,7 +47,7 @@ public:
                                     const std::function<bool()> &isInterrupted) const;
 
 private:
-    void add(const LibraryPeptide &peptide, const QList<int> &maximumLengths, PeptidoformCounts *counts) const;
+    void add(const LibraryPeptide &peptide, PeptidoformCounts *counts) const;
     QList<double> addedMasses(const LibraryPeptide &peptide) const;
 
     LibraryOptions m_options;

@@ -3,17 +3,14 @@
 
 #include "PeptideMasses.h"
 
-#include <zav/MsMsFragmentationPredictomatic.h>
-
-#include <algorithm>
-#include <cmath>
+#include <limits>
 #include <utility>
 
 namespace zav {
 
 namespace {
 
-constexpr double SAME_MASS = 1e-3; // Da
+constexpr qsizetype FEWEST_RESIDUES = 2; // fewer have no bond to break
 
 } // namespace
 
@@ -23,6 +20,8 @@ struct SpectrumMaker::Work
     MadeSpectra made;
     QList<LibraryPeptidoform> peptidoforms; ///< peptide by peptide
     QList<qsizetype> peptides;              ///< of each peptidoform, its peptide in the block
+    QList<LibraryPrecursors> precursors;    ///< of each peptidoform, those to be predicted
+    QList<double> times;                    ///< of each peptidoform, NaN where there is none
     std::vector<WrittenEntry> slots;        ///< peptidoform by peptidoform, each with all charges
 };
 
@@ -35,80 +34,84 @@ PrecursorCounts &PrecursorCounts::operator+=(const PrecursorCounts &other)
     return *this;
 }
 
-SpectrumMaker::SpectrumMaker(const LibraryOptions &options, const ProteinTable &proteins, const LibraryWriter &writer)
-    : m_options(options), m_peptidoforms(options), m_proteins(proteins), m_writer(writer),
-      m_predictor(options.cysteineMass), m_filter(options.peaks)
+SpectrumMaker::SpectrumMaker(const LibraryOptions &options, const ProteinTable &proteins, const LibraryWriter &writer,
+                             const std::optional<RetentionTimeCalibration> &calibration)
+    : m_options(options), m_peptidoforms(options), m_proteins(proteins), m_writer(writer), m_calibration(calibration),
+      m_filter(options.peaks)
 {}
 
 Error SpectrumMaker::load(const ModelFolder &folder)
 {
-    return m_predictor.load(folder, m_options.charges);
+    return m_predictor.load(folder, m_options.retentionTimes);
 }
 
 MadeSpectra SpectrumMaker::make(PeptideBlock peptides)
 {
     Work work;
     work.made.peptides = std::move(peptides);
-    for (qsizetype i = 0; i < work.made.peptides.size(); ++i) {
-        for (const LibraryPeptidoform &one : m_peptidoforms.of(work.made.peptides[i])) {
-            if (work.made.error = checkModifications(one.peptidoform); work.made.error.hasError())
-                return std::move(work.made);
-            work.peptidoforms.append(one);
-            work.peptides.append(i);
-        }
-    }
-    work.slots.resize(static_cast<size_t>(work.peptidoforms.size() * m_options.charges.size()));
-    for (const int charge : m_options.charges) {
-        if (!work.made.error.hasError())
-            makeCharge(&work, charge);
-    }
+    collect(&work);
+    work.made.error = predictTimes(&work);
+    if (!work.made.error.hasError())
+        work.made.error = predictSpectra(&work);
     for (WrittenEntry &entry : work.slots) {
         if (!entry.isEmpty())
             work.made.entries.push_back(std::move(entry));
     }
     work.made.counts.written = static_cast<qint64>(work.made.entries.size());
+    work.made.remarks = m_predictor.takeRemarks();
     return std::move(work.made);
 }
 
-void SpectrumMaker::makeCharge(Work *work, int charge)
+/// Finds the peptidoforms of the peptides, and which of their precursors are to be predicted.
+void SpectrumMaker::collect(Work *work) const
 {
-    const PeptideBlock &block = work->made.peptides;
-    const int maximumLength = MsMsFragmentationPredictomatic().getMaximumPeptideLengthForCharge(charge);
-    QStringList sequences;
-    QList<double> precursorMz;
-    QList<qsizetype> indices; // of the sequences among the peptidoforms
-    for (qsizetype i = 0; i < work->peptidoforms.size(); ++i) {
-        const QString &sequence = work->peptidoforms[i].peptidoform.sequence();
-        const double mz = peptideMasses::precursorMz(sequence, charge, m_options.cysteineMass);
-        if (!isServed({block[work->peptides[i]], charge, maximumLength}, mz, &work->made))
-            continue;
-        sequences.append(sequence);
-        precursorMz.append(mz);
-        indices.append(i);
+    for (qsizetype i = 0; i < work->made.peptides.size(); ++i) {
+        const LibraryPeptide &peptide = work->made.peptides[i];
+        for (const LibraryPeptidoform &one : m_peptidoforms.of(peptide)) {
+            LibraryPrecursors precursors{one.peptidoform, 0};
+            for (const int charge : m_options.charges) {
+                const double mz = peptideMasses::precursorMz(one.peptidoform, charge);
+                if (isServed({peptide, charge, PeptidoformSpectrumPredictor::LONGEST_PEPTIDE}, mz, &work->made))
+                    precursors.charges |= static_cast<quint8>(1 << charge);
+            }
+            work->peptidoforms.append(one);
+            work->peptides.append(i);
+            work->precursors.append(precursors);
+        }
     }
-    const qsizetype slotOfCharge = m_options.charges.indexOf(charge);
-    work->made.error = m_predictor.predict(sequences, charge, [&](qsizetype i, const QList<FragmentPeak> &peaks) {
-        WrittenEntry entry = encode(block[work->peptides[indices[i]]], work->peptidoforms[indices[i]], charge,
-                                    precursorMz[i], peaks, &work->made.arena);
-        work->made.counts.withoutPeaks += entry.isEmpty();
-        work->slots[static_cast<size_t>(indices[i] * m_options.charges.size() + slotOfCharge)] = std::move(entry);
-    });
+    work->times.fill(std::numeric_limits<double>::quiet_NaN(), work->peptidoforms.size());
+    work->slots.resize(static_cast<size_t>(work->peptidoforms.size() * m_options.charges.size()));
 }
 
-/// The five networks know one modification, that of cysteine, which is the same for all.
-Error SpectrumMaker::checkModifications(const Peptidoform &peptidoform) const
+Error SpectrumMaker::predictTimes(Work *work)
 {
-    const auto isOfCysteine = [&](const PlacedModification &placed) {
-        return placed.position > 0 && placed.position <= peptidoform.length() &&
-               peptidoform.sequence()[placed.position - 1] == u'C' && isCysteineModified(m_options.cysteineMass) &&
-               std::abs(placed.modification.mass - m_options.cysteineMass) < SAME_MASS;
-    };
-    const qsizetype modified = isCysteineModified(m_options.cysteineMass) ? peptidoform.sequence().count(u'C') : 0;
-    const QList<PlacedModification> &placed = peptidoform.modifications();
-    if (placed.size() == modified && std::all_of(placed.begin(), placed.end(), isOfCysteine))
+    if (!m_options.retentionTimes)
         return {};
-    return Error(InvalidInput, QStringLiteral("no network predicts %1: they know one fixed modification of cysteine")
-                                   .arg(peptidoform.toProForma()));
+    QList<QList<double>> heads;
+    if (Error error = m_predictor.predictTimes(work->precursors, &heads); error.hasError())
+        return error;
+    if (!m_calibration) {
+        for (qsizetype i = 0; i < heads.size(); ++i)
+            work->times[i] = heads[i].value(0, work->times[i]);
+        return {};
+    }
+    const Result<QList<double>> indices = m_calibration->indicesOf(heads);
+    if (indices.hasError())
+        return indices.error();
+    for (qsizetype i = 0; i < heads.size(); ++i)
+        work->times[i] = m_calibration->timeAt(indices.value()[i]);
+    return {};
+}
+
+Error SpectrumMaker::predictSpectra(Work *work)
+{
+    const auto keep = [&](qsizetype index, int charge, const QList<FragmentPeak> &peaks) {
+        WrittenEntry entry = encode(work, index, charge, peaks);
+        work->made.counts.withoutPeaks += entry.isEmpty();
+        const qsizetype slot = index * m_options.charges.size() + m_options.charges.indexOf(charge);
+        work->slots[static_cast<size_t>(slot)] = std::move(entry);
+    };
+    return m_predictor.predictSpectra(work->precursors, m_options.collisionEnergy, keep);
 }
 
 /// Whether a precursor is to be predicted; counts it where not.
@@ -116,6 +119,10 @@ bool SpectrumMaker::isServed(const UnpredictedPrecursor &precursor, double mz, M
 {
     if (!(mz >= m_options.lowestPrecursorMz && mz <= m_options.highestPrecursorMz)) {
         ++made->counts.outOfRange;
+        return false;
+    }
+    if (precursor.peptide.sequence.size() < FEWEST_RESIDUES) {
+        ++made->counts.withoutPeaks;
         return false;
     }
     if (precursor.peptide.sequence.size() <= precursor.maximumLength)
@@ -129,9 +136,10 @@ bool SpectrumMaker::isServed(const UnpredictedPrecursor &precursor, double mz, M
     return false;
 }
 
-WrittenEntry SpectrumMaker::encode(const LibraryPeptide &peptide, const LibraryPeptidoform &peptidoform, int charge,
-                                   double mz, const QList<FragmentPeak> &peaks, TextArena *arena)
+WrittenEntry SpectrumMaker::encode(Work *work, qsizetype index, int charge, const QList<FragmentPeak> &peaks)
 {
+    const LibraryPeptide &peptide = work->made.peptides[work->peptides[index]];
+    const LibraryPeptidoform &peptidoform = work->peptidoforms[index];
     LibraryEntry &entry = m_entry;
     m_filter.apply(peaks, &entry.peaks);
     if (entry.peaks.isEmpty())
@@ -139,14 +147,16 @@ WrittenEntry SpectrumMaker::encode(const LibraryPeptide &peptide, const LibraryP
     entry.peptidoform = peptidoform.peptidoform;
     entry.isVariant = peptidoform.isVariant;
     entry.charge = charge;
-    entry.precursorMz = mz;
+    entry.precursorMz = peptideMasses::precursorMz(entry.peptidoform, charge);
+    entry.retentionTime = work->times[index];
+    entry.timeScale = m_calibration ? TimeScale::Minutes : TimeScale::Irt;
     entry.isDecoy = peptide.isDecoy;
     entry.proteins.clear();
-    for (const int index : peptide.proteins) {
-        const ProteinNames names = m_proteins.names(index, peptide.isDecoy);
+    for (const int protein : peptide.proteins) {
+        const ProteinNames names = m_proteins.names(protein, peptide.isDecoy);
         entry.proteins.append({names.accession, names.gene, names.name});
     }
-    return m_writer.encode(entry, arena);
+    return m_writer.encode(entry, &work->made.arena);
 }
 
 } // namespace zav

@@ -10,19 +10,22 @@
 #include "ProteinTable.h"
 #include "TextArena.h"
 
-#include <QtCore/QList>
-#include <QtCore/QString>
+#include <zav/RetentionTimeCalibration.h>
 
+#include <QtCore/QList>
+#include <QtCore/QStringList>
+
+#include <optional>
 #include <vector>
 
 namespace zav {
 
-/// The precursors of a peptide at a charge whose network takes no peptide so long.
+/// The precursors of a peptide that is too long for the network.
 struct UnpredictedPrecursor
 {
     LibraryPeptide peptide; ///< of the block that was asked for
     int charge = 0;
-    int maximumLength = 0; ///< that the charge allows
+    int maximumLength = 0; ///< that the network allows
 };
 
 /// What became of the precursors of a library.
@@ -30,7 +33,7 @@ struct PrecursorCounts
 {
     qint64 written = 0;
     qint64 outOfRange = 0; ///< by their m/z
-    qint64 tooLong = 0;    ///< for the network of their charge
+    qint64 tooLong = 0;    ///< for the network
     qint64 withoutPeaks = 0;
 
     PrecursorCounts &operator+=(const PrecursorCounts &other);
@@ -44,7 +47,8 @@ struct MadeSpectra
     TextArena arena;
     QList<UnpredictedPrecursor> tooLong;
     PrecursorCounts counts;
-    Error error; ///< when something failed, the rest is not to be used
+    QStringList remarks; ///< what the networks have not seen in training
+    Error error;         ///< when something failed, the rest is not to be used
 };
 
 /// Predicts and formats the entries of peptides: what one thread of `zav library` does. The other arguments outlive
@@ -52,7 +56,8 @@ struct MadeSpectra
 class SpectrumMaker
 {
 public:
-    SpectrumMaker(const LibraryOptions &options, const ProteinTable &proteins, const LibraryWriter &writer);
+    SpectrumMaker(const LibraryOptions &options, const ProteinTable &proteins, const LibraryWriter &writer,
+                  const std::optional<RetentionTimeCalibration> &calibration);
 
     /// Loads the networks.
     Error load(const ModelFolder &folder);
@@ -62,16 +67,17 @@ public:
 private:
     struct Work;
 
-    void makeCharge(Work *work, int charge);
-    Error checkModifications(const Peptidoform &peptidoform) const;
+    void collect(Work *work) const;
     bool isServed(const UnpredictedPrecursor &precursor, double mz, MadeSpectra *made) const;
-    WrittenEntry encode(const LibraryPeptide &peptide, const LibraryPeptidoform &peptidoform, int charge, double mz,
-                        const QList<FragmentPeak> &peaks, TextArena *arena);
+    Error predictTimes(Work *work);
+    Error predictSpectra(Work *work);
+    WrittenEntry encode(Work *work, qsizetype index, int charge, const QList<FragmentPeak> &peaks);
 
     const LibraryOptions &m_options;
     LibraryPeptidoforms m_peptidoforms;
     const ProteinTable &m_proteins;
     const LibraryWriter &m_writer;
+    const std::optional<RetentionTimeCalibration> &m_calibration; ///< none: the times are iRT
     LibraryPredictor m_predictor;
     PeakFilter m_filter;
     LibraryEntry m_entry; ///< being encoded; its lists keep their memory
