@@ -256,8 +256,9 @@ TEST(SpectrumCommand, ModifiedSpectraHaveIsotopes)
     for (auto ion = with.cbegin(); ion != with.cend(); ++ion) {
         const QString monoisotopic = ion.key().section(' ', 0, 0);
         EXPECT_TRUE(without.contains(monoisotopic)) << ion.key().toStdString();
-        if (ion.key().endsWith(" i1"))
+        if (ion.key().endsWith(" i1")) {
             EXPECT_NEAR(ion.value() - with[monoisotopic], 1.0033548 / monoisotopic.count('+'), 2 * MZ_TOLERANCE);
+        }
     }
     EXPECT_FALSE(QStringList(without.keys()).filter("-H3PO4").isEmpty());
 }
