@@ -256,8 +256,9 @@ TEST(SpectrumCommand, ModifiedSpectraHaveIsotopes)
     for (auto ion = with.cbegin(); ion != with.cend(); ++ion) {
         const QString monoisotopic = ion.key().section(' ', 0, 0);
         EXPECT_TRUE(without.contains(monoisotopic)) << ion.key().toStdString();
-        if (ion.key().endsWith(" i1"))
+        if (ion.key().endsWith(" i1")) {
             EXPECT_NEAR(ion.value() - with[monoisotopic], 1.0033548 / monoisotopic.count('+'), 2 * MZ_TOLERANCE);
+        }
     }
     EXPECT_FALSE(QStringList(without.keys()).filter("-H3PO4").isEmpty());
 }
@@ -285,8 +286,7 @@ TEST(SpectrumCommand, ComparisonKnowsTheModifications)
     const QString mgf = folder.filePath("predicted.mgf");
     ASSERT_EQ(runZav(precursor + QStringList{"-o", mgf}).exitCode, 0);
     const ProgramRun same = runZav(precursor + QStringList{"--against", mgf, "-o", folder.filePath("out.tsv")});
-    EXPECT_EQ(same.standardOutput.find("spectral angle 0.99"), 0u) << same.standardOutput;
-    EXPECT_NE(same.standardOutput.find("100.0 % of the intensity"), std::string::npos) << same.standardOutput;
+    EXPECT_EQ(same.standardOutput.find("spectral angle 1.000, cosine 1.000"), 0u) << same.standardOutput;
 }
 
 TEST(SpectrumCommand, MeasuredSpectrumIsExplained)

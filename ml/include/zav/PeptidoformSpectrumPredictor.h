@@ -66,7 +66,7 @@ public:
     /// A spectrum holds y and b ions of up to three charges, but no more than the precursor has, singly charged a ions
     /// of up to 15 residues, and losses: of water and ammonia from singly charged y and b ions; of "-H3PO4", "-2H3PO4",
     /// "-CH4OS" and "-CO2" from y and b ions of up to two charges that hold the modified residue which loses it. Peaks
-    /// over 2000 m/z and under 0.04 of the base peak are left out. `IsotopePeaks::Included` adds the isotope peaks of
+    /// over 2000 m/z or under 0.04 of the base peak are left out. `IsotopePeaks::Included` adds the isotope peaks of
     /// these fragments, those under 2000 m/z and from 0.025 on; their heights are those of an average peptide.
     ///
     /// Collision energies from 20 to 40 are those of the training spectra; others are extrapolated.
