@@ -33,8 +33,8 @@ struct LibraryEntry
 {
     Peptidoform peptidoform;
 
-    /// Whether the library may hold other peptidoforms of the peptide. The formats in which an entry has a name name it
-    /// after the peptidoform then, else after the peptide alone.
+    /// Whether it has other modifications than the fixed ones of the library. Formats name such an entry after the
+    /// peptidoform, and any other one after the peptide alone.
     bool isVariant = false;
 
     int charge = 0;                                                  ///< of the precursor, from 1

@@ -18,6 +18,7 @@ TIME = 5.01e-4
 # Of Unimod, with its digits.
 UNIMOD_MASSES = {
     1: 42.010565,
+    2: -0.984016,
     4: 57.021464,
     21: 79.966331,
     28: -17.026549,
@@ -27,6 +28,7 @@ UNIMOD_MASSES = {
 }
 UNIMOD_NAMES = {
     1: "Acetyl",
+    2: "Amidated",
     4: "Carbamidomethyl",
     21: "Phospho",
     28: "Gln->pyro-Glu",
@@ -40,23 +42,25 @@ def exact_mass(modification):
     return UNIMOD_MASSES.get(modification.get("unimod"), modification["mass"])
 
 
-def residue_of(modification):
+def residue_of(entry, modification):
     """Position from 0 of the residue that stands for a modification where a format has no termini."""
-    return max(modification["position"] - 1, 0)
+    return min(max(modification["position"] - 1, 0), len(entry["peptide"]) - 1)
 
 
-def tagged(entry, tag, separator=""):
-    """The peptide with `tag(modification)` behind the residues; that of the N-terminus first, then `separator`."""
+def tagged(entry, tag, first, last):
+    """The peptide with `tag(modification)` behind the residues; `first` and `last` part those of the termini off."""
     tags = {modification["position"]: tag(modification) for modification in entry["modifications"]}
-    residues = "".join(residue + tags.get(i, "") for i, residue in enumerate(entry["peptide"], start=1))
-    return tags[0] + separator + residues if 0 in tags else residues
+    peptide = entry["peptide"]
+    residues = "".join(residue + tags.get(i, "") for i, residue in enumerate(peptide, start=1))
+    end = last + tags[len(peptide) + 1] if len(peptide) + 1 in tags else ""
+    return (tags[0] + first if 0 in tags else "") + residues + end
 
 
 def residue_masses(entry):
     """The masses of the modified residues by position from 0, those of the N-terminus with the first residue."""
     masses = {}
     for modification in entry["modifications"]:
-        place = residue_of(modification)
+        place = residue_of(entry, modification)
         masses[place] = masses.get(place, 0.0) + exact_mass(modification)
     return masses
 
@@ -75,6 +79,8 @@ def openswath(entry):
     return tagged(
         entry,
         lambda one: f"(UniMod:{one['unimod']})" if "unimod" in one else f"[{one['mass']:+.6f}]",
+        "",
+        ".",
     )
 
 
@@ -82,6 +88,7 @@ def proforma(entry):
     return tagged(
         entry,
         lambda one: f"[UNIMOD:{one['unimod']}]" if "unimod" in one else f"[{one['mass']:+.6f}]",
+        "-",
         "-",
     )
 

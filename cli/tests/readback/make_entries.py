@@ -15,6 +15,7 @@ LOSSES = {"": {}, "-H2O": {"H": 2, "O": 1}, "-NH3": {"N": 1, "H": 3}}
 # What they add, by Unimod's accession.
 COMPOSITIONS = {
     1: {"H": 2, "C": 2, "O": 1},  # acetyl
+    2: {"H": 1, "N": 1, "O": -1},  # amidated
     4: {"H": 3, "C": 2, "N": 1, "O": 1},  # carbamidomethyl
     21: {"H": 1, "O": 3, "P": 1},  # phospho
     28: {"H": -3, "N": -1},  # pyro-glu from Q
@@ -154,6 +155,10 @@ UNNAMED = ("contig_17.orf3", "", "")
 SEVERAL = [ALBUMIN, ("Q9Y6K9-2", "IKBKG", "NEMO_HUMAN"), ("A0A024R161", "", "A0A024R161_HUMAN"), ("H0YJW9", "ALB", "")]
 
 
+# Amidated; and one that every reader can read.
+LAST_RESIDUES = [("LVNELTEFAK", [known(11, 2)]), ("YLYEIAR", [])]
+
+
 def common_set(rng, cysteine):
     def made(make, peptide, charge, *rest):
         return make(rng, peptide, charge, cysteines(peptide, cysteine), *rest)
@@ -208,8 +213,9 @@ def main():
     sets["last_cysteine"] = [entry(rng, "LVNRRPC", 2, [known(7, 4)], [ALBUMIN], 10)]
     sets["variants"] = variants(rng, "irt", -24.5)
     sets["calibrated"] = variants(rng, "minutes", 3.25)
-    # The N-terminus and the first residue, which some formats cannot tell apart.
+    # Termini, which some formats cannot tell from the residues there.
     sets["first_residue"] = [entry(rng, "MEEPQSDPSVEPK", 2, [known(0, 1), known(1, 35)], [ALBUMIN], 20)]
+    sets["last_residue"] = [entry(rng, peptide, 2, change, [ALBUMIN], 15) for peptide, change in LAST_RESIDUES]
     print("{")
     for i, (name, entries) in enumerate(sets.items()):
         print(f' "{name}": [')

@@ -19,17 +19,20 @@ def openms_reads(entries):
     """OpenMS knows modifications by their names only, and looks for that of a last residue on the C-terminus and for
     that of a first one on the N-terminus."""
     return all(
-        "unimod" in one and one["position"] < len(entry["peptide"]) and (one["position"], one["unimod"]) != (1, 35)
+        "unimod" in one and one["position"] != len(entry["peptide"]) and (one["position"], one["unimod"]) != (1, 35)
         for entry in entries
         for one in entry["modifications"]
     )
 
 
 def openms_sequence(entry):
-    # The modification of a first residue is taken for that of the N-terminus.
-    names = {expected.residue_of(one): f"({expected.UNIMOD_NAMES[one['unimod']]})" for one in entry["modifications"]}
+    # The modifications of the first and the last residue are taken for those of the termini.
+    names = {
+        expected.residue_of(entry, one): f"({expected.UNIMOD_NAMES[one['unimod']]})" for one in entry["modifications"]
+    }
     first = "." + names.pop(0) if 0 in names else ""
-    return first + "".join(residue + names.get(i, "") for i, residue in enumerate(entry["peptide"]))
+    last = "." + names.pop(len(entry["peptide"]) - 1) if len(entry["peptide"]) - 1 in names else ""
+    return first + "".join(residue + names.get(i, "") for i, residue in enumerate(entry["peptide"])) + last
 
 
 def test_openms_reads_every_value(library, entries):
@@ -64,7 +67,7 @@ def written_name(modification):
 def expected_comment(entry):
     modifications = []
     for one in entry["modifications"]:
-        place = expected.residue_of(one)
+        place = expected.residue_of(entry, one)
         modifications.append(f"{place},{entry['peptide'][place]},{written_name(one)}")
     fields = {
         "Parent": f"{entry['precursor_mz']:.5f}",
