@@ -101,8 +101,9 @@ TEST_F(Predictions, DoNotDependOnTheOtherPeptidesOrTheirOrder)
         const auto &[index, charge] = spectrum.key();
         EXPECT_FALSE(spectrum->isEmpty());
         EXPECT_TRUE(areEqual(*spectrum, otherwise[{precursors.size() - 1 - index, charge}]));
-        if (index % 10 == 0)
+        if (index % 10 == 0) {
             EXPECT_TRUE(areEqual(*spectrum, predict({precursors[index]})[{0, charge}]));
+        }
     }
 }
 
