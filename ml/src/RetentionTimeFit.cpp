@@ -19,7 +19,9 @@ constexpr Eigen::Index FOLDS = 10; // of the cross-validation
 constexpr Eigen::Index MOST_PAIRS_OF_CROSS_VALIDATION = 500;
 
 // From the strongest pull to the weakest.
-constexpr std::array<double, 6> STRENGTHS{std::numeric_limits<double>::infinity(), 3.0, 1.0, 0.3, 0.1, 0.03};
+constexpr std::array<double, 7> STRENGTHS{std::numeric_limits<double>::infinity(), 3.0, 1.0, 0.3, 0.1, 0.03, 0.01};
+
+constexpr double WORTHWHILE = 0.5; // standard errors of a gain
 
 constexpr double OUTLIER_LIMIT = 6.0; // standard deviations
 
@@ -122,7 +124,7 @@ Eigen::VectorXd RetentionTimeFit::heldOutResiduals(const Pairs &pairs, double st
 }
 
 /// The strength whose held-out residuals are least on average; none counts for more than an outlier's limit. A weaker
-/// pull has to gain more than the standard error of its gain, or it is taken for chance.
+/// pull has to gain more than half the standard error of its gain, or it is taken for chance.
 double RetentionTimeFit::chooseStrength(const Pairs &pairs)
 {
     double best = STRENGTHS.front();
@@ -136,7 +138,7 @@ double RetentionTimeFit::chooseStrength(const Pairs &pairs)
         const Eigen::ArrayXd gains = errors - weaker;
         const double gain = gains.mean();
         const double standardError = std::sqrt((gains - gain).square().mean() / static_cast<double>(gains.size()));
-        if (gain > standardError) {
+        if (gain > WORTHWHILE * standardError) {
             best = strength;
             errors = weaker;
         }

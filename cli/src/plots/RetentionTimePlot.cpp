@@ -184,10 +184,11 @@ void CalibrationFigure::paintHeading(QPainter *painter) const
     painter->setFont(plotStyle::font(HEADING_SIZE));
     painter->setPen(plotStyle::textColor());
     painter->drawText(QPointF(LEFT, HEADING_BASELINE),
-                      QStringLiteral("%1 pairs, 95 % within ±%2 of the curve, %3")
-                          .arg(QString::number(m_data.pairs.size()), shortText(m_data.width95 / 2),
+                      QStringLiteral("%1 pairs, %2, 95 % of the others within ±%3 of the curve")
+                          .arg(QString::number(m_data.pairs.size()),
                                m_data.outlierCount == 1 ? QStringLiteral("1 outlier")
-                                                        : QStringLiteral("%1 outliers").arg(m_data.outlierCount)));
+                                                        : QStringLiteral("%1 outliers").arg(m_data.outlierCount),
+                               shortText(m_data.width95 / 2)));
     painter->setFont(plotStyle::font(SMALL_TEXT_SIZE));
     painter->setPen(plotStyle::faintTextColor());
     const QFontMetricsF metrics(painter->font());

@@ -54,8 +54,8 @@ struct RetentionTimePlot : testing::Test
 TEST_F(RetentionTimePlot, SaysItsFiguresSourceAndAxesInText)
 {
     const SvgPicture picture = draw(lineWithOneFarPair());
-    for (const char *text : {"21 pairs, 95 % within ±3 of the curve, 1 outlier", "observed.tsv", "Observed time",
-                             "Predicted index (about iRT)", "fitted curve", "95 %", "outside"})
+    for (const char *text : {"21 pairs, 1 outlier, 95 % of the others within ±3 of the curve", "observed.tsv",
+                             "Observed time", "Predicted index (about iRT)", "fitted curve", "95 %", "outside"})
         EXPECT_TRUE(picture.texts.contains(QString::fromUtf8(text))) << text;
 }
 

@@ -45,15 +45,15 @@ TEST_F(ObservedTimesReading, GoesOnPastAPeptideThatCannotBeRead)
 
 TEST_F(ObservedTimesReading, NamesTheLineOfATimeThatIsNoNumber)
 {
-    EXPECT_EQ(refusal("peptide\trt\nPEPTIDE\tlate\n").find("observed.tsv:2: "), 0);
-    EXPECT_EQ(refusal("peptide\trt\nPEPTIDE\tnan\n").find("observed.tsv:2: "), 0);
-    EXPECT_EQ(refusal("peptide\trt\nPEPTIDE\n").find("observed.tsv:2: "), 0);
+    EXPECT_EQ(refusal("peptide\trt\nPEPTIDE\tlate\n").find("observed.tsv, line 2: "), 0);
+    EXPECT_EQ(refusal("peptide\trt\nPEPTIDE\tnan\n").find("observed.tsv, line 2: "), 0);
+    EXPECT_EQ(refusal("peptide\trt\nPEPTIDE\n").find("observed.tsv, line 2: "), 0);
 }
 
 TEST_F(ObservedTimesReading, NeedsItsColumns)
 {
     EXPECT_NE(refusal("peptide\ttime\nPEPTIDE\t1\n").find("the heading has no column 'rt'"), std::string::npos);
-    EXPECT_NE(refusal("PEPTIDE\t1\n").find("the heading has no column 'peptide'"), std::string::npos);
+    EXPECT_NE(refusal("SAMPLER\t1\n").find("the heading has no column 'peptide'"), std::string::npos);
     EXPECT_NE(refusal("peptide\trt\trt\n").find("the heading has two columns 'rt'"), std::string::npos);
     EXPECT_NE(refusal("").find("observed.tsv"), std::string::npos);
     EXPECT_TRUE(readObservedTimes(files.path("nowhere.tsv")).hasError());

@@ -60,8 +60,8 @@ public:
     /// `out` is replaced on success only. `Failure`: no network is loaded, or it does not fit its contract.
     /// `InvalidInput`: a null `out`.
     ///
-    /// The network runs once per block of 256 peptidoforms of similar length, so that a long list costs some 20
-    /// microseconds each on one core; a peptidoform that is asked for alone costs a hundred times that.
+    /// The network runs once per block of 256 peptidoforms of similar length: a long list costs some tens of
+    /// microseconds each, a peptidoform that is asked for alone a run of the network.
     Error predict(const QList<Peptidoform> &peptidoforms, QList<double> *out);
 
     /// All outputs of the network for each peptidoform, in their order: the iRT, and what it predicts for the other
