@@ -3,7 +3,6 @@
 
 #include "FileDigest.h"
 #include "NetworkLoading.h"
-#include "ObservedTimes.h"
 #include "OrderedPipeline.h"
 #include "OutputFile.h"
 #include "PrintableText.h"
@@ -166,21 +165,26 @@ Error LibraryCommand::calibrate()
 {
     if (!m_options.retentionTimes || m_options.observedTimes.isEmpty())
         return {};
-    keepRuntimeInCallingThreads();
-    const QuietStandardError quiet(!m_options.verbose);
-    RetentionTimePredictor predictor;
-    if (Error error = loadRetentionTimes(*m_folder, &predictor); error.hasError())
-        return error;
     const Result<ObservedTimes> observed = readObservedTimes(m_options.observedTimes);
     if (observed.hasError())
         return observed.error();
-    const Result<FittedTimes> fitted = fitTimes(observed.value(), m_options.observedTimes, &predictor);
+    const Result<FittedTimes> fitted = fit(observed.value());
     if (fitted.hasError())
         return fitted.error();
     for (const QString &remark : fitted.value().remarks)
         noteOnce(remark);
     m_calibration = fitted.value().calibration;
     return {};
+}
+
+Result<FittedTimes> LibraryCommand::fit(const ObservedTimes &observed) const
+{
+    keepRuntimeInCallingThreads();
+    const QuietStandardError quiet(!m_options.verbose);
+    RetentionTimePredictor predictor;
+    if (Error error = loadRetentionTimes(*m_folder, &predictor); error.hasError())
+        return error;
+    return fitTimes(observed, m_options.observedTimes, &predictor);
 }
 
 void LibraryCommand::noteOnce(const QString &remark)

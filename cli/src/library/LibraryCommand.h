@@ -7,6 +7,7 @@
 #include "LibraryPeptidoforms.h"
 #include "LibraryWriter.h"
 #include "ModelFolder.h"
+#include "ObservedTimes.h"
 #include "PeptideDigest.h"
 #include "SkippedList.h"
 #include "SpectrumMaker.h"
@@ -31,6 +32,7 @@ private:
     Error digest();
     Error countPeptidoforms();
     Error calibrate();
+    Result<FittedTimes> fit(const ObservedTimes &observed) const;
     Error loadNetworks();
     void noteOnce(const QString &remark);
     Error predictAll();
