@@ -104,7 +104,7 @@ Error DecoyGenerator::settle(PeptidePages *targets, RecordStream *proposals, Pep
             return error;
         const QByteArrayView sequence = proposals->record().key;
         const QByteArrayView payload = proposals->record().payload;
-        const int attempt = payload.front();
+        const int attempt = static_cast<unsigned char>(payload.front());
         const char *from = payload.data() + 1;
         const LibraryPeptide target = decodePeptide(&from);
         Error error = lookup.contains(sequence) ? propose(target, attempt + 1, again)
