@@ -112,7 +112,7 @@ TEST(ChargeList, TakesListsAndRangesInAnyOrder)
 
 TEST(ChargeList, RefusesWhatNoNetworkServes)
 {
-    for (const char *text : {"", "0", "6", "2-6", "3-2", "1-2-3", "two", "2;3", "2,"})
+    for (const char *text : {"", "0", "7", "2-7", "3-2", "1-2-3", "two", "2;3", "2,"})
         EXPECT_TRUE(parseCharges(text).hasError()) << text;
 }
 
