@@ -19,7 +19,7 @@ string(REPLACE "\n" ";" lines "${output}")
 
 foreach(line IN LISTS lines)
     string(REGEX REPLACE "^[0-9a-f]+ . " "" symbol "${line}")
-    if(NOT symbol MATCHES "^zav::([A-Za-z]+)::~?([A-Za-z]+)\\(" OR NOT CMAKE_MATCH_1 IN_LIST CLASSES)
+    if(NOT symbol MATCHES "^zav::([A-Za-z]+)::~?([A-Za-z0-9]+)\\(" OR NOT CMAKE_MATCH_1 IN_LIST CLASSES)
         message(SEND_ERROR "${symbol} is exported")
     endif()
     list(APPEND found "${CMAKE_MATCH_1}")
