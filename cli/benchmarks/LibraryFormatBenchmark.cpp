@@ -17,12 +17,11 @@ constexpr int PEAK_COUNT = 40;
 LibraryEntry example()
 {
     LibraryEntry entry;
-    entry.peptide = QStringLiteral("LQSRPAAPPAPGPGQLCTLR");
+    entry.peptidoform =
+        Peptidoform(QStringLiteral("LQSRPAAPPAPGPGQLCTLR"), {{17, modifications::findByAccession(4)->modification}});
     entry.charge = 2;
     entry.precursorMz = 1036.05321;
-    entry.cysteineMass = 57.02146;
-    entry.proteins = QStringList{QStringLiteral("P12345"), QStringLiteral("Q67890")};
-    entry.genes = QStringList{QStringLiteral("TEST"), QStringLiteral("TEST2")};
+    entry.proteins = {{"P12345", "TEST", {}}, {"Q67890", "TEST2", {}}};
     for (int i = 0; i < PEAK_COUNT; ++i) {
         const QChar type = QLatin1Char(i % 2 == 0 ? 'y' : 'b');
         const QString loss = i % 5 == 0 ? QStringLiteral("-H2O") : QString();
@@ -35,12 +34,16 @@ void formatsText(benchmark::State &state, LibraryFileKind kind)
 {
     const LibraryEntry entry = example();
     const LibraryFormat *format = textLibraryFormat(kind);
-    const QByteArray text = format->entry(entry, 0);
-    if (text.count('\n') < PEAK_COUNT)
+    TextBuffer text;
+    format->addEntry(entry, 0, &text);
+    if (text.view().count('\n') < PEAK_COUNT)
         state.SkipWithError("an entry without its peaks");
-    for (auto _ : state)
-        benchmark::DoNotOptimize(format->entry(entry, 0));
     state.counters["bytes"] = static_cast<double>(text.size());
+    for (auto _ : state) {
+        text.clear();
+        format->addEntry(entry, 0, &text);
+        benchmark::DoNotOptimize(text.view().data());
+    }
 }
 
 void encodesRow(benchmark::State &state, LibraryFileKind kind)
@@ -76,8 +79,10 @@ BENCHMARK_CAPTURE(formatsText, mgf, LibraryFileKind::Mgf);
 BENCHMARK_CAPTURE(formatsText, mzspeclib, LibraryFileKind::MzSpecLib);
 BENCHMARK_CAPTURE(encodesRow, dlib, LibraryFileKind::Dlib);
 BENCHMARK_CAPTURE(encodesRow, blib, LibraryFileKind::Blib);
+BENCHMARK_CAPTURE(encodesRow, pqp, LibraryFileKind::Pqp);
 BENCHMARK_CAPTURE(writesRow, dlib, LibraryFileKind::Dlib);
 BENCHMARK_CAPTURE(writesRow, blib, LibraryFileKind::Blib);
+BENCHMARK_CAPTURE(writesRow, pqp, LibraryFileKind::Pqp);
 
 } // namespace
 } // namespace zav

@@ -6,6 +6,7 @@
 cmake_minimum_required(VERSION 3.25)
 set(CLASSES
     MsMsFragmentationPredictomatic
+    PeptidoformSpectrumPredictor
     RetentionTimeCalibration
     RetentionTimePredictor
     XicBaselineLimitsDetector

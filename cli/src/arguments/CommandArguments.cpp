@@ -14,9 +14,9 @@ namespace zav {
 
 namespace {
 
-constexpr int HIGHEST_CHARGE = 5;
+constexpr int HIGHEST_CHARGE = 6;
 
-/// One charge, from 1 to 5; 0 for any other text.
+/// One charge, from 1 to 6; 0 for any other text.
 int chargeFrom(const QString &text)
 {
     const int charge = text.trimmed().toInt();
@@ -47,7 +47,7 @@ Result<QList<int>> parseCharges(const QString &text)
         if (ends.size() > 2 || lowest == 0 || highest < lowest)
             return Error(
                 InvalidInput,
-                QStringLiteral("'%1' is not a list of charges from 1 to 5 such as 2,3 or 1-4").arg(displayText(text)));
+                QStringLiteral("'%1' is not a list of charges from 1 to 6 such as 2,3 or 1-4").arg(displayText(text)));
         for (int charge = lowest; charge <= highest; ++charge)
             charges.insert(charge);
     }

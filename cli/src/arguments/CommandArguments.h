@@ -61,7 +61,7 @@ std::string withDefault(const std::string &description, double value);
 std::string withDefault(const std::string &description, const std::string &value);
 
 /// Precursor charges as `2,3` or `1-4`: ascending, each once. `InvalidInput` for a charge that no network serves (they
-/// serve 1 to 5), and for anything else.
+/// serve 1 to 6), and for anything else.
 Result<QList<int>> parseCharges(const QString &text);
 
 /// Whether the ending is one of a picture.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CommandArguments.h"
 #include "Enzyme.h"
+#include "Precursor.h"
 #include "PrintableText.h"
 
 #include <CLI/CLI.hpp>
@@ -19,13 +20,20 @@ constexpr char EXAMPLES[] =
     R"(PROTEINS is a FASTA file, plain or compressed with gzip, and - standard input. FILE of --peptides has a peptide a
 line, or columns named peptide, protein and gene. Every peptide appears once, with all its proteins, at each charge.
 
-The kind of library follows from the ending of -o: .msp, .tsv (OpenSWATH and DIA-NN), .mgf, .mzSpecLib.txt, .dlib
-(EncyclopeDIA) or .blib (BiblioSpec). No retention times are predicted; where a format must have one it is 0.
-Intensities are relative to the base peak of what the filters leave. The networks give no peaks over 2000 m/z or under
-0.025 of their base peak; .tsv holds neither a ions nor isotopes. Precursors without a peak are left out.
+The kind of library follows from the ending of -o: .msp, .tsv (OpenSWATH and DIA-NN), .pqp (OpenSWATH), .mgf,
+.mzSpecLib.txt, .dlib (EncyclopeDIA) or .blib (BiblioSpec). Retention times are iRT (Escher et al. 2012), or those of a
+run with --calibrate, whose times are minutes. Intensities are relative to the base peak of what the filters leave. The
+network gives no peaks over 2000 m/z or under 0.04 of its base peak; .tsv and .pqp hold neither a ions nor isotopes.
+Precursors without a peak are left out.
 
-Peptides with a residue that is none of the 20 standard ones, or too long for the network of a charge (27, 43, 50, 52,
-50 residues for 1 to 5), are left out, counted, and listed in the FILE of --skipped.
+--fixed and --variable take NAME@SITES. NAME is Unimod's (Oxidation), UNIMOD:35 or a mass (+15.9949). SITES are parted
+by commas: residues (STY), N-term, C-term, protein-N-term, protein-C-term, or N-term:Q for that residue at a terminus.
+A variable modification takes the place of a fixed one. Of each peptide come first the peptidoform without variable
+modifications, then those with one, and so on up to --max-variable. FILE of --peptides may hold modifications in
+ProForma (M[Oxidation]PEPTIDEK): such a peptide gets the fixed modifications where it has none and no variable ones.
+
+Peptides with a residue that is none of the 20 standard ones, or of more than 52 residues, are left out, counted, and
+listed in the FILE of --skipped.
 
 The library is the same to the byte whatever --threads, --low-memory and shards. LIB.json beside it says what it was
 made from; --resume compares that and the library's SHA-256 and makes only what is not there yet. A shard is a part of
@@ -37,6 +45,7 @@ Exit code: 0 the library is complete, 1 it is not (standard error says why, and 
 Examples:
   zav library human.fasta.gz -o human.tsv
   zav library human.fasta -o human.dlib --enzyme lys-c --charges 2-4 --decoys shuffled --top 20
+  zav library human.fasta -o human.tsv --variable Oxidation@M --variable Acetyl@protein-N-term --max-variable 2
   zav library --peptides peptides.txt -o some.msp --skipped left_out.tsv
   zav library human.fasta --shard 2/4 -o human.{shard}.tsv --resume
   zav library merge human.*-of-4.tsv -o human.tsv
@@ -74,6 +83,7 @@ public:
 
 private:
     void addDigestionTo(CLI::App *command);
+    void addModificationsTo(CLI::App *command);
     void addPrecursorsTo(CLI::App *command);
     void addPeaksTo(CLI::App *command);
     void addOutputTo(CLI::App *command);
@@ -82,6 +92,7 @@ private:
     Result<CommandLine> libraryOptions() const;
     Result<CommandLine> mergeOptions() const;
     Error convertInput(LibraryOptions *options) const;
+    Error convertModifications(LibraryOptions *options) const;
     Error convertDecoys(LibraryOptions *options) const;
     Error convertOutput(LibraryOptions *options) const;
     Error convertShard(LibraryOptions *options) const;
@@ -91,11 +102,40 @@ private:
     LibraryOptions m_given; ///< the numbers and flags; texts are below until they are converted
     std::string m_proteins, m_peptides, m_models, m_output, m_format, m_skipped, m_shard;
     std::string m_enzyme, m_cleavagePattern, m_charges, m_decoys;
+    CLI::Option *m_cysteine = nullptr;
+    double m_cysteineMass = 0.0;
+    CLI::Option *m_energy = nullptr;
+    std::string m_calibrate;
+    bool m_noRetentionTimes = false;
+    std::vector<std::string> m_fixed, m_variable;
     bool m_noLosses = false;
     std::vector<std::string> m_mergedShards;
     std::string m_mergedOutput;
     bool m_mergeVerbose = false;
 };
+
+Result<QList<ModificationRule>> parseRules(const char *option, const std::vector<std::string> &texts)
+{
+    QList<ModificationRule> rules;
+    for (const std::string &given : texts) {
+        const Result<ModificationRule> rule = ModificationRule::parse(text(given));
+        if (rule.hasError())
+            return wrongArgument(QStringLiteral("%1 '%2': %3")
+                                     .arg(QLatin1String(option), displayText(text(given)), rule.error().message()));
+        rules.append(rule.value());
+    }
+    return rules;
+}
+
+/// The rule that adds such a mass to every cysteine; none for a mass next to 0.
+QList<ModificationRule> cysteineRule(double mass)
+{
+    if (!isCysteineModified(mass))
+        return {};
+    const CysteineModification *known = knownCysteineModification(mass);
+    const modifications::Entry *entry = known ? modifications::findByAccession(known->unimod) : nullptr;
+    return {{entry ? entry->modification : modifications::ofMass(mass), {{ModificationSite::Residue, 'C'}}}};
+}
 
 } // namespace
 
@@ -106,6 +146,7 @@ void LibraryArguments::addTo(CLI::App *command)
         ->type_name("FILE");
     addOutputTo(command);
     addDigestionTo(command);
+    addModificationsTo(command);
     addPrecursorsTo(command);
     addPeaksTo(command);
     addMergeTo(command);
@@ -116,7 +157,8 @@ void LibraryArguments::addOutputTo(CLI::App *command)
 {
     command->add_option("-o,--output", m_output, "write to LIB, which appears only when it is complete")
         ->type_name("LIB");
-    command->add_option("-f,--format", m_format, "msp, tsv, mgf, mzspeclib, dlib or blib; default: by LIB's ending")
+    command
+        ->add_option("-f,--format", m_format, "msp, tsv, mgf, mzspeclib, dlib, blib or pqp; default: by LIB's ending")
         ->type_name("FORMAT");
     command->add_option("--skipped", m_skipped, "list the peptides that are left out, and why")->type_name("FILE.tsv");
     command
@@ -165,10 +207,42 @@ void LibraryArguments::addDigestionTo(CLI::App *command)
         ->type_name("N");
 }
 
+void LibraryArguments::addModificationsTo(CLI::App *command)
+{
+    command
+        ->add_option(
+            "--fixed", m_fixed,
+            withDefault("modification at every one of its sites, or none; may be repeated", "Carbamidomethyl@C"))
+        ->type_name("NAME@SITES")
+        ->allow_extra_args(false);
+    command
+        ->add_option("--variable", m_variable,
+                     "modification at some of its sites, such as Oxidation@M; may be repeated")
+        ->type_name("NAME@SITES")
+        ->allow_extra_args(false);
+    command
+        ->add_option("--max-variable", m_given.modifications.maxVariable,
+                     withDefault("most variable modifications of a peptide", m_given.modifications.maxVariable))
+        ->type_name("N");
+    m_cysteine = command
+                     ->add_option("--cysteine", m_cysteineMass,
+                                  "instead of --fixed: this mass at every cysteine, in Da; 0: none")
+                     ->type_name("MASS");
+}
+
 void LibraryArguments::addPrecursorsTo(CLI::App *command)
 {
-    command->add_option("--charges", m_charges, "precursor charges, 1 to 5, such as 2,3 or 1-4 [2,3]")
+    command->add_option("--charges", m_charges, "precursor charges, 1 to 6, such as 2,3 or 1-4 [2,3]")
         ->type_name("LIST");
+    m_energy = command
+                   ->add_option("--energy", m_given.collisionEnergy,
+                                "normalised collision energy, 10 to 60; trained on 20 to 40 [30]")
+                   ->type_name("NCE");
+    command
+        ->add_option("--calibrate", m_calibrate,
+                     "write retention times in minutes, fitted to this table of columns peptide and rt")
+        ->type_name("FILE");
+    command->add_flag("--no-retention-times", m_noRetentionTimes, "write none; without it they are iRT");
     command
         ->add_option("--min-precursor-mz", m_given.lowestPrecursorMz,
                      withDefault("lowest precursor m/z", m_given.lowestPrecursorMz))
@@ -177,10 +251,6 @@ void LibraryArguments::addPrecursorsTo(CLI::App *command)
         ->add_option("--max-precursor-mz", m_given.highestPrecursorMz,
                      withDefault("highest precursor m/z", m_given.highestPrecursorMz))
         ->type_name("MZ");
-    command
-        ->add_option("--cysteine", m_given.cysteineMass,
-                     withDefault("added to every cysteine, in Da", m_given.cysteineMass))
-        ->type_name("MASS");
 }
 
 void LibraryArguments::addPeaksTo(CLI::App *command)
@@ -221,8 +291,11 @@ Result<CommandLine> LibraryArguments::libraryOptions() const
     LibraryOptions options = m_given;
     options.modelFolder = text(m_models);
     options.peaks.neutralLosses = !m_noLosses;
-    for (const auto step : {&LibraryArguments::convertInput, &LibraryArguments::convertDecoys,
-                            &LibraryArguments::convertShard, &LibraryArguments::convertOutput}) {
+    options.retentionTimes = !m_noRetentionTimes;
+    options.observedTimes = text(m_calibrate);
+    for (const auto step :
+         {&LibraryArguments::convertInput, &LibraryArguments::convertModifications, &LibraryArguments::convertDecoys,
+          &LibraryArguments::convertShard, &LibraryArguments::convertOutput}) {
         if (Error error = (this->*step)(&options); error.hasError())
             return error;
     }
@@ -247,6 +320,31 @@ Error LibraryArguments::convertInput(LibraryOptions *options) const
         options->charges = charges.value();
     }
     return options->digestion.checkForParameterErrors();
+}
+
+Error LibraryArguments::convertModifications(LibraryOptions *options) const
+{
+    if (m_cysteine->count() > 0 && !m_fixed.empty())
+        return wrongArgument(QStringLiteral("--cysteine and --fixed cannot be used together"));
+    if (!std::isfinite(m_cysteineMass))
+        return wrongArgument(QStringLiteral("--cysteine is not a finite mass"));
+    PeptidoformRules &rules = options->modifications;
+    const bool isNone =
+        m_fixed.size() == 1 && text(m_fixed.front()).compare(QLatin1String("none"), Qt::CaseInsensitive) == 0;
+    const Result<QList<ModificationRule>> fixed = isNone ? QList<ModificationRule>() : parseRules("--fixed", m_fixed);
+    if (fixed.hasError())
+        return fixed.error();
+    const Result<QList<ModificationRule>> variable = parseRules("--variable", m_variable);
+    if (variable.hasError())
+        return variable.error();
+    if (m_cysteine->count() > 0) {
+        rules.fixed = cysteineRule(m_cysteineMass);
+    } else if (!m_fixed.empty()) {
+        rules.fixed = fixed.value();
+    }
+    rules.variable = variable.value();
+    Error error = rules.check();
+    return error.hasError() ? wrongArgument(error.message()) : Error();
 }
 
 Error LibraryArguments::convertDecoys(LibraryOptions *options) const
@@ -307,8 +405,10 @@ Error LibraryArguments::checkRanges() const
     if (!std::isfinite(highest) || !isWithin(m_given.lowestPrecursorMz, 0.0, highest))
         return wrongArgument(QStringLiteral(
             "--min-precursor-mz must be at least 0 and at most --max-precursor-mz, which must be finite"));
-    if (!std::isfinite(m_given.cysteineMass))
-        return wrongArgument(QStringLiteral("--cysteine is not a finite mass"));
+    if (m_energy->count() > 0 && !isCollisionEnergy(m_given.collisionEnergy))
+        return wrongArgument(QStringLiteral("--energy is not within 10 to 60"));
+    if (m_noRetentionTimes && !m_calibrate.empty())
+        return wrongArgument(QStringLiteral("--calibrate and --no-retention-times cannot be used together"));
     if (peaks.top < 0)
         return wrongArgument(QStringLiteral("--top is below 0"));
     if (!isWithin(peaks.minIntensity, 0.0, 1.0))

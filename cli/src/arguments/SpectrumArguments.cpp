@@ -14,8 +14,17 @@ namespace zav {
 namespace {
 
 constexpr char EXAMPLES[] =
-    R"(The peptide is written in upper-case one-letter code; the charge is that of the precursor, 1 to 5.
-FILE.tsv of --peptides has the columns peptide and charge, with or without a header line.
+    R"(The peptide is written in upper-case one-letter code or, with modifications, in ProForma:
+AC[Carbamidomethyl]DM[Oxidation]K, [Acetyl]-AM[UNIMOD:35]K, AM[+15.9949]K, <[Carbamidomethyl]@C>ACDMK. The charge is
+that of the precursor, 1 to 5; with modifications or --energy, 1 to 6. FILE.tsv of --peptides has the columns peptide
+and charge, with or without a header line; with one, also energy, which may be empty.
+
+Without modifications and --energy, the network of the charge predicts, at about 28 to 40 of normalised collision
+energy. Otherwise the network of peptides with modifications does, at an energy of 30 unless --energy says another.
+It was trained on energies from 20 to 40.
+
+In a peptide without modifications every cysteine is carbamidomethylated (--cysteine sets another mass). One with
+modifications is taken as it is written: its plain C are free cysteines, which no training spectrum held.
 
 Without --format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .msp, .mgf,
 .json), and TSV otherwise. Intensities are relative to the base peak; peaks under 0.025 or over 2000 m/z are left out.
@@ -26,6 +35,7 @@ Examples:
   zav spectrum LQSRPAAPPAPGPGQLTLR 3
   zav spectrum LQSRPAAPPAPGPGQLTLR 3 --annotate --no-isotopes --format tsv
   zav spectrum LQSRPAAPPAPGPGQLTLR 3 --plot mirror.svg --against run.mzML --scan 30069
+  zav spectrum 'AC[Carbamidomethyl]DM[Oxidation]K' 2 --energy 27
   zav spectrum --peptides peptides.tsv --no-isotopes -o library.msp
   cut -f 1,2 peptides.tsv | zav spectrum --peptides - --format json > spectra.json
 )";
@@ -54,7 +64,8 @@ private:
     QString contradiction() const;
     QString convert(SpectrumOptions *options) const;
 
-    std::string m_peptide, m_charge, m_peptides, m_models, m_format, m_output, m_plot, m_against, m_scan, m_tolerance;
+    std::string m_peptide, m_charge, m_energy, m_peptides, m_models, m_format, m_output, m_plot, m_against, m_scan,
+        m_tolerance;
     double m_cysteine = SpectrumOptions().cysteineMass;
     bool m_noIsotopes = false, m_annotate = false, m_verbose = false;
 };
@@ -64,11 +75,14 @@ private:
 void SpectrumArguments::addTo(CLI::App *command)
 {
     command->add_option("PEPTIDE", m_peptide, "the peptide")->type_name("");
-    command->add_option("CHARGE", m_charge, "charge of its precursor, 1 to 5")->type_name("");
+    command->add_option("CHARGE", m_charge, "charge of its precursor, 1 to 6")->type_name("");
+    command->add_option("--energy", m_energy, "normalised collision energy, 10 to 60")->type_name("NCE");
     command->add_option("--peptides", m_peptides, "a list of peptides and charges; - is standard input")
         ->type_name("FILE.tsv");
     command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
-    command->add_option("--cysteine", m_cysteine, withDefault("added to every cysteine, in Da", m_cysteine))
+    command
+        ->add_option("--cysteine", m_cysteine,
+                     withDefault("added to every cysteine of a peptide without modifications, in Da", m_cysteine))
         ->type_name("MASS");
     command->add_option("-f,--format", m_format, "tsv, msp, mgf, json or table")->type_name("FORMAT");
     command->add_option("-o,--output", m_output, "write to FILE, which appears only when it is complete")
@@ -116,6 +130,12 @@ QString SpectrumArguments::convert(SpectrumOptions *options) const
         options->charge = text(m_charge).toInt(&isNumber);
         if (!isNumber)
             return QStringLiteral("CHARGE '%1' is not a whole number").arg(displayText(text(m_charge)));
+    }
+    if (!m_energy.empty()) {
+        bool isNumber = false;
+        options->collisionEnergy = text(m_energy).toDouble(&isNumber);
+        if (!isNumber || !isCollisionEnergy(options->collisionEnergy))
+            return QStringLiteral("--energy '%1' is not a number from 10 to 60").arg(displayText(text(m_energy)));
     }
     if (!m_format.empty()) {
         options->format = formatNamed(m_format);

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PeptideMasses.h"
 #include "SqliteDatabase.h"
 #include "SqliteLibrary.h"
 
@@ -45,12 +44,13 @@ constexpr char INSERT_SPECTRUM[] =
     " numPeaks, ionMobility, collisionalCrossSectionSqA, ionMobilityHighEnergyOffset, ionMobilityType, retentionTime,"
     " totalIonCurrent, moleculeName, chemicalFormula, precursorAdduct, inchiKey, otherKeys, fileID, SpecIDinFile,"
     " score, scoreType)"
-    " VALUES (?, ?, ?, ?, ?, '-', '-', 1, ?, 0, 0, 0, 0, 0, ?, '', '', '', '', '', 1, ?, 0, 0)";
+    " VALUES (?, ?, ?, ?, ?, '-', '-', 1, ?, 0, 0, 0, 0, ?, ?, '', '', '', '', '', 1, ?, 0, 0)";
 
 constexpr char SELECT_SPECTRA[] =
-    "SELECT s.id, s.peptideSeq, s.precursorMZ, s.precursorCharge, s.peptideModSeq, s.numPeaks, s.totalIonCurrent,"
-    " p.peakMZ, p.peakIntensity FROM RefSpectra s JOIN RefSpectraPeaks p ON p.rowid = s.id ORDER BY s.id";
-constexpr char SELECT_MODIFICATIONS[] = "SELECT RefSpectraID, mass FROM Modifications ORDER BY id";
+    "SELECT s.id, s.peptideSeq, s.precursorMZ, s.precursorCharge, s.peptideModSeq, s.numPeaks, s.retentionTime,"
+    " s.totalIonCurrent, p.peakMZ, p.peakIntensity FROM RefSpectra s JOIN RefSpectraPeaks p ON p.rowid = s.id ORDER BY "
+    "s.id";
+constexpr char SELECT_MODIFICATIONS[] = "SELECT RefSpectraID, position, mass FROM Modifications ORDER BY id";
 constexpr char SELECT_PROTEINS[] = "SELECT l.RefSpectraId, p.accession FROM RefSpectraProteins l"
                                    " JOIN Proteins p ON p.id = l.ProteinId ORDER BY l.rowid";
 
@@ -63,9 +63,6 @@ QByteArray packed(const QByteArray &array)
 }
 
 // Reads the entries of a library that `BlibLibrary` wrote, in order.
-//
-// `RefSpectraProteins` and `Modifications` have no index by spectrum, nor need one: like `RefSpectra` they are read
-// once, side by side, in the order in which they were written.
 class BlibReader
 {
 public:
@@ -76,19 +73,11 @@ public:
     Result<bool> next(EncodedEntry *entry);
 
 private:
-    // A table whose rows begin with the spectrum they belong to.
-    struct Side
-    {
-        SqliteStatement rows;
-        bool hasRow = false;
-    };
-
-    static Error advance(Side *side);
-    Error readSides(qint64 spectrum, EncodedEntry *entry);
+    Error readDetails(qint64 spectrum, EncodedEntry *entry);
 
     SqliteStatement m_spectra;
-    Side m_modifications;
-    Side m_proteins;
+    SqliteDetails m_modifications;
+    SqliteDetails m_proteins;
 };
 
 class BlibLibrary : public SqliteLibrary
@@ -120,13 +109,9 @@ Error BlibReader::prepare(SqliteDatabase *database)
 {
     if (Error error = m_spectra.prepare(database, SELECT_SPECTRA); error.hasError())
         return error;
-    if (Error error = m_modifications.rows.prepare(database, SELECT_MODIFICATIONS); error.hasError())
+    if (Error error = m_modifications.prepare(database, SELECT_MODIFICATIONS); error.hasError())
         return error;
-    if (Error error = m_proteins.rows.prepare(database, SELECT_PROTEINS); error.hasError())
-        return error;
-    if (Error error = advance(&m_modifications); error.hasError())
-        return error;
-    return advance(&m_proteins);
+    return m_proteins.prepare(database, SELECT_PROTEINS);
 }
 
 Result<bool> BlibReader::next(EncodedEntry *entry)
@@ -141,41 +126,30 @@ Result<bool> BlibReader::next(EncodedEntry *entry)
     entry->charge = static_cast<int>(m_spectra.integer(3));
     entry->modifiedPeptide = m_spectra.bytes(4);
     entry->peakCount = static_cast<int>(m_spectra.integer(5));
-    entry->totalIonCurrent = m_spectra.real(6);
-    entry->masses = m_spectra.bytes(7);
-    entry->intensities = m_spectra.bytes(8);
-    if (Error error = readSides(m_spectra.integer(0), entry); error.hasError())
+    entry->retentionTime = m_spectra.real(6);
+    entry->totalIonCurrent = m_spectra.real(7);
+    entry->masses = m_spectra.bytes(8);
+    entry->intensities = m_spectra.bytes(9);
+    if (Error error = readDetails(m_spectra.integer(0), entry); error.hasError())
         return error;
     return true;
 }
 
-Error BlibReader::readSides(qint64 spectrum, EncodedEntry *entry)
+Error BlibReader::readDetails(qint64 spectrum, EncodedEntry *entry)
 {
-    while (m_modifications.hasRow && m_modifications.rows.integer(0) == spectrum) {
-        entry->cysteineMass = m_modifications.rows.real(1);
-        if (Error error = advance(&m_modifications); error.hasError())
-            return error;
-    }
-    while (m_proteins.hasRow && m_proteins.rows.integer(0) == spectrum) {
-        entry->proteins.append(m_proteins.rows.bytes(1));
-        if (Error error = advance(&m_proteins); error.hasError())
-            return error;
-    }
-    return {};
-}
-
-Error BlibReader::advance(Side *side)
-{
-    const Result<bool> hasRow = side->rows.next();
-    if (hasRow.hasError())
-        return hasRow.error();
-    side->hasRow = hasRow.value();
-    return {};
+    const auto addModification = [entry](const SqliteStatement &row) {
+        entry->modifications.append({static_cast<int>(row.integer(1)), row.real(2)});
+    };
+    if (Error error = m_modifications.visit(spectrum, addModification); error.hasError())
+        return error;
+    return m_proteins.visit(spectrum, [entry](const SqliteStatement &row) { entry->proteins.append(row.bytes(1)); });
 }
 
 EncodedEntry BlibLibrary::encode(const LibraryEntry &entry) const
 {
-    EncodedEntry encoded = encodedPeptide(entry, MASS_DECIMALS);
+    EncodedEntry encoded = encodedPeptide(entry);
+    encodeModifications(entry, MASS_DECIMALS, &encoded);
+    encoded.retentionTime = entry.hasRetentionTime() ? entry.retentionTime : 0.0;
     encoded.totalIonCurrent = storedIntensity(entry.peaks);
     encoded.masses = packed(massArray(entry.peaks, QSysInfo::LittleEndian));
     encoded.intensities = packed(intensityArray(entry.peaks, QSysInfo::LittleEndian));
@@ -203,8 +177,9 @@ Error BlibLibrary::createTables(SqliteDatabase *database, const LibraryInfo &inf
 Error BlibLibrary::insert(const EncodedEntry &entry)
 {
     ++m_count;
-    if (Error error = m_spectrum.run(m_count, entry.peptide, entry.precursorMz, entry.charge, entry.modifiedPeptide,
-                                     entry.peakCount, entry.totalIonCurrent, QByteArray::number(m_count));
+    if (Error error =
+            m_spectrum.run(m_count, entry.peptide, entry.precursorMz, entry.charge, entry.modifiedPeptide,
+                           entry.peakCount, entry.retentionTime, entry.totalIonCurrent, QByteArray::number(m_count));
         error.hasError())
         return error;
     if (Error error = m_peaks.run(m_count, SqliteBlob{entry.masses}, SqliteBlob{entry.intensities}); error.hasError())
@@ -214,13 +189,10 @@ Error BlibLibrary::insert(const EncodedEntry &entry)
     return insertProteins(entry);
 }
 
-// Positions count from 1.
 Error BlibLibrary::insertModifications(const EncodedEntry &entry)
 {
-    if (!isCysteineModified(entry.cysteineMass))
-        return {};
-    for (qsizetype i = entry.peptide.indexOf('C'); i >= 0; i = entry.peptide.indexOf('C', i + 1)) {
-        if (Error error = m_modification.run(m_count, qint64(i + 1), entry.cysteineMass); error.hasError())
+    for (const ModifiedResidue &residue : entry.modifications) {
+        if (Error error = m_modification.run(m_count, residue.position, residue.mass); error.hasError())
             return error;
     }
     return {};
@@ -255,19 +227,7 @@ Error BlibLibrary::insertEnd(SqliteDatabase *database)
 
 Error BlibLibrary::read(SqliteDatabase *other, const EntryTaker &take) const
 {
-    BlibReader reader;
-    if (Error error = reader.prepare(other); error.hasError())
-        return error;
-    for (;;) {
-        EncodedEntry entry;
-        const Result<bool> hasEntry = reader.next(&entry);
-        if (hasEntry.hasError())
-            return hasEntry.error();
-        if (!hasEntry.value())
-            return {};
-        if (Error error = take(entry); error.hasError())
-            return error;
-    }
+    return takeAll<BlibReader>(other, take);
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 #include "SqliteDatabase.h"
 #include "SqliteLibrary.h"
 
+#include <utility>
+
 namespace zav {
 
 namespace {
@@ -34,8 +36,8 @@ constexpr char INSERT_ENTRY[] =
     " MassEncodedLength, MassArray, IntensityEncodedLength, IntensityArray, SourceFile)"
     " VALUES (?, ?, ?, ?, 1, ?, 0, ?, ?, ?, ?, 'predicted')";
 
-constexpr char SELECT_ENTRIES[] = "SELECT PrecursorMz, PrecursorCharge, PeptideModSeq, PeptideSeq, MassEncodedLength,"
-                                  " MassArray, IntensityArray FROM entries ORDER BY rowid";
+constexpr char SELECT_ENTRIES[] = "SELECT PrecursorMz, PrecursorCharge, PeptideModSeq, PeptideSeq, RTInSeconds,"
+                                  " MassEncodedLength, MassArray, IntensityArray FROM entries ORDER BY rowid";
 
 EncodedEntry entryOfRow(const SqliteStatement &row)
 {
@@ -44,9 +46,10 @@ EncodedEntry entryOfRow(const SqliteStatement &row)
     entry.charge = static_cast<int>(row.integer(1));
     entry.modifiedPeptide = row.bytes(2);
     entry.peptide = row.bytes(3);
-    entry.peakCount = static_cast<int>(row.integer(4) / qint64(sizeof(double)));
-    entry.masses = row.bytes(5);
-    entry.intensities = row.bytes(6);
+    entry.retentionTime = row.real(4);
+    entry.peakCount = static_cast<int>(row.integer(5) / qint64(sizeof(double)));
+    entry.masses = row.bytes(6);
+    entry.intensities = row.bytes(7);
     return entry;
 }
 
@@ -81,11 +84,16 @@ private:
     SqliteStatement m_entry;
     SqliteStatement m_protein;
     QByteArray m_lastPeptide;
+    // Those of the last peptide. The N-terminus and the first residue are one place to this format, and so are the ends
+    // of the other side, but it takes a precursor only once.
+    QList<std::pair<QByteArray, int>> m_precursors;
 };
 
 EncodedEntry DlibLibrary::encode(const LibraryEntry &entry) const
 {
-    EncodedEntry encoded = encodedPeptide(entry, MASS_DECIMALS);
+    EncodedEntry encoded = encodedPeptide(entry);
+    encodeModifications(entry, MASS_DECIMALS, &encoded);
+    encoded.retentionTime = entry.hasRetentionTime() ? entry.secondsOfTime() : UNKNOWN_TIME;
     encoded.masses = compressed(massArray(entry.peaks, QSysInfo::BigEndian));
     encoded.intensities = compressed(intensityArray(entry.peaks, QSysInfo::BigEndian));
     return encoded;
@@ -102,17 +110,23 @@ Error DlibLibrary::createTables(SqliteDatabase *database, const LibraryInfo &)
 
 Error DlibLibrary::insert(const EncodedEntry &entry)
 {
+    // Its proteins belong to the peptide, not to each of its charges and peptidoforms.
+    const bool isNewPeptide = entry.peptide != m_lastPeptide;
+    if (isNewPeptide)
+        m_precursors.clear();
+    std::pair precursor(entry.modifiedPeptide, entry.charge);
+    if (m_precursors.contains(precursor))
+        return {};
+    m_precursors.append(std::move(precursor));
     const int massLength = entry.peakCount * int(sizeof(double));
     const int intensityLength = entry.peakCount * int(sizeof(float));
-    if (Error error = m_entry.run(entry.precursorMz, entry.charge, entry.modifiedPeptide, entry.peptide, UNKNOWN_TIME,
-                                  massLength, SqliteBlob{entry.masses}, intensityLength, SqliteBlob{entry.intensities});
+    if (Error error =
+            m_entry.run(entry.precursorMz, entry.charge, entry.modifiedPeptide, entry.peptide, entry.retentionTime,
+                        massLength, SqliteBlob{entry.masses}, intensityLength, SqliteBlob{entry.intensities});
         error.hasError())
         return error;
-    // Its proteins belong to the peptide, not to each of its charges.
-    if (entry.peptide == m_lastPeptide)
-        return {};
     m_lastPeptide = entry.peptide;
-    return insertProteins(entry);
+    return isNewPeptide ? insertProteins(entry) : Error();
 }
 
 Error DlibLibrary::insertProteins(const EncodedEntry &entry)

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "EncodedEntry.h"
 
-#include "PeptideMasses.h"
-#include "PeptideNotation.h"
-
 #include <QtCore/QtEndian>
 
 #include <zlib.h>
@@ -41,22 +38,25 @@ float stored(const FragmentPeak &peak)
 
 } // namespace
 
-EncodedEntry encodedPeptide(const LibraryEntry &entry, int massDecimals)
+EncodedEntry encodedPeptide(const LibraryEntry &entry)
 {
     EncodedEntry encoded;
-    encoded.peptide = entry.peptide.toUtf8();
-    encoded.modifiedPeptide = encoded.peptide;
-    if (isCysteineModified(entry.cysteineMass)) {
-        encoded.cysteineMass = exactCysteineMass(entry.cysteineMass);
-        encoded.modifiedPeptide = taggedPeptide(entry, '[' + signedMass(encoded.cysteineMass, massDecimals) + ']');
-    }
+    encoded.peptide = entry.peptidoform.sequence().toUtf8();
     encoded.charge = entry.charge;
     encoded.precursorMz = entry.precursorMz;
     encoded.peakCount = static_cast<int>(entry.peaks.size());
-    for (const QString &accession : entry.proteins)
-        encoded.proteins.append(accession.toUtf8());
+    for (const LibraryProtein &protein : entry.proteins)
+        encoded.proteins.append(protein.accession);
     encoded.isDecoy = entry.isDecoy;
     return encoded;
+}
+
+void encodeModifications(const LibraryEntry &entry, int decimals, EncodedEntry *encoded)
+{
+    encoded->modifications = modifiedResidues(entry.peptidoform);
+    TextBuffer text;
+    addMassNotation(&text, entry.peptidoform, encoded->modifications, decimals);
+    encoded->modifiedPeptide = text.take();
 }
 
 QByteArray massArray(const QList<FragmentPeak> &peaks, QSysInfo::Endian order)

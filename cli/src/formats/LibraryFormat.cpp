@@ -15,7 +15,8 @@ struct NamedKind
 constexpr NamedKind KINDS[] = {
     {"msp", ".msp", LibraryFileKind::Msp},    {"tsv", ".tsv", LibraryFileKind::Tsv},
     {"mgf", ".mgf", LibraryFileKind::Mgf},    {"mzspeclib", ".mzspeclib.txt", LibraryFileKind::MzSpecLib},
-    {"dlib", ".dlib", LibraryFileKind::Dlib}, {"blib", ".blib", LibraryFileKind::Blib}};
+    {"dlib", ".dlib", LibraryFileKind::Dlib}, {"blib", ".blib", LibraryFileKind::Blib},
+    {"pqp", ".pqp", LibraryFileKind::Pqp}};
 
 } // namespace
 
@@ -47,7 +48,12 @@ QStringList libraryFileKindNames()
 
 bool isSqlite(LibraryFileKind kind)
 {
-    return kind == LibraryFileKind::Dlib || kind == LibraryFileKind::Blib;
+    return textLibraryFormat(kind) == nullptr;
+}
+
+bool isTransitionList(LibraryFileKind kind)
+{
+    return kind == LibraryFileKind::Tsv || kind == LibraryFileKind::Pqp;
 }
 
 LibraryFormat::~LibraryFormat() = default;
@@ -90,6 +96,7 @@ const LibraryFormat *textLibraryFormat(LibraryFileKind kind)
         return &mzSpecLibFormat();
     case LibraryFileKind::Dlib:
     case LibraryFileKind::Blib:
+    case LibraryFileKind::Pqp:
         break;
     }
     return nullptr;

@@ -131,4 +131,30 @@ void SqliteStatement::reset()
     sqlite3_reset(m_statement);
 }
 
+Error SqliteDetails::prepare(SqliteDatabase *database, const char *sql)
+{
+    if (Error error = m_rows.prepare(database, sql); error.hasError())
+        return error;
+    return advance();
+}
+
+Error SqliteDetails::visit(qint64 id, const std::function<void(const SqliteStatement &row)> &visit)
+{
+    while (m_hasRow && m_rows.integer(0) == id) {
+        visit(m_rows);
+        if (Error error = advance(); error.hasError())
+            return error;
+    }
+    return {};
+}
+
+Error SqliteDetails::advance()
+{
+    const Result<bool> hasRow = m_rows.next();
+    if (hasRow.hasError())
+        return hasRow.error();
+    m_hasRow = hasRow.value();
+    return {};
+}
+
 } // namespace zav

@@ -8,6 +8,7 @@
 #include <QtCore/QString>
 
 #include <cstddef>
+#include <functional>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -105,6 +106,24 @@ private:
 
     SqliteDatabase *m_database = nullptr;
     sqlite3_stmt *m_statement = nullptr;
+};
+
+/// The rows of a table that belong to the rows of another one and are read along with it: both come in the order in
+/// which they were written, so no index is needed.
+class SqliteDetails
+{
+public:
+    /// A query whose first column is the id of the row that a row belongs to.
+    Error prepare(SqliteDatabase *database, const char *sql);
+
+    /// Shows the rows of an id to `visit`. The ids are asked for in their order.
+    Error visit(qint64 id, const std::function<void(const SqliteStatement &row)> &visit);
+
+private:
+    Error advance();
+
+    SqliteStatement m_rows;
+    bool m_hasRow = false;
 };
 
 } // namespace zav

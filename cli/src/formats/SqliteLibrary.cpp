@@ -59,6 +59,8 @@ std::unique_ptr<SqliteLibrary> makeSqliteLibrary(LibraryFileKind kind)
         return makeDlibLibrary();
     if (kind == LibraryFileKind::Blib)
         return makeBlibLibrary();
+    if (kind == LibraryFileKind::Pqp)
+        return makePqpLibrary();
     return nullptr;
 }
 

@@ -57,6 +57,26 @@ protected:
     /// Gives the entries of another library, in order.
     virtual Error read(SqliteDatabase *other, const EntryTaker &take) const = 0;
 
+    /// Gives `take` what a `Reader` reads: an object with `prepare`, and `next`, which tells whether there was another
+    /// entry.
+    template <typename Reader>
+    static Error takeAll(SqliteDatabase *database, const EntryTaker &take)
+    {
+        Reader reader;
+        if (Error error = reader.prepare(database); error.hasError())
+            return error;
+        for (;;) {
+            EncodedEntry entry;
+            const Result<bool> hasEntry = reader.next(&entry);
+            if (hasEntry.hasError())
+                return hasEntry.error();
+            if (!hasEntry.value())
+                return {};
+            if (Error error = take(entry); error.hasError())
+                return error;
+        }
+    }
+
 private:
     UnfinishedFile m_file;
     std::unique_ptr<SqliteDatabase> m_database; // closed before the file goes
@@ -67,16 +87,25 @@ std::unique_ptr<SqliteLibrary> makeSqliteLibrary(LibraryFileKind kind);
 
 /// The library of EncyclopeDIA (https://bitbucket.org/searleb/encyclopedia/wiki, "File Formats").
 ///
-/// `RTInSeconds` must be there and holds -1, which stands for an unknown time; `Score` is 0, `Copies` 1, `SourceFile`
-/// "predicted". Arrays are big-endian and compressed by zlib, their lengths those before. All peaks are stored, the
-/// format names no ions. Decoys are told by `isDecoy` of their proteins alone; EncyclopeDIA makes decoys itself.
+/// `RTInSeconds` must be there: an iRT counts as minutes, as EncyclopeDIA shows times in minutes and aligns them;
+/// without a retention time it is -1, which stands for an unknown one. `Score` is 0, `Copies` 1, `SourceFile`
+/// "predicted". Modifications of a terminus count for the residue there; of two peptidoforms that are the same then,
+/// the first is kept. Arrays are big-endian and compressed by zlib, their lengths those before. All peaks are stored,
+/// the format names no ions. Decoys are told by `isDecoy` of their proteins alone; EncyclopeDIA makes decoys itself.
 std::unique_ptr<SqliteLibrary> makeDlibLibrary();
 
 /// The library of BiblioSpec and Skyline, schema 1.10 (ProteoWizard, pwiz_tools/BiblioSpec).
 ///
-/// `retentionTime` is 0, `startTime` and `endTime` are null: no retention time is predicted. `createTime` is that of
-/// the Unix epoch, so that two runs write the same file. Arrays are little-endian, compressed by zlib where that is
-/// shorter. All peaks are stored, the format names no ions. A decoy is told by the accessions of its proteins alone.
+/// `retentionTime` is the iRT or the calibrated time in minutes, 0 where there is none; `startTime` and `endTime` are
+/// null. `createTime` is that of the Unix epoch, so that two runs write the same file. Arrays are little-endian,
+/// compressed by zlib where that is shorter. All peaks are stored, the format names no ions. A decoy is told by the
+/// accessions of its proteins alone.
 std::unique_ptr<SqliteLibrary> makeBlibLibrary();
+
+/// The transition list of OpenSWATH as a database (TransitionPQPFile of OpenMS, https://openms.de), version 3.
+///
+/// It holds what the transition list in text holds, under the same names, with all digits. `LIBRARY_RT` is 0 without a
+/// retention time. Proteins and genes belong to the peptidoform.
+std::unique_ptr<SqliteLibrary> makePqpLibrary();
 
 } // namespace zav

@@ -1,49 +1,58 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryFormat.h"
-#include "PeptideMasses.h"
 #include "PeptideNotation.h"
-
-#include <algorithm>
 
 namespace zav {
 
 namespace {
 
-constexpr qsizetype NUMBERS_SIZE = 80;
-
-bool isWritten(const FragmentPeak &peak)
+// A part of a text that is written once more.
+struct Piece
 {
-    return peak.isotope == 0 && (peak.ionType == QLatin1Char('y') || peak.ionType == QLatin1Char('b'));
+    qsizetype begin = 0;
+    qsizetype size = 0;
+};
+
+template <typename Add>
+Piece addedBy(TextBuffer *text, const Add &add)
+{
+    const qsizetype begin = text->size();
+    add();
+    return {begin, text->size() - begin};
 }
 
-QByteArray cysteineTag(double mass)
+void repeat(TextBuffer *text, const Piece &piece)
 {
-    if (!isCysteineModified(mass))
-        return {};
-    const CysteineModification *known = knownCysteineModification(mass);
-    return known ? "(UniMod:" + QByteArray::number(known->unimod) + ')' : '[' + signedMass(mass, 6) + ']';
+    text->repeat(piece.begin, piece.size);
 }
 
-// Unique: a decoy is never equal to a target, and a library has a precursor once.
-QByteArray groupId(const LibraryEntry &entry)
+// The columns behind the numbers, from NormalizedRetentionTime on, up to the precursor's name in TransitionId.
+void addPrecursorColumns(TextBuffer *text, const LibraryEntry &entry)
 {
-    return (entry.isDecoy ? "DECOY_" : "") + entry.peptide.toUtf8() + '_' + QByteArray::number(entry.charge);
+    text->add('\t');
+    if (entry.hasRetentionTime())
+        addRetentionTime(text, entry.retentionTime);
+    else
+        text->add('0');
+    text->add('\t');
+    addJoinedNames(text, entry.proteins, &LibraryProtein::accession);
+    text->add('\t');
+    const Piece genes = addedBy(text, [&] { addJoinedNames(text, entry.proteins, &LibraryProtein::gene); });
+    text->add('\t');
+    repeat(text, genes);
+    text->add('\t').add(QStringView(entry.peptidoform.sequence())).add('\t');
+    addOpenSwathNotation(text, entry.peptidoform);
+    text->add('\t').addInteger(entry.charge).add(entry.isDecoy ? "\t1\t" : "\t0\t");
+    const Piece name = addedBy(text, [&] { addPrecursorName(text, entry); });
+    text->add('\t');
+    repeat(text, name);
 }
 
-// The columns of the precursor, the same in each row of an entry, from ProteinId to TransitionGroupId.
-QByteArray precursorColumns(const LibraryEntry &entry, const QByteArray &group)
-{
-    const QByteArray genes = joinedNames(entry.genes);
-    TextBuffer text(NUMBERS_SIZE + 4 * entry.peptide.size() + 2 * genes.size());
-    text.add('\t').add(joinedNames(entry.proteins)).add('\t').add(genes).add('\t').add(genes);
-    text.add('\t').add(QStringView(entry.peptide));
-    text.add('\t').add(taggedPeptide(entry, cysteineTag(entry.cysteineMass)));
-    text.add('\t').addInteger(entry.charge).add(entry.isDecoy ? "\t1\t" : "\t0\t");
-    return text.add(group).add('\t').take();
-}
-
+// The rest of TransitionId and the columns behind it.
 void addFragmentColumns(TextBuffer *text, const FragmentPeak &peak)
 {
+    text->add('_');
+    const Piece ion = addedBy(text, [&] { addIonNotation(text, peak); });
     text->add('\t').addInteger(peak.charge).add('\t').add(QStringView(&peak.ionType, 1));
     text->add('\t').addInteger(peak.ionNumber).add('\t');
     if (peak.neutralLoss.isEmpty())
@@ -51,7 +60,7 @@ void addFragmentColumns(TextBuffer *text, const FragmentPeak &peak)
     else
         text->add(QStringView(peak.neutralLoss).mid(1));
     text->add('\t');
-    addIonNotation(text, peak);
+    repeat(text, ion);
     text->add('\n');
 }
 
@@ -59,7 +68,7 @@ class TsvLibraryFormat : public LibraryFormat
 {
 public:
     QByteArray opening(const LibraryInfo &info) const override;
-    QByteArray entry(const LibraryEntry &entry, qint64 index) const override;
+    void addEntry(const LibraryEntry &entry, qint64 index, TextBuffer *text) const override;
 };
 
 QByteArray TsvLibraryFormat::opening(const LibraryInfo &) const
@@ -69,24 +78,26 @@ QByteArray TsvLibraryFormat::opening(const LibraryInfo &) const
            "FragmentCharge\tFragmentType\tFragmentSeriesNumber\tFragmentLossType\tAnnotation\n";
 }
 
-QByteArray TsvLibraryFormat::entry(const LibraryEntry &entry, qint64) const
+// What is the same in each row is made for the first one and repeated from there.
+void TsvLibraryFormat::addEntry(const LibraryEntry &entry, qint64, TextBuffer *text) const
 {
-    const auto count = std::count_if(entry.peaks.begin(), entry.peaks.end(), isWritten);
-    if (count == 0)
-        return {};
-    const QByteArray group = groupId(entry);
-    const QByteArray columns = precursorColumns(entry, group);
-    TextBuffer text(count * (NUMBERS_SIZE + columns.size() + group.size()));
+    Piece mz;
+    Piece columns;
     for (const FragmentPeak &peak : entry.peaks) {
-        if (!isWritten(peak))
+        if (!isTransition(peak))
             continue;
-        text.addFixed(entry.precursorMz, 5).add('\t').addFixed(peak.mz, 5);
-        text.add('\t').addFixed(peak.intensity, 6).add("\t0").add(columns);
-        text.add(group).add('_');
-        addIonNotation(&text, peak);
-        addFragmentColumns(&text, peak);
+        const bool isFirst = mz.size == 0;
+        if (isFirst)
+            mz = addedBy(text, [&] { text->addFixed(entry.precursorMz, 5).add('\t'); });
+        else
+            repeat(text, mz);
+        text->addFixed(peak.mz, 5).add('\t').addFixed(peak.intensity, 6);
+        if (isFirst)
+            columns = addedBy(text, [&] { addPrecursorColumns(text, entry); });
+        else
+            repeat(text, columns);
+        addFragmentColumns(text, peak);
     }
-    return text.take();
 }
 
 } // namespace

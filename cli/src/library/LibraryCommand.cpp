@@ -2,6 +2,8 @@
 #include "LibraryCommand.h"
 
 #include "FileDigest.h"
+#include "NetworkLoading.h"
+#include "ObservedTimes.h"
 #include "OrderedPipeline.h"
 #include "OutputFile.h"
 #include "PrintableText.h"
@@ -17,8 +19,8 @@ namespace zav {
 
 namespace {
 
-// Peptides that a worker takes at a time. Many, because each length needs whole blocks; bounded, because their entries
-// stay in memory until their turn has come.
+// Peptidoforms that a worker takes at a time, about. Many, because each length needs whole blocks; bounded, because
+// their entries stay in memory until their turn has come.
 constexpr qint64 MOST_AT_ONCE = 8192;
 constexpr qint64 FEWEST_AT_ONCE = 512;
 
@@ -33,7 +35,7 @@ qint64 dividedUp(qint64 dividend, qint64 divisor)
 PeakFilterOptions peaksFor(const LibraryOptions &options)
 {
     PeakFilterOptions peaks = options.peaks;
-    if (options.kind == LibraryFileKind::Tsv) {
+    if (isTransitionList(options.kind)) {
         peaks.aIons = false;
         peaks.isotopes = false;
     }
@@ -54,7 +56,8 @@ LibraryCommand::LibraryCommand(const LibraryOptions &options)
     if (m_options.threads == 0)
         m_options.threads = usableCores();
     if (options.peaks.isotopes && !m_options.peaks.isotopes)
-        messages().note(QStringLiteral("TSV cannot hold isotope peaks; --isotopes has no effect"));
+        messages().note(QStringLiteral("%1 cannot hold isotope peaks; --isotopes has no effect")
+                            .arg(libraryFileKindNames()[static_cast<int>(options.kind)].toUpper()));
 }
 
 Error LibraryCommand::work()
@@ -73,7 +76,7 @@ Error LibraryCommand::work()
 /// Finds out what the library is made from, before anything is made.
 Error LibraryCommand::identify()
 {
-    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder);
+    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder, NetworkUse::Peptidoforms);
     if (folder.hasError())
         return folder.error();
     m_folder = folder.value();
@@ -104,8 +107,9 @@ bool LibraryCommand::isMadeAlready() const
 Error LibraryCommand::makeLibrary()
 {
     if (Error error =
-            inTurn(this, {&LibraryCommand::openOutputs, &LibraryCommand::digest, &LibraryCommand::loadNetworks,
-                          &LibraryCommand::predictAll, &LibraryCommand::finishOutputs});
+            inTurn(this, {&LibraryCommand::openOutputs, &LibraryCommand::digest, &LibraryCommand::countPeptidoforms,
+                          &LibraryCommand::calibrate, &LibraryCommand::loadNetworks, &LibraryCommand::predictAll,
+                          &LibraryCommand::finishOutputs});
         error.hasError())
         return error;
     tellTotals();
@@ -144,12 +148,56 @@ Error LibraryCommand::digest()
     return {};
 }
 
+/// Says what is to be made before it takes its time.
+Error LibraryCommand::countPeptidoforms()
+{
+    const Result<PeptidoformCounts> counts = LibraryPeptidoforms(m_options).count(
+        m_digested.peptides.get(), m_options.shard.first(m_manifest.peptideCount),
+        m_options.shard.end(m_manifest.peptideCount), [this] { return isInterrupted(); });
+    if (counts.hasError())
+        return counts.error();
+    m_planned = counts.value();
+    messages().note(m_planned.text());
+    return {};
+}
+
+/// Fits the times to those that were observed, where the user gives some.
+Error LibraryCommand::calibrate()
+{
+    if (!m_options.retentionTimes || m_options.observedTimes.isEmpty())
+        return {};
+    keepRuntimeInCallingThreads();
+    const QuietStandardError quiet(!m_options.verbose);
+    RetentionTimePredictor predictor;
+    if (Error error = loadRetentionTimes(*m_folder, &predictor); error.hasError())
+        return error;
+    const Result<ObservedTimes> observed = readObservedTimes(m_options.observedTimes);
+    if (observed.hasError())
+        return observed.error();
+    const Result<FittedTimes> fitted = fitTimes(observed.value(), m_options.observedTimes, &predictor);
+    if (fitted.hasError())
+        return fitted.error();
+    for (const QString &remark : fitted.value().remarks)
+        noteOnce(remark);
+    m_calibration = fitted.value().calibration;
+    return {};
+}
+
+void LibraryCommand::noteOnce(const QString &remark)
+{
+    if (m_noted.contains(remark))
+        return;
+    m_noted.append(remark);
+    messages().note(remark);
+}
+
 Error LibraryCommand::loadNetworks()
 {
     keepRuntimeInCallingThreads();
     const QuietStandardError quiet(!m_options.verbose);
     for (int thread = 0; thread < m_options.threads; ++thread) {
-        m_makers.push_back(std::make_unique<SpectrumMaker>(m_options, m_digested.peptides->proteins(), *m_writer));
+        m_makers.push_back(
+            std::make_unique<SpectrumMaker>(m_options, m_digested.peptides->proteins(), *m_writer, m_calibration));
         if (Error error = m_makers.back()->load(*m_folder); error.hasError())
             return error;
     }
@@ -160,7 +208,7 @@ Error LibraryCommand::predictAll()
 {
     const qint64 first = m_options.shard.first(m_manifest.peptideCount);
     const qint64 end = m_options.shard.end(m_manifest.peptideCount);
-    const qint64 size = pieceSize(end - first);
+    const qint64 size = pieceSize();
     Progress progress = startProgress(end - first, QStringLiteral("peptides"), m_options.outputPath);
     qint64 next = first;
     const auto read = [&]() -> Result<std::optional<PeptideBlock>> {
@@ -189,6 +237,8 @@ Error LibraryCommand::consume(const MadeSpectra &made)
 {
     if (made.error.hasError())
         return made.error;
+    for (const QString &remark : made.remarks)
+        noteOnce(displayText(remark, 200));
     for (const WrittenEntry &entry : made.entries) {
         if (Error error = m_writer->add(entry); error.hasError())
             return error;
@@ -222,10 +272,13 @@ bool LibraryCommand::hasManifest() const
 }
 
 /// Every thread gets the same number of pieces, and as few as the limits allow. The library does not depend on it.
-qint64 LibraryCommand::pieceSize(qint64 peptides) const
+qint64 LibraryCommand::pieceSize() const
 {
-    const qint64 rounds = dividedUp(peptides, MOST_AT_ONCE * m_options.threads);
-    return std::max(FEWEST_AT_ONCE, dividedUp(peptides, std::max<qint64>(1, rounds * m_options.threads)));
+    const qint64 rounds = dividedUp(m_planned.peptidoforms, MOST_AT_ONCE * m_options.threads);
+    const qint64 pieces = std::max<qint64>(1, rounds * m_options.threads);
+    const qint64 peptidoformsOfEach = dividedUp(m_planned.peptidoforms, std::max<qint64>(1, m_planned.peptides));
+    return std::max(std::max<qint64>(1, FEWEST_AT_ONCE / std::max<qint64>(1, peptidoformsOfEach)),
+                    dividedUp(m_planned.peptides, pieces));
 }
 
 void LibraryCommand::tellTotals()
@@ -249,12 +302,15 @@ QString LibraryCommand::leftOut() const
         {digested.skipped, m_options.proteins.isEmpty()
                                ? QStringLiteral("peptides with non-standard residues, or of another length")
                                : QStringLiteral("peptides with non-standard residues")},
+        {digested.unreadable, QStringLiteral("peptides with modifications that cannot be read")},
+        {m_planned.cutPeptides,
+         QStringLiteral("peptides' peptidoforms beyond their first %1").arg(PeptidoformMaker::MOST_OF_A_PEPTIDE)},
         {digested.decoysEqualToTarget, QStringLiteral("decoys that equal a target")},
         {digested.decoysTooSimilar, QStringLiteral("decoys too similar to their target")},
         {m_counts.outOfRange, QStringLiteral("precursors outside %1 to %2 m/z")
                                   .arg(m_options.lowestPrecursorMz)
                                   .arg(m_options.highestPrecursorMz)},
-        {m_counts.tooLong, QStringLiteral("precursors too long for their network")},
+        {m_counts.tooLong, QStringLiteral("precursors too long for the network")},
         {m_counts.withoutPeaks, QStringLiteral("precursors without a peak")}};
     QStringList parts;
     for (const auto &[count, what] : reasons) {

@@ -4,6 +4,7 @@
 #include "Command.h"
 #include "LibraryManifest.h"
 #include "LibraryOptions.h"
+#include "LibraryPeptidoforms.h"
 #include "LibraryWriter.h"
 #include "ModelFolder.h"
 #include "PeptideDigest.h"
@@ -28,13 +29,16 @@ private:
     Error makeLibrary();
     Error openOutputs();
     Error digest();
+    Error countPeptidoforms();
+    Error calibrate();
     Error loadNetworks();
+    void noteOnce(const QString &remark);
     Error predictAll();
     Error consume(const MadeSpectra &made);
     Error finishOutputs();
     bool isMadeAlready() const;
     bool hasManifest() const;
-    qint64 pieceSize(qint64 peptides) const;
+    qint64 pieceSize() const;
     void tellTotals();
     QString leftOut() const;
 
@@ -44,8 +48,11 @@ private:
     SkippedList m_skipped;
     std::unique_ptr<LibraryWriter> m_writer;
     DigestedPeptides m_digested;
+    PeptidoformCounts m_planned;
+    std::optional<RetentionTimeCalibration> m_calibration;
     std::vector<std::unique_ptr<SpectrumMaker>> m_makers; ///< one a thread
     PrecursorCounts m_counts;
+    QStringList m_noted; ///< what was told of the networks
 };
 
 } // namespace zav

@@ -12,6 +12,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
+#include <utility>
+
 namespace zav {
 
 namespace {
@@ -57,6 +60,22 @@ std::string decoyName(DecoyKind kind)
     return "none";
 }
 
+Json ruleTexts(const QList<ModificationRule> &rules)
+{
+    Json texts = Json::array();
+    for (const ModificationRule &rule : rules)
+        texts.push_back(rule.text().toStdString());
+    return texts;
+}
+
+Json modificationSettings(const PeptidoformRules &rules)
+{
+    Json settings = {{"fixed", ruleTexts(rules.fixed)}, {"variable", ruleTexts(rules.variable)}};
+    if (!rules.variable.isEmpty())
+        settings["maximum_variable"] = rules.maxVariable;
+    return settings;
+}
+
 Json peakSettings(const PeakFilterOptions &options)
 {
     return {{"top", options.top},
@@ -67,18 +86,32 @@ Json peakSettings(const PeakFilterOptions &options)
             {"isotopes", options.isotopes}};
 }
 
-Result<Json> networkSettings(const QList<int> &charges, const ModelFolder &folder)
+Result<Json> networkSettings(const LibraryOptions &options, const ModelFolder &folder)
 {
+    QList<std::pair<const char *, NetworkUse>> used = {{"spectra", NetworkUse::Peptidoforms}};
+    if (options.retentionTimes)
+        used.append({"retention_times", NetworkUse::RetentionTimes});
     Json networks = Json::object();
-    for (const int charge : charges) {
-        if (Error error = folder.checkFragmentationNetwork(charge); error.hasError())
-            return error;
-        const Result<QByteArray> digest = fileSha256(folder.fragmentationNetwork(charge));
+    for (const auto &[name, use] : used) {
+        const Result<QByteArray> digest = fileSha256(folder.network(use));
         if (digest.hasError())
             return digest.error();
-        networks[std::to_string(charge)] = digest.value().toStdString();
+        networks[name] = digest.value().toStdString();
     }
     return networks;
+}
+
+/// Whether there are times, and the table that they are calibrated with.
+Result<Json> timeSettings(const LibraryOptions &options)
+{
+    if (!options.retentionTimes)
+        return Json("none");
+    if (options.observedTimes.isEmpty())
+        return Json("iRT");
+    const Result<QByteArray> digest = fileSha256(options.observedTimes);
+    if (digest.hasError())
+        return digest.error();
+    return Json({{"calibrated_with", digest.value().toStdString()}});
 }
 
 QString textIn(const QByteArray &settings, const char *name)
@@ -127,9 +160,12 @@ QString shown(const QString &path)
 
 Result<QByteArray> librarySettings(const LibraryOptions &options, const ModelFolder &folder)
 {
-    const Result<Json> networks = networkSettings(options.charges, folder);
+    const Result<Json> networks = networkSettings(options, folder);
     if (networks.hasError())
         return networks.error();
+    const Result<Json> times = timeSettings(options);
+    if (times.hasError())
+        return times.error();
     Json settings;
     settings["version"] = ZAV_VERSION;
     settings["name"] = libraryName(options.inputPath()).toStdString();
@@ -141,7 +177,10 @@ Result<QByteArray> librarySettings(const LibraryOptions &options, const ModelFol
         settings["decoy_seed"] = options.decoys.seed;
     settings["charges"] = std::vector<int>(options.charges.begin(), options.charges.end());
     settings["precursor_mz"] = {options.lowestPrecursorMz, options.highestPrecursorMz};
-    settings["cysteine_mass"] = options.cysteineMass;
+    settings["modifications"] = modificationSettings(options.modifications);
+    settings["collision_energy"] =
+        std::isnan(options.collisionEnergy) ? Json("default") : Json(options.collisionEnergy);
+    settings["retention_times"] = times.value();
     settings["peaks"] = peakSettings(options.peaks);
     settings["networks"] = networks.value();
     return QByteArray::fromStdString(settings.dump());

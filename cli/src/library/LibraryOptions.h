@@ -6,11 +6,13 @@
 #include "LibraryFormat.h"
 #include "LibraryShard.h"
 #include "PeakFilter.h"
-#include "PeptideMasses.h"
+#include "PeptidoformMaker.h"
 
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+
+#include <limits>
 
 namespace zav {
 
@@ -26,10 +28,15 @@ struct LibraryOptions
 
     DigestionOptions digestion;
     DecoyOptions decoys;
-    QList<int> charges = {2, 3};    ///< ascending, each once, 1 to 5
+    QList<int> charges = {2, 3};    ///< ascending, each once, 1 to 6
     double lowestPrecursorMz = 300; ///< m/z; the range of common acquisition methods, and so is the next
     double highestPrecursorMz = 1800;
-    double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION; ///< Da
+    PeptidoformRules modifications;
+
+    double collisionEnergy = std::numeric_limits<double>::quiet_NaN(); ///< normalised, 10 to 60; NaN: the network's
+    bool retentionTimes = true;
+    QString observedTimes; ///< path of the table that the times are calibrated with; empty: they are iRT
+
     PeakFilterOptions peaks;
 
     int threads = 0; ///< 0: all cores

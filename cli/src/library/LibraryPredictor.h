@@ -4,43 +4,64 @@
 #include "ModelFolder.h"
 
 #include <zav/Error.h>
-#include <zav/MsMsFragmentationPredictomatic.h>
+#include <zav/PeptidoformSpectrumPredictor.h>
+#include <zav/RetentionTimePredictor.h>
 
 #include <QtCore/QList>
 #include <QtCore/QStringList>
 
 #include <functional>
-#include <memory>
 
 namespace zav {
 
-/// Predicts the fragments of many peptides so that the result for a peptide does not depend on the others.
+/// The precursors of one peptidoform that a library is to hold.
+struct LibraryPrecursors
+{
+    Peptidoform peptidoform;
+    quint8 charges = 0; ///< bit z stands for charge z
+
+    bool isOf(int charge) const { return (charges >> charge & 1) != 0; }
+};
+
+/// Predicts the spectra and the retention times of many peptidoforms so that the result for one does not depend on the
+/// others.
 ///
-/// The last bits of a network's results depend on the shape of the block that it runs on: the number of peptides and
-/// the length of the longest. Here every block has the same number of peptides, all of one length; a block with fewer
-/// is filled up. The other peptides of a block, and the place in it, do not matter. One thread at a time.
+/// The last bits of a network's results depend on the shape of the block that it runs on: the number of peptidoforms
+/// and precursors and the length of the longest. Here every block has the same number of peptidoforms, all of one
+/// length and with the same charges; a block with fewer is filled up. The other peptidoforms of a block, and the place
+/// in it, do not matter. One thread at a time.
 class LibraryPredictor
 {
 public:
-    /// Peptides in a block. At 32 a peptide costs 5 to 10 % more than at 128, but four times fewer places are only
-    /// filled up where the peptides of a length run out.
-    static constexpr qsizetype PEPTIDES_PER_RUN = 32;
+    /// At 32 a peptidoform costs 5 to 10 % more than at 128, but four times fewer places are only filled up where the
+    /// peptidoforms of a length run out.
+    static constexpr qsizetype PEPTIDOFORMS_PER_RUN = 32;
 
-    explicit LibraryPredictor(double cysteineMass);
+    /// Loads the network of spectra and, if asked for, that of retention times. The error names the file.
+    Error load(const ModelFolder &folder, bool withTimes);
 
-    /// Loads the networks of the charges, each within 1 to 5. The error names the file.
-    Error load(const ModelFolder &folder, const QList<int> &charges);
+    /// Takes the peaks of a precursor, none where they could not be predicted. The index is the peptidoform's place in
+    /// the list.
+    using Visitor = std::function<void(qsizetype index, int charge, const QList<FragmentPeak> &peaks)>;
 
-    /// Takes the peaks of a peptide, none where they could not be predicted. The index is its place in the list.
-    using Visitor = std::function<void(qsizetype index, const QList<FragmentPeak> &peaks)>;
+    /// Shows every precursor's peaks to `visit`, the shortest peptides first. `energy` is the normalised collision
+    /// energy, NaN for the network's default. Peptidoforms have 2 to 52 standard residues.
+    Error predictSpectra(const QList<LibraryPrecursors> &precursors, double energy, const Visitor &visit);
 
-    /// Shows every peptide's peaks to `visit`, the shortest peptides first. None is longer than the charge allows.
-    Error predict(const QStringList &peptides, int charge, const Visitor &visit);
+    /// What `RetentionTimePredictor::predictHeads` gives, in the order of the peptidoforms.
+    Error predictTimes(const QList<LibraryPrecursors> &precursors, QList<QList<double>> *heads);
+
+    /// What the predictors remarked so far, such as modifications that they have not seen; each remark once.
+    QStringList takeRemarks();
 
 private:
-    Error predictBlock(const QStringList &peptides, const QList<qsizetype> &indices, int charge, const Visitor &visit);
+    Error predictBlock(const QList<LibraryPrecursors> &precursors, const QList<qsizetype> &indices, double energy,
+                       const Visitor &visit);
+    void keepRemarks(const Error &outcome);
 
-    std::unique_ptr<MsMsFragmentationPredictomatic> m_predictor;
+    PeptidoformSpectrumPredictor m_spectra;
+    RetentionTimePredictor m_times;
+    QStringList m_remarks;
 };
 
 } // namespace zav

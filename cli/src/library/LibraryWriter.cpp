@@ -30,7 +30,7 @@ public:
     TextLibraryWriter(LibraryFileKind kind, const QString &path, const LibraryInfo &info);
 
     Error open() override;
-    WrittenEntry encode(const LibraryEntry &entry) const override;
+    WrittenEntry encode(const LibraryEntry &entry, TextArena *arena) const override;
     Error add(const WrittenEntry &entry) override;
     Error append(const QString &path, const LibraryFileFacts &facts) override;
     Result<LibraryFileFacts> finish() override;
@@ -59,9 +59,11 @@ Error TextLibraryWriter::open()
     return write(opening);
 }
 
-WrittenEntry TextLibraryWriter::encode(const LibraryEntry &entry) const
+WrittenEntry TextLibraryWriter::encode(const LibraryEntry &entry, TextArena *arena) const
 {
-    return {m_format.entry(entry, 0), {}};
+    TextBuffer *text = arena->draft();
+    m_format.addEntry(entry, 0, text);
+    return text->isEmpty() ? WrittenEntry() : WrittenEntry{arena->keep(text->view()), {}};
 }
 
 Error TextLibraryWriter::add(const WrittenEntry &entry)
@@ -125,7 +127,7 @@ public:
     SqliteLibraryWriter(LibraryFileKind kind, const QString &path, const LibraryInfo &info);
 
     Error open() override;
-    WrittenEntry encode(const LibraryEntry &entry) const override;
+    WrittenEntry encode(const LibraryEntry &entry, TextArena *arena) const override;
     Error add(const WrittenEntry &entry) override;
     Error append(const QString &path, const LibraryFileFacts &facts) override;
     Result<LibraryFileFacts> finish() override;
@@ -146,7 +148,7 @@ Error SqliteLibraryWriter::open()
     return m_library->open(m_path, m_info);
 }
 
-WrittenEntry SqliteLibraryWriter::encode(const LibraryEntry &entry) const
+WrittenEntry SqliteLibraryWriter::encode(const LibraryEntry &entry, TextArena *) const
 {
     auto row = std::make_shared<EncodedEntry>(m_library->encode(entry));
     return row->peakCount == 0 ? WrittenEntry() : WrittenEntry{{}, std::move(row)};

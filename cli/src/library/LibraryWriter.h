@@ -3,6 +3,7 @@
 
 #include "LibraryEntry.h"
 #include "LibraryFormat.h"
+#include "TextArena.h"
 
 #include <zav/Result.h>
 
@@ -48,8 +49,9 @@ public:
     /// Has to come first and succeed.
     virtual Error open() = 0;
 
-    /// What `add` takes; empty when the format can hold none of the entry's peaks. Any thread, several at once.
-    virtual WrittenEntry encode(const LibraryEntry &entry) const = 0;
+    /// What `add` takes; empty when the format can hold none of the entry's peaks. Its text lies in the arena. Any
+    /// thread, several at once with an arena each.
+    virtual WrittenEntry encode(const LibraryEntry &entry, TextArena *arena) const = 0;
 
     /// Appends an entry, in the order of the library.
     virtual Error add(const WrittenEntry &entry) = 0;

@@ -36,20 +36,18 @@ void scaleToBasePeak(QList<FragmentPeak> *peaks)
 
 } // namespace
 
-QList<FragmentPeak> PeakFilter::apply(const QList<FragmentPeak> &peaks) const
+void PeakFilter::apply(const QList<FragmentPeak> &peaks, QList<FragmentPeak> *kept) const
 {
-    QList<FragmentPeak> kept;
-    kept.reserve(peaks.size());
+    kept->clear();
     for (const FragmentPeak &peak : peaks) {
         if (isWanted(peak))
-            kept.append(peak);
+            kept->append(peak);
     }
-    dropWeak(&kept);
-    keepTop(&kept);
+    dropWeak(kept);
+    keepTop(kept);
     if (m_options.isotopes)
-        addIsotopes(&kept);
-    scaleToBasePeak(&kept);
-    return kept;
+        addIsotopes(kept);
+    scaleToBasePeak(kept);
 }
 
 bool PeakFilter::isWanted(const FragmentPeak &peak) const

@@ -33,8 +33,9 @@ class PeakFilter
 public:
     explicit PeakFilter(const PeakFilterOptions &options) : m_options(options) {}
 
-    /// `peaks` ascend in m/z, and so do those that are returned; none when nothing is left.
-    QList<FragmentPeak> apply(const QList<FragmentPeak> &peaks) const;
+    /// `peaks` ascend in m/z, and so do those in `kept`, which is emptied first and keeps its memory. None when nothing
+    /// is left.
+    void apply(const QList<FragmentPeak> &peaks, QList<FragmentPeak> *kept) const;
 
 private:
     bool isWanted(const FragmentPeak &peak) const;

@@ -28,10 +28,9 @@ Error SkippedList::add(const UnpredictedPrecursor &precursor, const ProteinTable
         accessions.append(proteins.protein(index, peptide.isDecoy).accession);
     return addRow(accessions.join(QLatin1Char(';')), QString::fromLatin1(peptide.sequence),
                   QString::number(precursor.charge),
-                  QStringLiteral("%1 residues, more than the %2 that charge %3 allows")
+                  QStringLiteral("%1 residues, more than the %2 that are predicted")
                       .arg(peptide.sequence.size())
-                      .arg(precursor.maximumLength)
-                      .arg(precursor.charge));
+                      .arg(precursor.maximumLength));
 }
 
 Error SkippedList::commit()

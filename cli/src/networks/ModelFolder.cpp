@@ -20,6 +20,8 @@ QString fileNameOf(NetworkUse use)
     switch (use) {
     case NetworkUse::Fragmentation:
         break;
+    case NetworkUse::Peptidoforms:
+        return QStringLiteral("peptidoform_spectrum.pb");
     case NetworkUse::RetentionTimes:
         return QStringLiteral("retention_time.pb");
     case NetworkUse::PeakLimits:

@@ -12,13 +12,14 @@ namespace zav {
 /// What the networks of a folder are for.
 enum class NetworkUse {
     Fragmentation,  ///< the spectra of peptides, one network a charge
+    Peptidoforms,   ///< the spectra of peptides with modifications, at any charge and energy
     RetentionTimes, ///< when peptides elute
     PeakLimits,     ///< where the peaks of chromatograms start and end
     PeakSplits      ///< where they are to be split
 };
 
-/// A folder of networks: `msms_charge1.pb` to `msms_charge5.pb`, `retention_time.pb`, `xic_limits.pb` and
-/// `xic_split.pb`, each with its contract of the same name, `.json`.
+/// A folder of networks: `msms_charge1.pb` to `msms_charge5.pb`, `peptidoform_spectrum.pb`, `retention_time.pb`,
+/// `xic_limits.pb` and `xic_split.pb`, each with its contract of the same name, `.json`.
 class ModelFolder
 {
 public:

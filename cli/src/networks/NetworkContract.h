@@ -11,7 +11,8 @@ namespace zav {
 /// What a network's contract, the JSON file beside its graph, says about it. A field that the contract lacks is empty.
 struct NetworkContract
 {
-    QString kind;           ///< `msms_fragmentation`, `retention_time`, `xic_limits` or `xic_split`
+    /// `msms_fragmentation`, `peptidoform_spectrum`, `retention_time`, `xic_limits` or `xic_split`.
+    QString kind;
     int charge = 0;         ///< of the precursor; 0 for kinds without one
     int maxPointCount = 0;  ///< of a chromatogram that the network takes; 0 for kinds without one
     QList<int> inputShape;  ///< -1: any number

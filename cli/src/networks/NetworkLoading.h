@@ -25,6 +25,14 @@ Error predictionError(const Error &error, int charge);
 Error loadFragmentationNetworks(const ModelFolder &folder, const QList<int> &charges,
                                 MsMsFragmentationPredictomatic *predictor, int *failedCharge = nullptr);
 
+/// Loads the network of a predictor that needs its path alone; the error names the file.
+template <typename Predictor>
+Error loadNetwork(const QString &path, Predictor *predictor)
+{
+    const Error error = predictor->init(path);
+    return error.hasError() ? loadingError(error, path) : Error();
+}
+
 /// Loads the network for retention times of the folder, or of a file. The error names the file.
 Error loadRetentionTimes(const ModelFolder &folder, RetentionTimePredictor *predictor);
 Error loadRetentionTimes(const QString &path, RetentionTimePredictor *predictor);

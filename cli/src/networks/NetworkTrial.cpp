@@ -5,6 +5,7 @@
 #include "NetworkLoading.h"
 
 #include <zav/MsMsFragmentationPredictomatic.h>
+#include <zav/PeptidoformSpectrumPredictor.h>
 #include <zav/RetentionTimePredictor.h>
 #include <zav/XicBaselineLimitsDetector.h>
 #include <zav/XicPeakSplitter.h>
@@ -45,6 +46,20 @@ Error tryFragmentation(int charge, const QString &path)
     if (const Error error = predictor.predictMsMsFragmentation(peptide, charge, &spectrum); error.hasError())
         return failedStep(error, QStringLiteral("cannot predict"));
     return checkSpectrum(spectrum);
+}
+
+Error tryPeptidoforms(const QString &path)
+{
+    PeptidoformSpectrumPredictor predictor;
+    if (const Error error = loadNetwork(path, &predictor); error.hasError())
+        return error;
+    const Result<Peptidoform> peptidoform = Peptidoform::fromProForma(QStringLiteral("AVM[Oxidation]DDFAAFVEK"));
+    if (peptidoform.hasError())
+        return peptidoform.error();
+    QList<QList<FragmentPeak>> spectra;
+    if (const Error error = predictor.predict({{peptidoform.value()}}, &spectra); error.hasError())
+        return failedStep(error, QStringLiteral("cannot predict"));
+    return spectra.first().isEmpty() ? Error(Failure, QStringLiteral("predicts no peaks")) : Error();
 }
 
 Error tryRetentionTimes(const QString &path)
@@ -117,6 +132,8 @@ Error tryNetwork(const NetworkContract &contract, const QString &graphPath)
 {
     if (contract.kind == QLatin1String("msms_fragmentation"))
         return tryFragmentation(contract.charge, graphPath);
+    if (contract.kind == QLatin1String("peptidoform_spectrum"))
+        return tryPeptidoforms(graphPath);
     if (contract.kind == QLatin1String("retention_time"))
         return tryRetentionTimes(graphPath);
     if (contract.kind == QLatin1String("xic_limits"))

@@ -5,6 +5,8 @@
 #include "PrintableText.h"
 #include "TableHeading.h"
 
+#include <cmath>
+
 namespace zav {
 
 namespace {
@@ -15,15 +17,16 @@ constexpr qsizetype MAX_LINE_BYTES = 1 << 24;
 constexpr char PEPTIDE[] = "peptide";
 constexpr char SEQUENCE[] = "sequence";
 constexpr char CHARGE[] = "charge";
+constexpr char ENERGY[] = "energy";
 
-/// Where peptide and charge stand.
+/// Where peptide, charge and energy stand.
 class PeptideColumns
 {
 public:
     /// Whether `line` is a header; if it is none, the columns are the first two.
     bool readHeader(QByteArrayView line)
     {
-        m_heading.look(line, {PEPTIDE, SEQUENCE, CHARGE});
+        m_heading.look(line, {PEPTIDE, SEQUENCE, CHARGE, ENERGY});
         const qsizetype peptide = m_heading.column(PEPTIDE);
         const qsizetype sequence = m_heading.column(SEQUENCE);
         const bool isSequence = sequence >= 0 && (peptide < 0 || sequence < peptide); // the first of the two counts
@@ -47,10 +50,23 @@ public:
             row.problem = QStringLiteral("the charge is missing");
         else if (!isNumber)
             row.problem = QStringLiteral("charge '%1' is not a whole number").arg(displayText(charge, 20));
+        else
+            readEnergy(line, &row);
         return row;
     }
 
 private:
+    void readEnergy(QByteArrayView line, PeptideListRow *row) const
+    {
+        const QString energy = m_heading.text(line, ENERGY);
+        if (energy.isEmpty())
+            return;
+        bool isNumber = false;
+        row->precursor.collisionEnergy = energy.toDouble(&isNumber);
+        if (!isNumber || std::isnan(row->precursor.collisionEnergy))
+            row->problem = QStringLiteral("energy '%1' is not a number").arg(displayText(energy, 20));
+    }
+
     TableHeading m_heading{TableHeading::TabOrBlanks};
     const char *m_peptide = PEPTIDE;
 };

@@ -22,7 +22,8 @@ struct PeptideListRow
 /// by a tab (or, in a line without tabs, by blanks). More columns are ignored, as are blank lines and comments (`#`).
 ///
 /// A first line with the column names `peptide` (or `sequence`) and `charge`, in any case, is a header and says where
-/// the two columns stand; without one they are the first two.
+/// the two columns stand, and where a column `energy` stands, the normalised collision energy, which may be empty;
+/// without a header the two are the first ones and there is no energy.
 ///
 /// A row that cannot be understood stays in the list with its `problem`. `Failure`, which names the file, when it
 /// cannot be read to its end.

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 namespace zav::peptideMasses {
 
@@ -60,6 +61,23 @@ double sumOfResidues(QStringView residues, double cysteineMass)
     return sum;
 }
 
+double modificationMass(const Peptidoform &peptidoform, int position)
+{
+    double sum = 0;
+    for (const PlacedModification &placed : peptidoform.modifications())
+        sum += placed.position == position ? placed.modification.mass : 0;
+    return sum;
+}
+
+/// The residues from index `first` to before `end`, with the modifications of a terminus that belongs to them.
+double massOfPart(const Peptidoform &peptidoform, int first, int end)
+{
+    double sum = first == 0 ? modificationMass(peptidoform, 0) : 0;
+    for (int i = first; i < end; ++i)
+        sum += residueMass(peptidoform.sequence().at(i)) + modificationMass(peptidoform, i + 1);
+    return end == peptidoform.length() ? sum + modificationMass(peptidoform, end + 1) : sum;
+}
+
 double protonated(double neutral, int charge)
 {
     return (neutral + charge * PROTON) / charge;
@@ -84,11 +102,16 @@ double precursorMz(const QString &peptide, int charge, double cysteineMass)
     return protonated(neutralMass(peptide, cysteineMass), charge);
 }
 
-double fragmentMz(const QString &peptide, QChar ionType, int ionNumber, int charge, double cysteineMass)
+double precursorMz(const Peptidoform &peptidoform, int charge)
 {
-    const QStringView all(peptide);
-    const double neutral = ionType == QLatin1Char('y') ? sumOfResidues(all.right(ionNumber), cysteineMass) + WATER
-                                                       : sumOfResidues(all.left(ionNumber), cysteineMass);
+    return protonated(massOfPart(peptidoform, 0, peptidoform.length()) + WATER, charge);
+}
+
+double fragmentMz(const Peptidoform &peptidoform, QChar ionType, int ionNumber, int charge)
+{
+    const int length = peptidoform.length();
+    const double neutral = ionType == QLatin1Char('y') ? massOfPart(peptidoform, length - ionNumber, length) + WATER
+                                                       : massOfPart(peptidoform, 0, ionNumber);
     return protonated(neutral, charge);
 }
 
@@ -121,6 +144,24 @@ const CysteineModification *knownCysteineModification(double mass)
 bool isCysteineModified(double mass)
 {
     return std::abs(mass) >= SAME_MASS;
+}
+
+Modification cysteineModification(double mass)
+{
+    const CysteineModification *known = knownCysteineModification(mass);
+    Modification modification =
+        known ? modifications::findByAccession(known->unimod)->modification : modifications::ofMass(mass);
+    modification.mass = mass;
+    return modification;
+}
+
+Peptidoform withCysteines(const QString &peptide, double mass)
+{
+    QList<PlacedModification> modifications;
+    qsizetype i = isCysteineModified(mass) ? peptide.indexOf(QLatin1Char('C')) : -1;
+    for (; i >= 0; i = peptide.indexOf(QLatin1Char('C'), i + 1))
+        modifications.append({static_cast<int>(i + 1), cysteineModification(mass)});
+    return Peptidoform(peptide, std::move(modifications));
 }
 
 double exactCysteineMass(double mass)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <zav/Peptidoform.h>
+
 #include <QtCore/QChar>
 #include <QtCore/QString>
 
@@ -23,8 +25,11 @@ double neutralMass(const QString &peptide, double cysteineMass);
 /// m/z of the protonated peptide; `charge` from 1.
 double precursorMz(const QString &peptide, int charge, double cysteineMass);
 
+/// The same of a peptide with all its modifications.
+double precursorMz(const Peptidoform &peptidoform, int charge);
+
 /// m/z of the ion b_n or y_n, `ionType` 'b' or 'y', `ionNumber` from 1 to the peptide's length, `charge` from 1.
-double fragmentMz(const QString &peptide, QChar ionType, int ionNumber, int charge, double cysteineMass);
+double fragmentMz(const Peptidoform &peptidoform, QChar ionType, int ionNumber, int charge);
 
 } // namespace zav::peptideMasses
 
@@ -44,6 +49,13 @@ const CysteineModification *knownCysteineModification(double mass);
 
 /// Whether a cysteine to which that mass (Da) is added counts as modified: it is 0.001 Da or more, up or down.
 bool isCysteineModified(double mass);
+
+/// The modification that adds this mass to a cysteine: a known reagent by its name, else one known by its mass alone.
+/// It has the mass as it is given.
+Modification cysteineModification(double mass);
+
+/// The peptide with that mass added to every cysteine; none is modified where the mass does not count.
+Peptidoform withCysteines(const QString &peptide, double mass);
 
 /// The mass with all digits of Unimod where `mass` has fewer of them (57.02146), else `mass`.
 double exactCysteineMass(double mass);

@@ -3,6 +3,12 @@
 
 namespace zav {
 
+QString peptideText(const PredictedSpectrum &spectrum)
+{
+    const QString &asked = spectrum.precursor.peptide;
+    return isProForma(asked) ? spectrum.peptidoform.toProForma() : asked;
+}
+
 QString ionName(const FragmentPeak &peak)
 {
     if (peak.ionType.isNull())

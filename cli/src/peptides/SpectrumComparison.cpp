@@ -101,13 +101,13 @@ private:
 double cosineOfBackboneIons(const PredictedSpectrum &predicted, const QList<QPointF> &observed,
                             const MassTolerance &tolerance)
 {
-    const auto &[peptide, precursorCharge] = predicted.precursor;
+    const int highestCharge = std::min(predicted.precursor.charge, MAX_FRAGMENT_CHARGE);
     const QHash<QString, double> intensities = backboneIntensities(predicted.peaks);
     IonTable ions;
     for (const QChar ionType : {QLatin1Char('b'), QLatin1Char('y')}) {
-        for (int charge = 1; charge <= std::min(precursorCharge, MAX_FRAGMENT_CHARGE); ++charge) {
-            for (int number = 1; number < peptide.size(); ++number) {
-                const double mz = peptideMasses::fragmentMz(peptide, ionType, number, charge, predicted.cysteineMass);
+        for (int charge = 1; charge <= highestCharge; ++charge) {
+            for (int number = 1; number < predicted.peptidoform.length(); ++number) {
+                const double mz = peptideMasses::fragmentMz(predicted.peptidoform, ionType, number, charge);
                 const int peak = mostIntensePeak(observed, mz, tolerance);
                 ions.add(intensities.value(ionKey(ionType, number, charge)), peak, peak < 0 ? 0 : observed[peak].y());
             }

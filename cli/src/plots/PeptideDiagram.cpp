@@ -17,6 +17,7 @@ constexpr double MIN_NUMBERED_PITCH = 19; // where the ion numbers have room
 constexpr double LETTER_SHARE = 0.72;     // of the pitch
 constexpr double MAX_LETTER = 18;
 constexpr double NUMBER_SIZE = 9;
+constexpr double MASS_DISTANCE = 12; // of a modification's mass from the hooks of the y ions
 
 // Page positions of a diagram's parts.
 struct DiagramGeometry
@@ -30,6 +31,7 @@ struct DiagramGeometry
     double bondX(int residuesBefore) const { return left + residuesBefore * pitch; }
     double armLength() const { return 0.5 * letter + 5; }
     double hookLength() const { return 0.36 * pitch; }
+    double massBaseline() const { return middle - armLength() - MASS_DISTANCE; } // above the numbers of the y ions
 };
 
 void drawCentred(QPainter *painter, double x, double baseline, const QString &text)
@@ -56,21 +58,59 @@ void drawNumber(QPainter *painter, const DiagramGeometry &geometry, int residues
     drawCentred(painter, x, edge + ascent, QString::number(number));
 }
 
+bool isTerminal(const PlacedModification &placed, int length)
+{
+    return placed.position < 1 || placed.position > length;
+}
+
+// "+16", "-18"
+QString wholeMass(double mass)
+{
+    return (mass < 0 ? QString() : QStringLiteral("+")) + QString::number(qRound64(mass));
+}
+
+void drawLetters(QPainter *painter, const DiagramGeometry &geometry, const Peptidoform &peptidoform)
+{
+    QSet<int> modified;
+    for (const PlacedModification &placed : peptidoform.modifications())
+        modified.insert(placed.position);
+    painter->setFont(plotStyle::font(geometry.letter));
+    const double baseline = geometry.middle + QFontMetricsF(painter->font()).capHeight() / 2;
+    for (int i = 0; i < peptidoform.length(); ++i) {
+        painter->setPen(modified.contains(i + 1) ? plotStyle::modificationColor() : plotStyle::textColor());
+        drawCentred(painter, geometry.residueX(i), baseline, peptidoform.sequence().mid(i, 1));
+    }
+}
+
+void drawMasses(QPainter *painter, const DiagramGeometry &geometry, const Peptidoform &peptidoform)
+{
+    if (peptidoform.modifications().isEmpty())
+        return;
+    painter->setFont(plotStyle::font(NUMBER_SIZE));
+    painter->setPen(plotStyle::modificationColor());
+    const double middle = geometry.middle + QFontMetricsF(painter->font()).capHeight() / 2;
+    for (const PlacedModification &placed : peptidoform.modifications()) {
+        const bool isBeside = isTerminal(placed, peptidoform.length());
+        drawCentred(painter, geometry.residueX(placed.position - 1), isBeside ? middle : geometry.massBaseline(),
+                    wholeMass(placed.modification.mass));
+    }
+}
+
 } // namespace
 
 void PeptideDiagram::paint(QPainter *painter, const QRectF &area) const
 {
-    const int length = static_cast<int>(peptide.size());
+    const int length = peptidoform.length();
     if (length == 0)
         return;
-    const double pitch = std::min(MAX_PITCH, area.width() / length);
+    const QList<PlacedModification> &modifications = peptidoform.modifications();
+    const bool hasTerminal = std::any_of(modifications.begin(), modifications.end(),
+                                         [=](const auto &placed) { return isTerminal(placed, length); });
+    const double pitch = std::min(MAX_PITCH, area.width() / (hasTerminal ? length + 2 : length));
     const DiagramGeometry geometry{area.center().x() - pitch * length / 2, pitch, area.center().y(),
                                    std::min(MAX_LETTER, LETTER_SHARE * pitch)};
-    painter->setPen(plotStyle::textColor());
-    painter->setFont(plotStyle::font(geometry.letter));
-    const double baseline = geometry.middle + QFontMetricsF(painter->font()).capHeight() / 2;
-    for (int i = 0; i < length; ++i)
-        drawCentred(painter, geometry.residueX(i), baseline, peptide.mid(i, 1));
+    drawLetters(painter, geometry, peptidoform);
+    drawMasses(painter, geometry, peptidoform);
 
     painter->setFont(plotStyle::font(NUMBER_SIZE));
     for (int bond = 1; bond < length; ++bond) {

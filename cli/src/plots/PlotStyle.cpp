@@ -54,6 +54,11 @@ QColor peakColor(qsizetype number)
     return number % 2 == 0 ? QColor(0x00, 0x72, 0xB2) : QColor(0x56, 0xB4, 0xE9);
 }
 
+QColor modificationColor()
+{
+    return QColor(0xA0, 0x3C, 0x78);
+}
+
 QColor splitColor()
 {
     return QColor(0xD5, 0x5E, 0x00);

@@ -20,11 +20,14 @@ namespace plotStyle {
 /// design", 2008), which colour-blind readers tell apart; dark grey for any other.
 QColor ionColor(QChar ionType);
 
-/// The same colour, lighter: ions that lost water or ammonia, and heavier isotopes.
+/// The same colour, lighter: ions that lost a neutral molecule, and heavier isotopes.
 QColor lighterIonColor(QChar ionType);
 
 /// Chromatographic peaks: blue and sky blue of the same palette in turn, so that neighbours differ.
 QColor peakColor(qsizetype number);
+
+/// Modified residues: reddish purple of the same palette, darkened so that small text can be read.
+QColor modificationColor();
 
 /// Where peaks are split: vermilion.
 QColor splitColor();

@@ -7,10 +7,13 @@
 #include "PlotStyle.h"
 #include "SpectrumPanel.h"
 
+#include <QtCore/QMap>
+#include <QtCore/QStringList>
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QPainter>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace zav {
@@ -25,6 +28,7 @@ constexpr double LEFT = 68;
 constexpr double RIGHT = 24;
 constexpr double HEADING_BASELINE = 26;
 constexpr double HEADING_SIZE = 13;
+constexpr double HEADING_GAP = 16;
 constexpr double PEPTIDE_TOP = 38;
 constexpr double PEPTIDE_HEIGHT = 58;
 constexpr double PLOT_TOP = 102;
@@ -60,12 +64,38 @@ QString percent(double share)
     return QString::number(100 * share, 'f', 0) + QStringLiteral(" %");
 }
 
+QString placeText(int position, const QString &sequence)
+{
+    if (position < 1)
+        return QStringLiteral("N-term");
+    return position > sequence.size() ? QStringLiteral("C-term")
+                                      : sequence.at(position - 1) + QString::number(position);
+}
+
 QString precursorText(const SpectrumPlotData &data)
 {
     QString text = QStringLiteral("%1+").arg(data.charge);
+    if (!std::isnan(data.collisionEnergy))
+        text += QStringLiteral(", NCE %1").arg(data.collisionEnergy);
     if (data.precursorMz > 0)
         text += QStringLiteral(", m/z ") + QString::number(data.precursorMz, 'f', 4);
     return text;
+}
+
+// "Carbamidomethyl C2, C7; Oxidation M4; Acetyl N-term", in the order of their first places.
+QString modificationsText(const Peptidoform &peptidoform)
+{
+    QStringList names;
+    QMap<QString, QStringList> places;
+    for (const PlacedModification &placed : peptidoform.modifications()) {
+        const QString &name = placed.modification.name;
+        if (!names.contains(name))
+            names.append(name);
+        places[name].append(placeText(placed.position, peptidoform.sequence()));
+    }
+    for (QString &name : names)
+        name += QLatin1Char(' ') + places.value(name).join(QStringLiteral(", "));
+    return names.join(QStringLiteral("; "));
 }
 
 QString comparisonText(const SpectrumComparison &comparison)
@@ -173,17 +203,27 @@ void SpectrumFigure::paintHeading(QPainter *painter) const
 {
     painter->setFont(plotStyle::font(HEADING_SIZE));
     painter->setPen(plotStyle::textColor());
+    const QFontMetricsF metrics(painter->font());
+    double right = WIDTH - RIGHT;
     if (m_data.comparison) {
-        const QFontMetricsF metrics(painter->font());
         const QString figures = comparisonText(*m_data.comparison);
-        painter->drawText(QPointF(WIDTH - RIGHT - metrics.horizontalAdvance(figures), HEADING_BASELINE), figures);
+        right -= metrics.horizontalAdvance(figures);
+        painter->drawText(QPointF(right, HEADING_BASELINE), figures);
     }
-    painter->drawText(QPointF(LEFT, HEADING_BASELINE), precursorText(m_data));
+    const QString precursor = precursorText(m_data);
+    painter->drawText(QPointF(LEFT, HEADING_BASELINE), precursor);
+    const QString modifications = modificationsText(m_data.peptidoform);
+    if (modifications.isEmpty())
+        return;
+    const double left = LEFT + metrics.horizontalAdvance(precursor) + HEADING_GAP;
+    painter->setPen(plotStyle::modificationColor());
+    painter->drawText(QPointF(left, HEADING_BASELINE),
+                      metrics.elidedText(modifications, Qt::ElideRight, right - HEADING_GAP - left));
 }
 
 void SpectrumFigure::paintPeptide(QPainter *painter) const
 {
-    const PeptideDiagram diagram{m_data.peptide, ionNumbers(m_data, u'b'), ionNumbers(m_data, u'y')};
+    const PeptideDiagram diagram{m_data.peptidoform, ionNumbers(m_data, u'b'), ionNumbers(m_data, u'y')};
     diagram.paint(painter, QRectF(LEFT, PEPTIDE_TOP, WIDTH - LEFT - RIGHT, PEPTIDE_HEIGHT));
 }
 
@@ -218,7 +258,7 @@ void SpectrumFigure::paintSource(QPainter *painter) const
 Error drawSpectrum(const SpectrumPlotData &data, const QString &path)
 {
     const SpectrumFigure figure(data);
-    return writePicture({QStringLiteral("%1/%2").arg(data.peptide).arg(data.charge),
+    return writePicture({QStringLiteral("%1/%2").arg(data.peptidoform.toProForma()).arg(data.charge),
                          QStringLiteral("Fragment spectrum drawn by zav"), figure.size(),
                          [&](QPainter *painter) { figure.paint(painter); }},
                         path);

@@ -3,9 +3,12 @@
 
 #include "SpectrumComparison.h"
 
+#include <zav/Peptidoform.h>
+
 #include <QtCore/QList>
 #include <QtCore/QString>
 
+#include <limits>
 #include <optional>
 
 namespace zav {
@@ -13,9 +16,10 @@ namespace zav {
 /// What a picture shows.
 struct SpectrumPlotData
 {
-    QString peptide;                              ///< upper-case one-letter code
-    int charge = 0;                               ///< of the precursor
-    double precursorMz = 0;                       ///< left out of the title when 0
+    Peptidoform peptidoform;                                           ///< its modifications are marked
+    int charge = 0;                                                    ///< of the precursor
+    double collisionEnergy = std::numeric_limits<double>::quiet_NaN(); ///< normalised; left out of the title when NaN
+    double precursorMz = 0;                                            ///< left out of the title when 0
     QList<FragmentPeak> predicted;                ///< in any order; intensities are scaled to the largest
     std::optional<ObservedSpectrum> observed;     ///< drawn on top, the prediction mirrored below it
     std::optional<SpectrumComparison> comparison; ///< colours the matched observed peaks and adds the figures

@@ -2,6 +2,7 @@
 #include "ObservedTimes.h"
 
 #include "LineReader.h"
+#include "Messages.h"
 #include "PeptidoformText.h"
 #include "PrintableText.h"
 #include "TableHeading.h"
@@ -46,6 +47,27 @@ Result<ObservedTimes> readObservedTimes(const QString &path)
     if (lines.error().hasError())
         return lines.error();
     return observed;
+}
+
+Result<FittedTimes> fitTimes(const ObservedTimes &observed, const QString &path, RetentionTimePredictor *predictor)
+{
+    const Result<RetentionTimeCalibration> fitted = RetentionTimeCalibration::fit(predictor, observed.pairs);
+    if (fitted.hasError()) {
+        // The library fails without a message where the network does not run.
+        const QString reason =
+            fitted.error().message().isEmpty() ? QStringLiteral("the network fails") : fitted.error().message();
+        return explainedError(fitted.error(),
+                              QStringLiteral("cannot calibrate with %1: %2").arg(inputName(path), reason));
+    }
+    const RetentionTimeCalibration &calibration = fitted.value();
+    QStringList remarks = observed.problems;
+    for (const QString &warning : fitted.warnings())
+        remarks.append(displayText(warning, 200));
+    remarks.append(QStringLiteral("calibrated with %1 pairs, %2 of them outliers; 95 % of the others lie within ±%3 of "
+                                  "their prediction")
+                       .arg(QString::number(calibration.pairCount()), QString::number(calibration.outlierCount()),
+                            QString::number(calibration.width95() / 2, 'g', 3)));
+    return FittedTimes{calibration, remarks};
 }
 
 } // namespace zav

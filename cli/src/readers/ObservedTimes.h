@@ -3,6 +3,7 @@
 
 #include <zav/Result.h>
 #include <zav/RetentionTimeCalibration.h>
+#include <zav/RetentionTimePredictor.h>
 
 #include <QtCore/QList>
 #include <QtCore/QString>
@@ -24,5 +25,15 @@ struct ObservedTimes
 /// `Failure`, which names the file, when it cannot be read to its end, lacks a column or has no number where a time
 /// should stand.
 Result<ObservedTimes> readObservedTimes(const QString &path);
+
+/// A calibration, and what is to be said of it.
+struct FittedTimes
+{
+    RetentionTimeCalibration calibration;
+    QStringList remarks; ///< problems of the rows, what the network has not seen, and how well the calibration fits
+};
+
+/// Fits a calibration to what `readObservedTimes` read from `path`. The error names the file.
+Result<FittedTimes> fitTimes(const ObservedTimes &observed, const QString &path, RetentionTimePredictor *predictor);
 
 } // namespace zav

@@ -67,21 +67,11 @@ Error RetentionCommand::calibrate()
     if (observed.hasError())
         return observed.error();
     m_observed = std::move(observed).value();
-    const QString name = inputName(m_options.observedPath);
-    for (const QString &problem : m_observed.problems)
-        messages().note(problem);
-    const auto fitted = RetentionTimeCalibration::fit(&m_predictor, m_observed.pairs);
-    noteOnce(fitted.warnings());
+    const Result<FittedTimes> fitted = fitTimes(m_observed, m_options.observedPath, &m_predictor);
     if (fitted.hasError())
-        return explainedError(
-            fitted.error(),
-            QStringLiteral("cannot calibrate with %1: %2").arg(name, predictionFailure(fitted.error()).message()));
-    m_calibration = fitted.value();
-    messages().note(
-        QStringLiteral("calibrated with %1 pairs, %2 of them outliers; 95 % of the others lie within ±%3 of "
-                       "their prediction")
-            .arg(QString::number(m_calibration->pairCount()), QString::number(m_calibration->outlierCount()),
-                 QString::number(m_calibration->width95() / 2, 'g', 3)));
+        return fitted.error();
+    noteOnce(fitted.value().remarks);
+    m_calibration = fitted.value().calibration;
     return {};
 }
 

@@ -9,9 +9,8 @@
 
 #include <zav/MsMsFragmentationPredictomatic.h>
 
-#include <QtCore/QSet>
-
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace zav {
@@ -34,8 +33,7 @@ OutputFormat formatOf(const SpectrumOptions &options)
 } // namespace
 
 SpectrumCommand::SpectrumCommand(const SpectrumOptions &options)
-    : Command(options.verbose), m_options(options), m_format(formatOf(options)),
-      m_output(options.outputPath, m_format, {options.annotate, isList()})
+    : Command(options.verbose), m_options(options), m_format(formatOf(options))
 {}
 
 /// The error is one that ends the run; a peptide that fails is reported at once and counted.
@@ -61,9 +59,14 @@ Error SpectrumCommand::readPeptides()
     } else {
         m_rows = {PeptideListRow{{m_options.peptide, m_options.charge}, 0, {}}};
     }
+    for (PeptideListRow &row : m_rows) {
+        if (std::isnan(row.precursor.collisionEnergy))
+            row.precursor.collisionEnergy = m_options.collisionEnergy;
+    }
     if (m_rows.isEmpty())
         return Error(InvalidInput, QStringLiteral("no peptides in %1").arg(inputName(m_options.peptideList)));
     checkPeptides();
+    prepareOutput();
     return {};
 }
 
@@ -76,22 +79,28 @@ void SpectrumCommand::checkPeptides()
                                                 : Error(InvalidInput, row.problem));
 }
 
+void SpectrumCommand::prepareOutput()
+{
+    const bool hasEnergies = std::any_of(m_rows.begin(), m_rows.end(), [](const PeptideListRow &row) {
+        return !std::isnan(row.precursor.collisionEnergy);
+    });
+    m_output = std::make_unique<SpectrumOutput>(m_options.outputPath, m_format,
+                                                WriterOptions{m_options.annotate, isList(), hasEnergies});
+}
+
 Error SpectrumCommand::loadNetworks()
 {
-    QSet<int> charges;
+    QList<Precursor> precursors;
     for (qsizetype i = 0; i < m_rows.size(); ++i) {
         if (!m_problems[i].hasError())
-            charges.insert(m_rows[i].precursor.charge);
+            precursors.append(m_rows[i].precursor);
     }
-    if (charges.isEmpty())
+    if (precursors.isEmpty())
         return {};
-    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder);
-    if (folder.hasError())
-        return folder.error();
     m_predictor = std::make_unique<SpectrumPredictor>(
         m_options.cysteineMass, m_options.isotopes ? IsotopePeaks::Included : IsotopePeaks::LeftOut);
     const QuietStandardError quiet(!m_options.verbose);
-    return m_predictor->load(folder.value(), charges);
+    return m_predictor->load(m_options.modelFolder, precursors);
 }
 
 Error SpectrumCommand::predictAll()
@@ -117,12 +126,26 @@ Error SpectrumCommand::predictBlock(qsizetype first, qsizetype end)
     QList<Result<PredictedSpectrum>> outcomes;
     if (!precursors.isEmpty())
         outcomes = m_predictor->predict(precursors);
+    if (m_predictor)
+        noteRemarks();
     for (qsizetype i = first; i < end; ++i) {
         Error error = accept(m_rows[i], m_problems[i].hasError() ? m_problems[i] : outcomes.takeFirst());
         if (error.hasError())
             return error;
     }
     return {};
+}
+
+/// Each once in a run.
+void SpectrumCommand::noteRemarks()
+{
+    for (const QString &remark : m_predictor->takeRemarks()) {
+        if (m_noted.contains(remark))
+            continue;
+        m_noted.append(remark);
+        messages().note(remark.left(1).toLower() + remark.mid(1) +
+                        QStringLiteral(": m/z are right, intensities may be wrong"));
+    }
 }
 
 Error SpectrumCommand::accept(const PeptideListRow &row, const Result<PredictedSpectrum> &outcome)
@@ -133,12 +156,12 @@ Error SpectrumCommand::accept(const PeptideListRow &row, const Result<PredictedS
     }
     if (!isList())
         m_spectrum = outcome.value();
-    return m_output.write(outcome.value());
+    return m_output->write(outcome.value());
 }
 
 Error SpectrumCommand::finishOutput()
 {
-    return m_output.finish();
+    return m_output->finish();
 }
 
 /// Before the prediction, so that a mistyped path costs no time and writes nothing.
@@ -167,9 +190,11 @@ Error SpectrumCommand::compareAndDraw()
     }
     if (m_options.picturePath.isEmpty())
         return {};
-    return drawSpectrum(
-        {precursor.peptide, precursor.charge, m_spectrum->precursorMz, m_spectrum->peaks, m_observed, comparison},
-        m_options.picturePath);
+    // The modification of all cysteines is not worth a mark: it is in every peptide that is written without any.
+    const Peptidoform marked = isProForma(precursor.peptide) ? m_spectrum->peptidoform : Peptidoform(precursor.peptide);
+    return drawSpectrum({marked, precursor.charge, precursor.collisionEnergy, m_spectrum->precursorMz,
+                         m_spectrum->peaks, m_observed, comparison},
+                        m_options.picturePath);
 }
 
 /// On standard output, unless another program reads the spectrum there.

@@ -9,6 +9,7 @@
 #include "SpectrumWriter.h"
 
 #include <QtCore/QList>
+#include <QtCore/QStringList>
 
 #include <memory>
 #include <optional>
@@ -25,9 +26,11 @@ private:
     Error work() override;
     Error readPeptides();
     void checkPeptides();
+    void prepareOutput();
     Error loadNetworks();
     Error predictAll();
     Error predictBlock(qsizetype first, qsizetype end);
+    void noteRemarks();
     Error accept(const PeptideListRow &row, const Result<PredictedSpectrum> &outcome);
     Error finishOutput();
     Error readObserved();
@@ -38,11 +41,12 @@ private:
 
     SpectrumOptions m_options;
     OutputFormat m_format;
-    SpectrumOutput m_output;
+    std::unique_ptr<SpectrumOutput> m_output; ///< once the peptides are known
     QList<PeptideListRow> m_rows;
     QList<Error> m_problems; ///< one per row: why it cannot be predicted, or no error
     qsizetype m_failed = 0;
     std::unique_ptr<SpectrumPredictor> m_predictor;
+    QStringList m_noted; ///< remarks on predictions that the user has read
     std::optional<ObservedSpectrum> m_observed;
     std::optional<PredictedSpectrum> m_spectrum; ///< of a run for one peptide
 };

@@ -7,6 +7,7 @@
 
 #include <QtCore/QString>
 
+#include <limits>
 #include <optional>
 
 namespace zav {
@@ -16,9 +17,10 @@ struct SpectrumOptions
 {
     QString peptide; ///< with `charge`, or empty and `peptideList` instead
     int charge = 0;
+    double collisionEnergy = std::numeric_limits<double>::quiet_NaN();  ///< normalised; NaN: none was asked for
     QString peptideList;                                                ///< path, "-" for standard input
     QString modelFolder;                                                ///< empty: where the networks are installed
-    double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION; ///< Da
+    double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION; ///< Da, for peptides in one-letter code
     std::optional<OutputFormat> format;
     QString outputPath; ///< empty: standard output
     bool isotopes = true;

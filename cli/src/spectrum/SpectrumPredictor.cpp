@@ -1,12 +1,30 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumPredictor.h"
 
+#include "Messages.h"
 #include "NetworkLoading.h"
 #include "PeptideMasses.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zav {
+
+namespace {
+
+constexpr int PEPTIDOFORMS = 0; // among the charges: the precursors of the network of peptidoforms
+
+int groupOf(const Precursor &precursor)
+{
+    return needsPeptidoforms(precursor) ? PEPTIDOFORMS : precursor.charge;
+}
+
+QList<Result<PredictedSpectrum>> failures(const Error &error, qsizetype count)
+{
+    return QList<Result<PredictedSpectrum>>(count, Result<PredictedSpectrum>(error));
+}
+
+} // namespace
 
 SpectrumPredictor::SpectrumPredictor(double cysteineMass, IsotopePeaks isotopes)
     : m_cysteineMass(cysteineMass), m_isotopes(isotopes)
@@ -14,72 +32,141 @@ SpectrumPredictor::SpectrumPredictor(double cysteineMass, IsotopePeaks isotopes)
 
 SpectrumPredictor::~SpectrumPredictor() = default;
 
-Error SpectrumPredictor::load(const ModelFolder &folder, const QSet<int> &charges)
+Error SpectrumPredictor::load(const QString &asked, const QList<Precursor> &precursors)
 {
-    QList<int> usable = charges.values();
-    std::sort(usable.begin(), usable.end());
-    while (!usable.isEmpty()) {
+    QList<int> groups;
+    for (const Precursor &precursor : precursors) {
+        if (!groups.contains(groupOf(precursor)))
+            groups.append(groupOf(precursor));
+    }
+    std::sort(groups.begin(), groups.end());
+    const bool needsPeptidoformNetwork = groups.removeOne(PEPTIDOFORMS);
+    const Error ofPeptidoforms = needsPeptidoformNetwork ? loadPeptidoforms(asked) : Error();
+    const Error ofCharges = groups.isEmpty() ? Error() : loadCharges(asked, groups);
+    const bool isAnyUsable =
+        (needsPeptidoformNetwork && !ofPeptidoforms.hasError()) || (!groups.isEmpty() && !ofCharges.hasError());
+    if (isAnyUsable)
+        return {};
+    return ofCharges.hasError() ? ofCharges : ofPeptidoforms;
+}
+
+/// Fails when the network of none of the charges, which ascend, could be loaded.
+Error SpectrumPredictor::loadCharges(const QString &asked, QList<int> charges)
+{
+    const Result<ModelFolder> folder = ModelFolder::find(asked);
+    if (folder.hasError()) {
+        for (const int charge : charges)
+            m_unavailable.insert(charge, folder.error());
+        return folder.error();
+    }
+    const int lowest = charges.first();
+    while (!charges.isEmpty()) {
         m_predictor = std::make_unique<MsMsFragmentationPredictomatic>();
         m_predictor->setCysteineFixedMass(m_cysteineMass);
         int failed = 0;
-        const Error error = loadFragmentationNetworks(folder, usable, m_predictor.get(), &failed);
+        const Error error = loadFragmentationNetworks(folder.value(), charges, m_predictor.get(), &failed);
         if (!error.hasError())
             return {};
         m_unavailable.insert(failed, error);
-        usable.removeOne(failed);
+        charges.removeOne(failed);
     }
-    return m_unavailable.first();
+    return m_unavailable.value(lowest);
+}
+
+Error SpectrumPredictor::loadPeptidoforms(const QString &asked)
+{
+    const Result<ModelFolder> folder = ModelFolder::find(asked, NetworkUse::Peptidoforms);
+    Error error = folder.hasError() ? folder.error()
+                                    : loadNetwork(folder.value().network(NetworkUse::Peptidoforms), &m_peptidoforms);
+    if (error.hasError())
+        m_unavailable.insert(PEPTIDOFORMS, error);
+    return error;
 }
 
 QList<Result<PredictedSpectrum>> SpectrumPredictor::predict(const QList<Precursor> &precursors)
 {
-    QMap<int, QList<Precursor>> byCharge;
+    QMap<int, QList<Precursor>> groups;
     for (const Precursor &precursor : precursors)
-        byCharge[precursor.charge].append(precursor);
+        groups[groupOf(precursor)].append(precursor);
     QMap<int, QList<Result<PredictedSpectrum>>> predicted;
-    for (auto it = byCharge.cbegin(); it != byCharge.cend(); ++it)
-        predicted.insert(it.key(), predictCharge(it.value()));
+    for (auto it = groups.cbegin(); it != groups.cend(); ++it)
+        predicted.insert(it.key(), predictGroup(it.key(), it.value()));
 
     QList<Result<PredictedSpectrum>> outcomes;
     for (const Precursor &precursor : precursors)
-        outcomes.append(predicted[precursor.charge].takeFirst());
+        outcomes.append(predicted[groupOf(precursor)].takeFirst());
     return outcomes;
 }
 
-/// The precursors share one charge.
-QList<Result<PredictedSpectrum>> SpectrumPredictor::predictCharge(const QList<Precursor> &precursors)
+QStringList SpectrumPredictor::takeRemarks()
 {
+    return std::exchange(m_remarks, {});
+}
+
+QList<Result<PredictedSpectrum>> SpectrumPredictor::predictGroup(int charge, const QList<Precursor> &precursors)
+{
+    if (m_unavailable.contains(charge))
+        return failures(m_unavailable.value(charge), precursors.size());
+    if (charge == PEPTIDOFORMS)
+        return predictPeptidoforms(precursors);
     const qsizetype runSize = m_isotopes == IsotopePeaks::Included ? 1 : precursors.size();
     QList<Result<PredictedSpectrum>> outcomes;
     for (qsizetype first = 0; first < precursors.size(); first += runSize)
-        outcomes.append(predictRun(precursors.mid(first, runSize)));
+        outcomes.append(predictCharge(precursors.mid(first, runSize)));
     return outcomes;
 }
 
 /// One run of the network of their charge. They fail together.
-QList<Result<PredictedSpectrum>> SpectrumPredictor::predictRun(const QList<Precursor> &precursors)
+QList<Result<PredictedSpectrum>> SpectrumPredictor::predictCharge(const QList<Precursor> &precursors)
 {
     const int charge = precursors.first().charge;
     QStringList peptides;
     for (const Precursor &precursor : precursors)
         peptides.append(precursor.peptide);
     QList<QList<FragmentPeak>> peaks;
-    Error error = m_unavailable.value(charge);
-    if (!error.hasError())
-        error = predictionError(m_predictor->predictFragments(peptides, charge, &peaks, m_isotopes), charge);
+    Error error = predictionError(m_predictor->predictFragments(peptides, charge, &peaks, m_isotopes), charge);
     // In a warning the predictor says why a peptide has no peaks.
     if (!error.hasError() && error.hasWarnings() && precursors.size() == 1)
         error = Error(InvalidInput, error.warnings().first());
+    if (error.hasError())
+        return failures(error, precursors.size());
     QList<Result<PredictedSpectrum>> outcomes;
-    for (qsizetype i = 0; i < precursors.size(); ++i)
-        outcomes.append(error.hasError() ? Result<PredictedSpectrum>(error) : spectrumOf(precursors[i], peaks[i]));
+    for (qsizetype i = 0; i < precursors.size(); ++i) {
+        const Precursor &precursor = precursors[i];
+        const double mz = peptideMasses::precursorMz(precursor.peptide, charge, m_cysteineMass);
+        outcomes.append(PredictedSpectrum{precursor, withCysteines(precursor.peptide, m_cysteineMass), mz,
+                                          m_cysteineMass, peaks[i]});
+    }
     return outcomes;
 }
 
-PredictedSpectrum SpectrumPredictor::spectrumOf(const Precursor &precursor, const QList<FragmentPeak> &peaks) const
+/// They fail together.
+QList<Result<PredictedSpectrum>> SpectrumPredictor::predictPeptidoforms(const QList<Precursor> &precursors)
 {
-    return {precursor, peptideMasses::precursorMz(precursor.peptide, precursor.charge, m_cysteineMass), m_cysteineMass,
-            peaks};
+    const double cysteineMass = exactCysteineMass(m_cysteineMass);
+    QList<PeptidoformPrecursor> asked;
+    for (const Precursor &precursor : precursors) {
+        const Result<Peptidoform> peptidoform = peptidoformOf(precursor.peptide, cysteineMass);
+        if (peptidoform.hasError())
+            return failures(peptidoform.error(), precursors.size());
+        asked.append({peptidoform.value(), precursor.charge, precursor.collisionEnergy});
+    }
+    QList<QList<FragmentPeak>> peaks;
+    const Error error = m_peptidoforms.predict(asked, &peaks, m_isotopes);
+    if (error.hasError())
+        return failures(error.message().isEmpty()
+                            ? explainedError(error, QStringLiteral("peptidoform_spectrum.pb is not a network of "
+                                                                   "peptides with modifications"))
+                            : error,
+                        precursors.size());
+    m_remarks.append(error.warnings());
+    QList<Result<PredictedSpectrum>> outcomes;
+    for (qsizetype i = 0; i < precursors.size(); ++i) {
+        const Peptidoform &peptidoform = asked[i].peptidoform;
+        const double mz = peptideMasses::precursorMz(peptidoform, precursors[i].charge);
+        outcomes.append(PredictedSpectrum{precursors[i], peptidoform, mz, m_cysteineMass, peaks[i]});
+    }
+    return outcomes;
 }
 
 } // namespace zav

@@ -2,8 +2,11 @@
 #include "SpectrumWriter.h"
 
 #include "LibraryFormat.h"
+#include "PeptideMasses.h"
 
 #include <nlohmann/json.hpp>
+
+#include <QtCore/QLocale>
 
 #include <algorithm>
 #include <cmath>
@@ -12,13 +15,21 @@ namespace zav {
 
 namespace {
 
+/// Empty where the energy is unknown.
+QByteArray energyText(double energy)
+{
+    return std::isnan(energy) ? QByteArray() : QByteArray::number(energy, 'g', QLocale::FloatingPointShortest);
+}
+
 class TableWriter : public SpectrumWriter
 {
 public:
     QByteArray spectrum(const PredictedSpectrum &spectrum, bool isFirst) const override
     {
-        QByteArray text = (isFirst ? "" : "\n") + spectrum.precursor.peptide.toUtf8() + "  charge " +
-                          QByteArray::number(spectrum.precursor.charge) + "+  precursor m/z " +
+        const QByteArray energy = energyText(spectrum.precursor.collisionEnergy);
+        QByteArray text = (isFirst ? "" : "\n") + peptideText(spectrum).toUtf8() + "  charge " +
+                          QByteArray::number(spectrum.precursor.charge) + '+' +
+                          (energy.isEmpty() ? QByteArray() : "  energy " + energy) + "  precursor m/z " +
                           QByteArray::number(spectrum.precursorMz, 'f', 5) + "  " +
                           QByteArray::number(spectrum.peaks.size()) + " peaks\n";
         text += QByteArray("m/z").rightJustified(MZ_WIDTH) + QByteArray("intensity").rightJustified(INTENSITY_WIDTH) +
@@ -54,15 +65,13 @@ public:
     QByteArray opening() const override
     {
         return QByteArray("mz\tintensity") + (m_options.ionNames ? "\tion" : "") +
-               (m_options.several ? "\tpeptide\tcharge" : "") + '\n';
+               (m_options.several ? "\tpeptide\tcharge" : "") +
+               (m_options.several && m_options.energies ? "\tenergy" : "") + '\n';
     }
 
     QByteArray spectrum(const PredictedSpectrum &spectrum, bool /*isFirst*/) const override
     {
-        QByteArray lineEnd("\n");
-        if (m_options.several)
-            lineEnd = '\t' + spectrum.precursor.peptide.toUtf8() + '\t' +
-                      QByteArray::number(spectrum.precursor.charge) + '\n';
+        const QByteArray lineEnd = precursorCells(spectrum) + '\n';
         QByteArray text;
         for (const FragmentPeak &peak : spectrum.peaks) {
             text += QByteArray::number(peak.mz, 'f', 5) + '\t' + QByteArray::number(peak.intensity, 'f', 6);
@@ -74,6 +83,16 @@ public:
     }
 
 private:
+    QByteArray precursorCells(const PredictedSpectrum &spectrum) const
+    {
+        if (!m_options.several)
+            return {};
+        QByteArray cells = '\t' + peptideText(spectrum).toUtf8() + '\t' + QByteArray::number(spectrum.precursor.charge);
+        if (m_options.energies)
+            cells += '\t' + energyText(spectrum.precursor.collisionEnergy);
+        return cells;
+    }
+
     WriterOptions m_options;
 };
 
@@ -87,10 +106,13 @@ public:
     QByteArray spectrum(const PredictedSpectrum &spectrum, bool isFirst) const override
     {
         nlohmann::ordered_json object;
-        object["peptide"] = spectrum.precursor.peptide.toStdString();
+        object["peptide"] = peptideText(spectrum).toStdString();
         object["charge"] = spectrum.precursor.charge;
+        if (!std::isnan(spectrum.precursor.collisionEnergy))
+            object["collision_energy"] = spectrum.precursor.collisionEnergy;
         object["precursor_mz"] = rounded(spectrum.precursorMz, 1e5);
-        object["cysteine_mass"] = spectrum.cysteineMass;
+        if (!isProForma(spectrum.precursor.peptide))
+            object["cysteine_mass"] = spectrum.cysteineMass;
         object["mz"] = nlohmann::json::array();
         object["intensity"] = nlohmann::json::array();
         if (m_options.ionNames)
@@ -128,12 +150,14 @@ public:
     QByteArray spectrum(const PredictedSpectrum &spectrum, bool /*isFirst*/) const override
     {
         LibraryEntry entry;
-        entry.peptide = spectrum.precursor.peptide;
+        entry.peptidoform = spectrum.peptidoform;
+        entry.isVariant = isProForma(spectrum.precursor.peptide);
         entry.charge = spectrum.precursor.charge;
         entry.precursorMz = spectrum.precursorMz;
-        entry.cysteineMass = spectrum.cysteineMass;
         entry.peaks = spectrum.peaks;
-        return m_format->entry(entry, 0); // the index is for formats that number their entries, which these do not
+        TextBuffer text;
+        m_format->addEntry(entry, 0, &text); // the index is for formats that number their entries, which these do not
+        return text.take();
     }
 
 private:

@@ -18,7 +18,9 @@ enum class OutputFormat {
     Table,
 
     /// Tab-separated: a header line, then one peak a line. Columns `mz` (5 decimals), `intensity` (relative, 6
-    /// decimals), with ion names `ion` (empty where unknown), and with several spectra `peptide` and `charge`.
+    /// decimals), with ion names `ion` (empty where unknown), and with several spectra `peptide` and `charge`, and
+    /// where any has a
+    /// collision energy `energy` (normalised; empty where unknown).
     Tsv,
 
     /// The text format of NIST spectral libraries, as `zav library` writes it, of peptides without proteins.
@@ -34,7 +36,9 @@ enum class OutputFormat {
     ///      "mz": [...], "intensity": [...], "ion": [...]}
     ///     ]}
     ///
-    /// one spectrum a line; `ion` only with ion names, null where unknown. Intensities are relative, as predicted.
+    /// one spectrum a line; `ion` only with ion names, null where unknown. Intensities are relative, as predicted. A
+    /// peptide that was asked for with modifications stands in ProForma, without `cysteine_mass`; `collision_energy`
+    /// is there where one was asked for.
     Json
 };
 
@@ -42,6 +46,7 @@ struct WriterOptions
 {
     bool ionNames = false; ///< write which ion each peak is; MGF has no place for it, table and MSP always have it
     bool several = false;  ///< the output may hold more than one spectrum: a TSV row then names its precursor
+    bool energies = false; ///< and its collision energy
 };
 
 /// One text format. A document is `opening`, each spectrum by `spectrum`, `closing`; lines end with LF, numbers have

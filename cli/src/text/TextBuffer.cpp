@@ -2,8 +2,10 @@
 #include "TextBuffer.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace zav {
@@ -16,6 +18,32 @@ constexpr qint64 POWERS_OF_TEN[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10
 
 // Beyond it not every integer is a double.
 constexpr double EXACT_INTEGERS = 9007199254740992.0;
+
+constexpr std::array<char, 200> makePairs()
+{
+    std::array<char, 200> pairs{};
+    for (size_t i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}
+
+// "00" to "99" in a row.
+constexpr std::array<char, 200> PAIRS = makePairs();
+
+// Writes a number so that it ends before `end`, with leading zeros where it has fewer digits than `least`.
+char *addDigitsBefore(char *end, quint64 number, int least)
+{
+    char *begin = end;
+    for (; number >= 10 || end - begin + 1 < least; number /= 100) {
+        begin -= 2;
+        std::memcpy(begin, &PAIRS[2 * (number % 100)], 2);
+    }
+    if (number > 0 || end - begin < least)
+        *--begin = static_cast<char>('0' + number);
+    return begin;
+}
 
 } // namespace
 
@@ -58,26 +86,33 @@ TextBuffer &TextBuffer::addInteger(qint64 value)
 TextBuffer &TextBuffer::addFixed(double value, int decimals)
 {
     const qint64 scale = POWERS_OF_TEN[decimals];
-    const double scaled = std::round(value * static_cast<double>(scale));
-    char *begin = room(FIXED_SIZE);
-    if (!(std::abs(scaled) < EXACT_INTEGERS)) {
+    const double scaled = std::abs(value) * static_cast<double>(scale);
+    if (!(scaled < EXACT_INTEGERS)) {
+        char *begin = room(FIXED_SIZE);
         m_size += std::to_chars(begin, begin + FIXED_SIZE, value, std::chars_format::fixed, decimals).ptr - begin;
         return *this;
     }
-    // Three times as fast as the conversion of a double.
-    const auto digits = static_cast<qint64>(scaled);
-    char *end = begin;
-    if (digits < 0)
-        *end++ = '-';
-    end = std::to_chars(end, begin + FIXED_SIZE, std::abs(digits) / scale).ptr;
+    // Several times as fast as the conversion of a double, and as `std::round`.
+    auto digits = static_cast<quint64>(scaled);
+    digits += scaled - static_cast<double>(digits) >= 0.5;
+    char text[INTEGER_SIZE + 2];
+    char *const end = text + sizeof text;
+    char *begin = end;
     if (decimals > 0) {
-        *end = '.';
-        qint64 rest = std::abs(digits) % scale;
-        for (int place = decimals; place > 0; --place, rest /= 10)
-            end[place] = static_cast<char>('0' + rest % 10);
-        end += decimals + 1;
+        begin = addDigitsBefore(end, digits % static_cast<quint64>(scale), decimals);
+        *--begin = '.';
     }
-    m_size += end - begin;
+    begin = addDigitsBefore(begin, digits / static_cast<quint64>(scale), 1);
+    if (value < 0 && digits > 0)
+        *--begin = '-';
+    return add(QByteArrayView(begin, end - begin));
+}
+
+TextBuffer &TextBuffer::repeat(qsizetype from, qsizetype size)
+{
+    char *to = room(size);
+    std::memcpy(to, m_bytes.constData() + from, static_cast<size_t>(size));
+    m_size += size;
     return *this;
 }
 

@@ -27,7 +27,17 @@ public:
     /// zero has no sign.
     TextBuffer &addFixed(double value, int decimals);
 
+    /// `size` bytes of this text, from `from` on, once more.
+    TextBuffer &repeat(qsizetype from, qsizetype size);
+
     bool isEmpty() const { return m_size == 0; }
+    qsizetype size() const { return m_size; }
+
+    /// The text so far; valid until the next call that is not const.
+    QByteArrayView view() const { return {m_bytes.constData(), m_size}; }
+
+    /// Empties the buffer, which keeps its memory.
+    void clear() { m_size = 0; }
 
     /// The text; the buffer is empty afterwards.
     QByteArray take();

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <vector>
 
 namespace zav {
@@ -58,6 +59,15 @@ TEST(CommandLine, OptionsMayStandAnywhere)
     EXPECT_FALSE(options.isotopes);
     EXPECT_TRUE(options.annotate);
     EXPECT_TRUE(options.verbose);
+}
+
+TEST(CommandLine, EnergyIsANumberFrom10To60)
+{
+    EXPECT_TRUE(std::isnan(spectrumOptions({"spectrum", "PEPTIDE", "2"}).collisionEnergy));
+    EXPECT_EQ(spectrumOptions({"spectrum", "PEPTIDE", "2", "--energy", "27.5"}).collisionEnergy, 27.5);
+    for (const char *energy : {"9", "60.5", "nan", "inf", "30eV", "-30"})
+        EXPECT_EQ(refusal({"spectrum", "PEPTIDE", "2", "--energy", energy}),
+                  std::string("zav: --energy '") + energy + "' is not a number from 10 to 60");
 }
 
 TEST(CommandLine, NegativeCysteineMassIsAValueAndNoOption)

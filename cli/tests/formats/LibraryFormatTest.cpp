@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryFormat.h"
-#include "PeptideMasses.h"
 #include "PeptideNotation.h"
 
 #include <gtest/gtest.h>
@@ -8,17 +7,25 @@
 namespace zav {
 namespace {
 
-// ACDEFGHK with 57.02146 Da on its C, 2+; masses by pyteomics 4.7.5.
+Modification named(const char *name)
+{
+    return modifications::findByName(QString::fromUtf8(name))->modification;
+}
+
+Peptidoform withCysteine(const char *peptide, const Modification &modification)
+{
+    const QString sequence = QString::fromUtf8(peptide);
+    return Peptidoform(sequence, {{static_cast<int>(sequence.indexOf(QLatin1Char('C'))) + 1, modification}});
+}
+
+// ACDEFGHK with carbamidomethylated C, 2+; masses by pyteomics 4.7.5.
 LibraryEntry example()
 {
     LibraryEntry entry;
-    entry.peptide = QStringLiteral("ACDEFGHK");
+    entry.peptidoform = withCysteine("ACDEFGHK", named("Carbamidomethyl"));
     entry.charge = 2;
     entry.precursorMz = 482.20308;
-    entry.cysteineMass = 57.02146;
-    entry.proteins = QStringList{QStringLiteral("P12345"), QStringLiteral("Q67890")};
-    entry.genes = QStringList{QStringLiteral("TEST"), QString()};
-    entry.proteinNames = QStringList{QStringLiteral("TEST_HUMAN"), QStringLiteral("OTHER_HUMAN")};
+    entry.proteins = {{"P12345", "TEST", "TEST_HUMAN"}, {"Q67890", "", "OTHER_HUMAN"}};
     entry.peaks = {{232.07503, 0.2, QLatin1Char('b'), 2, 1, {}, 0},
                    {437.67925, 0.05, QLatin1Char('y'), 7, 2, QStringLiteral("-H2O"), 0},
                    {589.3093, 0.02, QLatin1Char('a'), 5, 1, {}, 0},
@@ -30,10 +37,8 @@ LibraryEntry example()
 LibraryEntry decoy()
 {
     LibraryEntry entry = example();
-    entry.peptide = QStringLiteral("HGFEDCAK");
-    entry.proteins = QStringList{QStringLiteral("DECOY_P12345")};
-    entry.genes.clear();
-    entry.proteinNames.clear();
+    entry.peptidoform = withCysteine("HGFEDCAK", named("Carbamidomethyl"));
+    entry.proteins = {{"DECOY_P12345", "", ""}};
     entry.isDecoy = true;
     entry.peaks = {{617.30419, 1.0, QLatin1Char('y'), 5, 1, {}, 0}};
     return entry;
@@ -48,7 +53,9 @@ LibraryEntry withoutPeaks()
 
 std::string text(LibraryFileKind kind, const LibraryEntry &entry, qint64 index = 0)
 {
-    return textLibraryFormat(kind)->entry(entry, index).toStdString();
+    TextBuffer buffer;
+    textLibraryFormat(kind)->addEntry(entry, index, &buffer);
+    return buffer.take().toStdString();
 }
 
 std::string notation(const FragmentPeak &peak)
@@ -68,19 +75,73 @@ TEST(IonNotation, WritesChargesOverOneAndIsotopesAsTheFieldDoes)
     EXPECT_EQ(notation(FragmentPeak()), "?");
 }
 
-TEST(JoinedNames, EmptyOnesAreLeftOutAndEqualOnesStandOnce)
+std::string joinedGenes(const QList<QByteArray> &genes)
 {
-    EXPECT_EQ(joinedNames({QStringLiteral("B"), QString(), QStringLiteral("A"), QStringLiteral("B")}), "B;A");
-    EXPECT_EQ(joinedNames({}), "");
+    QList<LibraryProtein> proteins;
+    for (const QByteArray &gene : genes)
+        proteins.append({"P", gene, ""});
+    TextBuffer buffer;
+    addJoinedNames(&buffer, proteins, &LibraryProtein::gene);
+    return buffer.take().toStdString();
 }
 
-TEST(CysteineModification, MassWithFewerDigitsIsThatOfUnimod)
+TEST(JoinedNames, EmptyOnesAreLeftOutAndEqualOnesStandOnce)
 {
-    EXPECT_EQ(exactCysteineMass(57.02146), 57.021464);
-    EXPECT_EQ(exactCysteineMass(57.0215), 57.0215);
-    EXPECT_EQ(exactCysteineMass(12.5), 12.5);
-    EXPECT_TRUE(isCysteineModified(-2.0));
-    EXPECT_FALSE(isCysteineModified(0.0));
+    EXPECT_EQ(joinedGenes({"B", "", "A", "B"}), "B;A");
+    EXPECT_EQ(joinedGenes({}), "");
+    QList<QByteArray> many(100, "B");
+    many[50] = "A";
+    many[51].clear();
+    EXPECT_EQ(joinedGenes(many), "B;A");
+}
+
+Peptidoform manifold()
+{
+    return Peptidoform(QStringLiteral("MCSK"), {{0, named("Acetyl")},
+                                                {1, named("Oxidation")},
+                                                {2, modifications::ofMass(12.345)},
+                                                {3, named("Phospho")},
+                                                {5, named("Amidated")}});
+}
+
+TEST(PeptideNotation, TerminiStandApartFromTheirResidues)
+{
+    TextBuffer buffer;
+    addProForma(&buffer, manifold());
+    EXPECT_EQ(buffer.take(), "[UNIMOD:1]-M[UNIMOD:35]C[+12.345000]S[UNIMOD:21]K-[UNIMOD:2]");
+    addOpenSwathNotation(&buffer, manifold());
+    EXPECT_EQ(buffer.take(), "(UniMod:1)M(UniMod:35)C[+12.345000]S(UniMod:21)K.(UniMod:2)");
+}
+
+// Unimod: acetyl 42.010565, oxidation 15.994915, phospho 79.966331, amidated -0.984016.
+TEST(PeptideNotation, MassesOfATerminusAreAddedToThoseOfItsResidue)
+{
+    const QList<ModifiedResidue> residues = modifiedResidues(manifold());
+    ASSERT_EQ(residues.size(), 4);
+    EXPECT_NEAR(residues[0].mass, 58.00548, 1e-9);
+    EXPECT_EQ(residues[1], (ModifiedResidue{2, 12.345}));
+    EXPECT_EQ(residues[2], (ModifiedResidue{3, 79.966331}));
+    EXPECT_EQ(residues[3], (ModifiedResidue{4, -0.984016}));
+    TextBuffer buffer;
+    addMassNotation(&buffer, manifold(), residues, 6);
+    EXPECT_EQ(buffer.take(), "M[+58.005480]C[+12.345000]S[+79.966331]K[-0.984016]");
+    addMassNotation(&buffer, manifold(), residues, 5);
+    EXPECT_EQ(buffer.take(), "M[+58.00548]C[+12.34500]S[+79.96633]K[-0.98402]");
+}
+
+TEST(PeptideNotation, VariantsAreNamedWithTheirModifications)
+{
+    LibraryEntry entry = decoy();
+    TextBuffer buffer;
+    addPrecursorName(&buffer, entry);
+    EXPECT_EQ(buffer.take(), "DECOY_HGFEDCAK_2");
+    addSpectrumName(&buffer, entry);
+    EXPECT_EQ(buffer.take(), "DECOY_HGFEDCAK/2");
+    entry.isVariant = true;
+    addPrecursorName(&buffer, entry);
+    EXPECT_EQ(buffer.take(), "DECOY_HGFEDC(UniMod:4)AK_2");
+    addSpectrumName(&buffer, entry);
+    EXPECT_EQ(buffer.take(), "DECOY_HGFEDC[UNIMOD:4]AK/2");
 }
 
 TEST(MspLibraryFormat, CommentHasModificationsProteinsAndGenes)
@@ -103,7 +164,7 @@ TEST(MspLibraryFormat, CommentHasModificationsProteinsAndGenes)
 TEST(MspLibraryFormat, NamesWithBlanksAreQuoted)
 {
     LibraryEntry entry = decoy();
-    entry.proteins = QStringList{QStringLiteral("my protein"), QStringLiteral("P1")};
+    entry.proteins = {{"my protein", "", ""}, {"P1", "", ""}};
     const std::string written = text(LibraryFileKind::Msp, entry);
     EXPECT_NE(written.find(" Protein=\"my protein;P1\" Remark=DECOY\n"), std::string::npos);
 }
@@ -139,7 +200,7 @@ TEST(TsvLibraryFormat, EachRowHasTheColumnsOfTheHeader)
     LibraryEntry bare = decoy();
     bare.proteins.clear();
     for (const LibraryEntry &entry : {example(), decoy(), bare}) {
-        for (const QByteArray &row : format->entry(entry, 0).trimmed().split('\n'))
+        for (const QByteArray &row : QByteArray::fromStdString(text(LibraryFileKind::Tsv, entry)).trimmed().split('\n'))
             EXPECT_EQ(row.count('\t'), columns);
     }
 }
@@ -147,14 +208,53 @@ TEST(TsvLibraryFormat, EachRowHasTheColumnsOfTheHeader)
 TEST(TsvLibraryFormat, CysteinesAreTaggedByReagentOrMass)
 {
     LibraryEntry entry = decoy();
-    entry.cysteineMass = 12.345;
+    entry.peptidoform = withCysteine("HGFEDCAK", modifications::ofMass(12.345));
     EXPECT_NE(text(LibraryFileKind::Tsv, entry).find("\tHGFEDC[+12.345000]AK\t"), std::string::npos);
-    entry.cysteineMass = -2.01565;
+    entry.peptidoform = withCysteine("HGFEDCAK", modifications::ofMass(-2.01565));
     EXPECT_NE(text(LibraryFileKind::Tsv, entry).find("\tHGFEDC[-2.015650]AK\t"), std::string::npos);
-    entry.cysteineMass = 45.98772;
+    entry.peptidoform = withCysteine("HGFEDCAK", named("Methylthio"));
     EXPECT_NE(text(LibraryFileKind::Tsv, entry).find("\tHGFEDC(UniMod:39)AK\t"), std::string::npos);
-    entry.cysteineMass = 0;
+    entry.peptidoform = Peptidoform(QStringLiteral("HGFEDCAK"));
     EXPECT_NE(text(LibraryFileKind::Tsv, entry).find("\tHGFEDCAK\tHGFEDCAK\t"), std::string::npos);
+}
+
+TEST(TsvLibraryFormat, LossesOfModificationsStandInTheirColumnAndTheAnnotation)
+{
+    LibraryEntry entry = decoy();
+    entry.peaks = {{617.30419, 1.0, QLatin1Char('y'), 5, 2, QStringLiteral("-2H3PO4"), 0}};
+    const std::string written = text(LibraryFileKind::Tsv, entry);
+    EXPECT_NE(written.find("_y5-2H3PO4^2\t2\ty\t5\t2H3PO4\ty5-2H3PO4^2\n"), std::string::npos) << written;
+}
+
+LibraryEntry timed(TimeScale scale)
+{
+    LibraryEntry entry = decoy();
+    entry.retentionTime = -12.3456;
+    entry.timeScale = scale;
+    return entry;
+}
+
+TEST(RetentionTime, IrtStandsWhereAFormatHasIt)
+{
+    const LibraryEntry entry = timed(TimeScale::Irt);
+    EXPECT_NE(text(LibraryFileKind::Msp, entry).find("Protein=DECOY_P12345 iRT=-12.346 Remark"), std::string::npos);
+    EXPECT_NE(text(LibraryFileKind::Tsv, entry).find("\t1.000000\t-12.346\tDECOY_P12345\t"), std::string::npos);
+    EXPECT_NE(text(LibraryFileKind::MzSpecLib, entry)
+                  .find("\n[1]MS:1000896|normalized retention time=-12.346\n[1]UO:0000000|unit=UO:0000031|minute\n"),
+              std::string::npos);
+    EXPECT_EQ(text(LibraryFileKind::Mgf, entry).find("RTINSECONDS"), std::string::npos);
+}
+
+// 60 x -12.3456 = -740.736.
+TEST(RetentionTime, CalibratedOneIsInTheUnitOfTheFormat)
+{
+    const LibraryEntry entry = timed(TimeScale::Minutes);
+    EXPECT_NE(text(LibraryFileKind::Msp, entry).find(" RetentionTime=-740.736 Remark"), std::string::npos);
+    EXPECT_NE(text(LibraryFileKind::Tsv, entry).find("\t-12.346\t"), std::string::npos);
+    EXPECT_NE(text(LibraryFileKind::MzSpecLib, entry)
+                  .find("\n[1]MS:1000897|predicted retention time=-12.346\n[1]UO:0000000|unit=UO:0000031|minute\n"),
+              std::string::npos);
+    EXPECT_NE(text(LibraryFileKind::Mgf, entry).find("\nCHARGE=2+\nRTINSECONDS=-740.736\n617"), std::string::npos);
 }
 
 TEST(MgfLibraryFormat, PeptideMassIsTheMzAndDecoysAreNamedInTheTitle)
@@ -248,6 +348,7 @@ TEST(LibraryFileKind, EndingOfTheFileTellsTheKind)
     EXPECT_EQ(libraryFileKindOfPath(QStringLiteral("lib.mgf")), LibraryFileKind::Mgf);
     EXPECT_EQ(libraryFileKindOfPath(QStringLiteral("lib.dlib")), LibraryFileKind::Dlib);
     EXPECT_EQ(libraryFileKindOfPath(QStringLiteral("lib.blib")), LibraryFileKind::Blib);
+    EXPECT_EQ(libraryFileKindOfPath(QStringLiteral("lib.pqp")), LibraryFileKind::Pqp);
     EXPECT_EQ(libraryFileKindOfPath(QStringLiteral("lib.mzSpecLib.txt")), LibraryFileKind::MzSpecLib);
     EXPECT_EQ(libraryFileKindOfPath(QStringLiteral("lib.txt")), std::nullopt);
     EXPECT_EQ(libraryFileKindOfPath(QString()), std::nullopt);

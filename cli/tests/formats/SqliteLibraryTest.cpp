@@ -14,20 +14,32 @@
 namespace zav {
 namespace {
 
-constexpr LibraryFileKind KINDS[] = {LibraryFileKind::Dlib, LibraryFileKind::Blib};
+constexpr LibraryFileKind KINDS[] = {LibraryFileKind::Dlib, LibraryFileKind::Blib, LibraryFileKind::Pqp};
 
-/// Peptides of different lengths and proteins at two charges.
+Modification named(const char *name)
+{
+    return modifications::findByName(QString::fromUtf8(name))->modification;
+}
+
+/// Peptides of different lengths and proteins at two charges, every third one with an oxidised first residue.
 QList<LibraryEntry> entries(int peptideCount)
 {
     QList<LibraryEntry> all;
     for (int i = 0; i < 2 * peptideCount; ++i) {
         LibraryEntry entry;
-        entry.peptide =
+        const QString peptide =
             QString(i / 2 % 20 + 1, QLatin1Char('A')) + QStringLiteral("CCK") + QString(i / 40, QLatin1Char('G'));
+        const int first = i / 2 % 20 + 2; // of the cysteines
+        QList<PlacedModification> modifications = {{first, named("Carbamidomethyl")},
+                                                   {first + 1, named("Carbamidomethyl")}};
+        if (i / 2 % 3 == 0)
+            modifications.append({1, named("Oxidation")});
+        entry.peptidoform = Peptidoform(peptide, modifications);
+        entry.retentionTime = i % 5 == 0 ? entry.retentionTime : 0.1 * i - 20;
         entry.charge = 2 + i % 2;
         entry.precursorMz = 400.0 + i;
-        entry.cysteineMass = 57.02146;
-        entry.proteins = QStringList{QStringLiteral("P%1").arg(i / 2 % 7), QStringLiteral("Q%1").arg(i / 2 % 3)};
+        entry.proteins = {{"P" + QByteArray::number(i / 2 % 7), "G" + QByteArray::number(i / 2 % 2), {}},
+                          {"Q" + QByteArray::number(i / 2 % 3), {}, {}}};
         entry.isDecoy = i % 4 > 1;
         for (int peak = 0; peak <= i % 50; ++peak)
             entry.peaks.append({150.0 + 13.7 * peak, 1.0 / (peak + 1), QLatin1Char('y'), peak + 1, 1, {}, 0});
@@ -166,6 +178,19 @@ TEST_P(SqliteLibraryTest, FileThatCannotGrowIsSaidAndLeavesNothing)
 INSTANTIATE_TEST_SUITE_P(Formats, SqliteLibraryTest, ::testing::ValuesIn(KINDS), [](const auto &tested) {
     return libraryFileKindNames()[qsizetype(tested.param)].toStdString();
 });
+
+TEST(DlibLibrary, PeptidoformsThatTheFormatCannotTellApartStandThereOnce)
+{
+    const TemporaryFiles files;
+    const auto library = makeDlibLibrary();
+    ASSERT_FALSE(library->open(files.path(QStringLiteral("a")), {}).hasError());
+    LibraryEntry entry = entries(1).first();
+    for (const int position : {0, 1, 0}) {
+        entry.peptidoform = Peptidoform(QStringLiteral("KAAAK"), {{position, named("Acetyl")}});
+        ASSERT_EQ(library->add(library->encode(entry)).message(), QString());
+    }
+    EXPECT_EQ(library->finish().message(), QString());
+}
 
 TEST(SqliteLibrary, TextKindsHaveNone)
 {

@@ -1,53 +1,43 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryPredictor.h"
 
+#include <zav/Modifications.h>
+
 #include <gtest/gtest.h>
 
 #include <QtCore/QMap>
 
+#include <cmath>
+#include <limits>
 #include <random>
 
 namespace zav {
 namespace {
 
-/// The same ones everywhere: lengths 7 to 20, more of them than one block of each.
-QStringList somePeptides()
+constexpr double DEFAULT_ENERGY = std::numeric_limits<double>::quiet_NaN();
+constexpr quint8 CHARGE_2 = 1 << 2, CHARGES_2_AND_3 = 1 << 2 | 1 << 3;
+
+/// The same ones everywhere: lengths 7 to 20, more of them than one block of each; some oxidised, some of one charge.
+QList<LibraryPrecursors> somePrecursors()
 {
     constexpr char RESIDUES[] = "ACDEFGHIKLMNPQRSTVWY";
+    const Modification oxidation = modifications::findByName(QStringLiteral("Oxidation"))->modification;
     std::mt19937 generator(5);
-    QStringList peptides;
+    QList<LibraryPrecursors> precursors;
     for (int i = 0; i < 150; ++i) {
         QString peptide;
         const int length = i < 50 ? 9 : int(7 + generator() % 14);
         for (int j = 0; j < length; ++j)
             peptide.append(QLatin1Char(RESIDUES[generator() % 20]));
-        peptides.append(peptide);
+        QList<PlacedModification> placed;
+        if (i % 3 == 0) {
+            peptide[2] = u'M';
+            placed.append({3, oxidation});
+        }
+        precursors.append({Peptidoform(peptide, placed), i % 7 == 0 ? CHARGE_2 : CHARGES_2_AND_3});
     }
-    return peptides;
+    return precursors;
 }
-
-class Predictions : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        const Error error = m_predictor.load(ModelFolder(QStringLiteral(ZAV_MODELS)), {2, 3});
-        ASSERT_FALSE(error.hasError()) << error.toString().toStdString();
-    }
-
-    QList<QList<FragmentPeak>> predict(const QStringList &peptides, int charge)
-    {
-        QList<QList<FragmentPeak>> spectra(peptides.size());
-        const Error error = m_predictor.predict(peptides, charge, [&](qsizetype i, const QList<FragmentPeak> &peaks) {
-            EXPECT_TRUE(spectra[i].isEmpty());
-            spectra[i] = peaks;
-        });
-        EXPECT_FALSE(error.hasError()) << error.toString().toStdString();
-        return spectra;
-    }
-
-    LibraryPredictor m_predictor{57.02146};
-};
 
 /// To the last bit.
 bool areEqual(const QList<FragmentPeak> &a, const QList<FragmentPeak> &b)
@@ -58,47 +48,112 @@ bool areEqual(const QList<FragmentPeak> &a, const QList<FragmentPeak> &b)
     });
 }
 
+using Spectra = QMap<std::pair<qsizetype, int>, QList<FragmentPeak>>; // by index and charge
+
+class Predictions : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        const Error error = m_predictor.load(ModelFolder(QStringLiteral(ZAV_MODELS)), true);
+        ASSERT_FALSE(error.hasError()) << error.toString().toStdString();
+    }
+
+    Spectra predict(const QList<LibraryPrecursors> &precursors, double energy = DEFAULT_ENERGY)
+    {
+        Spectra spectra;
+        const auto keep = [&](qsizetype index, int charge, const QList<FragmentPeak> &peaks) {
+            EXPECT_FALSE(spectra.contains({index, charge}));
+            spectra[{index, charge}] = peaks;
+        };
+        const Error error = m_predictor.predictSpectra(precursors, energy, keep);
+        EXPECT_FALSE(error.hasError()) << error.toString().toStdString();
+        return spectra;
+    }
+
+    QList<QList<double>> times(const QList<LibraryPrecursors> &precursors)
+    {
+        QList<QList<double>> heads;
+        const Error error = m_predictor.predictTimes(precursors, &heads);
+        EXPECT_FALSE(error.hasError()) << error.toString().toStdString();
+        return heads;
+    }
+
+    LibraryPredictor m_predictor;
+};
+
+TEST_F(Predictions, AreThereForEveryChargeThatIsAskedForAndNoOther)
+{
+    const QList<LibraryPrecursors> precursors = somePrecursors();
+    const Spectra spectra = predict(precursors);
+    for (qsizetype i = 0; i < precursors.size(); ++i) {
+        for (const int charge : {1, 2, 3, 4})
+            EXPECT_EQ(spectra.contains({i, charge}), precursors[i].isOf(charge));
+    }
+}
+
 TEST_F(Predictions, DoNotDependOnTheOtherPeptidesOrTheirOrder)
 {
-    const QStringList peptides = somePeptides();
-    for (const int charge : {2, 3}) {
-        const QList<QList<FragmentPeak>> together = predict(peptides, charge);
-        QStringList reversed(peptides.rbegin(), peptides.rend());
-        const QList<QList<FragmentPeak>> otherwise = predict(reversed, charge);
-        for (qsizetype i = 0; i < peptides.size(); ++i) {
-            EXPECT_FALSE(together[i].isEmpty());
-            EXPECT_TRUE(areEqual(together[i], otherwise[peptides.size() - 1 - i])) << peptides[i].toStdString();
-            if (i % 10 == 0) {
-                EXPECT_TRUE(areEqual(together[i], predict({peptides[i]}, charge).first())) << peptides[i].toStdString();
-            }
+    const QList<LibraryPrecursors> precursors = somePrecursors();
+    const Spectra together = predict(precursors);
+    const Spectra otherwise = predict(QList<LibraryPrecursors>(precursors.rbegin(), precursors.rend()));
+    for (auto spectrum = together.begin(); spectrum != together.end(); ++spectrum) {
+        const auto &[index, charge] = spectrum.key();
+        EXPECT_FALSE(spectrum->isEmpty());
+        EXPECT_TRUE(areEqual(*spectrum, otherwise[{precursors.size() - 1 - index, charge}]));
+        if (index % 10 == 0) {
+            EXPECT_TRUE(areEqual(*spectrum, predict({precursors[index]})[{0, charge}]));
         }
     }
 }
 
+TEST_F(Predictions, OfTimesDoNotDependOnTheOtherPeptides)
+{
+    const QList<LibraryPrecursors> precursors = somePrecursors();
+    const QList<QList<double>> together = times(precursors);
+    ASSERT_EQ(together.size(), precursors.size());
+    for (qsizetype i = 0; i < precursors.size(); i += 10)
+        EXPECT_EQ(together[i], times({precursors[i]}).first());
+}
+
 TEST_F(Predictions, AreThoseOfTheNetwork)
 {
-    MsMsFragmentationPredictomatic predictor;
-    const QStringList paths = ModelFolder(QStringLiteral(ZAV_MODELS)).fragmentationNetworks({2});
-    ASSERT_FALSE(predictor.init(paths[0], paths[1], paths[2], paths[3], paths[4]).hasError());
-    const QStringList peptides = somePeptides().mid(45, 10);
-    const QList<QList<FragmentPeak>> spectra = predict(peptides, 2);
-    for (qsizetype i = 0; i < peptides.size(); ++i) {
+    PeptidoformSpectrumPredictor predictor;
+    const ModelFolder folder(QStringLiteral(ZAV_MODELS));
+    ASSERT_FALSE(predictor.init(folder.network(NetworkUse::Peptidoforms)).hasError());
+    const QList<LibraryPrecursors> precursors = somePrecursors().mid(45, 10);
+    const Spectra spectra = predict(precursors, 25.0);
+    for (auto spectrum = spectra.begin(); spectrum != spectra.end(); ++spectrum) {
+        const auto &[index, charge] = spectrum.key();
         QList<QList<FragmentPeak>> alone;
-        ASSERT_FALSE(predictor.predictFragments({peptides[i]}, 2, &alone).hasError());
+        ASSERT_FALSE(predictor.predict({{precursors[index].peptidoform, charge, 25.0}}, &alone).hasError());
         QMap<double, double> expected;
         for (const FragmentPeak &peak : std::as_const(alone.first()))
             expected.insert(peak.mz, peak.intensity);
-        for (const FragmentPeak &peak : spectra[i])
-            // Blocks of another shape sum in another order.
-            EXPECT_NEAR(expected.value(peak.mz, 0.025), peak.intensity, 2e-5);
+        for (const FragmentPeak &peak : *spectrum)
+            // Blocks of another shape sum in another order; a peak at the limit may be in one alone.
+            EXPECT_NEAR(expected.value(peak.mz, 0.04), peak.intensity, 1e-4);
     }
+}
+
+TEST_F(Predictions, ThatNeedWhatTheNetworkHasNotSeenAreRemarkedOnOnce)
+{
+    const Modification tag = modifications::findByName(QStringLiteral("TMT6plex"))->modification;
+    const Peptidoform tagged(QStringLiteral("PEPTIDEK"), {{8, tag}});
+    const Peptidoform other(QStringLiteral("SAMPLERK"), {{8, tag}});
+    predict({{tagged, CHARGE_2}, {other, CHARGES_2_AND_3}});
+    times({{tagged, CHARGE_2}});
+    const QStringList remarks = m_predictor.takeRemarks();
+    ASSERT_EQ(remarks.size(), 1) << remarks.join(u'\n').toStdString();
+    EXPECT_TRUE(remarks.first().contains(QStringLiteral("TMT6plex")));
+    EXPECT_TRUE(m_predictor.takeRemarks().isEmpty());
 }
 
 TEST(LibraryPredictor, NamesANetworkThatIsNotThere)
 {
-    LibraryPredictor predictor(0.0);
-    const Error error = predictor.load(ModelFolder(QStringLiteral("/nowhere")), {3});
-    EXPECT_TRUE(error.message().contains(QStringLiteral("charge 3"))) << error.message().toStdString();
+    LibraryPredictor predictor;
+    const Error error = predictor.load(ModelFolder(QStringLiteral("/nowhere")), false);
+    EXPECT_TRUE(error.message().contains(QStringLiteral("peptidoform_spectrum.pb"))) << error.message().toStdString();
 }
 
 } // namespace

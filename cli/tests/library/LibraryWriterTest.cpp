@@ -14,7 +14,7 @@ const LibraryInfo INFO{QStringLiteral("test"), QStringLiteral("1.0")};
 LibraryEntry entryOf(const char *peptide)
 {
     LibraryEntry entry;
-    entry.peptide = QString::fromUtf8(peptide);
+    entry.peptidoform = Peptidoform(QString::fromUtf8(peptide));
     entry.charge = 2;
     entry.precursorMz = 400.5;
     entry.peaks = {{147.11280, 1.0, QLatin1Char('y'), 1, 1, {}, 0}};
@@ -24,10 +24,11 @@ LibraryEntry entryOf(const char *peptide)
 /// What a text library with these peptides holds.
 QByteArray document(const LibraryFormat &format, const QList<const char *> &peptides)
 {
-    QByteArray text = format.opening(INFO);
+    TextBuffer text;
+    text.add(format.opening(INFO));
     for (qsizetype i = 0; i < peptides.size(); ++i)
-        text += format.entry(entryOf(peptides[i]), i);
-    return text + format.closing();
+        format.addEntry(entryOf(peptides[i]), i, &text);
+    return text.take() + format.closing();
 }
 
 class LibraryWriterTest : public ::testing::TestWithParam<LibraryFileKind>
@@ -37,8 +38,9 @@ protected:
     {
         const auto writer = makeLibraryWriter(GetParam(), m_files.path(name), INFO);
         EXPECT_EQ(writer->open().message(), QString());
+        TextArena arena;
         for (const char *peptide : peptides)
-            EXPECT_EQ(writer->add(writer->encode(entryOf(peptide))).message(), QString());
+            EXPECT_EQ(writer->add(writer->encode(entryOf(peptide), &arena)).message(), QString());
         const Result<LibraryFileFacts> facts = writer->finish();
         EXPECT_FALSE(facts.hasError());
         return facts.value();
@@ -80,7 +82,8 @@ TEST_P(LibraryWriterTest, EntryWithoutPeaksIsEmpty)
 {
     LibraryEntry entry = entryOf("AAAAK");
     entry.peaks.clear();
-    EXPECT_TRUE(makeLibraryWriter(GetParam(), m_files.path("a"), INFO)->encode(entry).isEmpty());
+    TextArena arena;
+    EXPECT_TRUE(makeLibraryWriter(GetParam(), m_files.path("a"), INFO)->encode(entry, &arena).isEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, LibraryWriterTest,

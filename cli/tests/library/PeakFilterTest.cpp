@@ -11,11 +11,18 @@ const QList<FragmentPeak> PEAKS = {{102.1, 0.2, 'b', 1, 1, ""},     {147.1, 0.5,
                                    {470.3, 0.2, 'y', 4, 1, "-H2O"}, {488.3, 0.8, 'y', 4, 1, ""},
                                    {601.4, 0.2, 'y', 5, 1, ""}};
 
+QList<FragmentPeak> applied(const PeakFilterOptions &options, const QList<FragmentPeak> &peaks)
+{
+    QList<FragmentPeak> kept;
+    PeakFilter(options).apply(peaks, &kept);
+    return kept;
+}
+
 /// `y4 1.000` and so on, in the order of the peaks.
 std::string kept(const PeakFilterOptions &options, const QList<FragmentPeak> &peaks = PEAKS)
 {
     QStringList texts;
-    for (const FragmentPeak &peak : PeakFilter(options).apply(peaks))
+    for (const FragmentPeak &peak : applied(options, peaks))
         texts.append(QStringLiteral("%1%2%3%4 %5")
                          .arg(peak.ionType)
                          .arg(peak.ionNumber)
@@ -82,7 +89,7 @@ TEST(PeakFilter, IsotopesFollowTheirPeakByAveragine)
 {
     PeakFilterOptions options;
     options.isotopes = true;
-    const QList<FragmentPeak> peaks = PeakFilter(options).apply({{488.3, 0.8, 'y', 4, 1, ""}});
+    const QList<FragmentPeak> peaks = applied(options, {{488.3, 0.8, 'y', 4, 1, ""}});
     ASSERT_EQ(peaks.size(), 3);
     EXPECT_EQ(peaks[1].isotope, 1);
     EXPECT_NEAR(peaks[1].mz - peaks[0].mz, 1.00335, 1e-4);

@@ -4,6 +4,8 @@
 #include "MzMlText.h"
 #include "TemporaryFiles.h"
 
+#include <cmath>
+
 namespace zav {
 namespace {
 
@@ -93,6 +95,24 @@ TEST(PeptideList, MissingFileIsNamedInTheError)
 {
     const auto rows = readPeptideList(QStringLiteral("nowhere/peptides.tsv"));
     EXPECT_EQ(rows.error().message().toStdString(), "cannot read nowhere/peptides.tsv: No such file or directory");
+}
+
+TEST(PeptideList, EnergiesStandInAColumnOfAHeader)
+{
+    const auto rows = read("peptide\tenergy\tcharge\nPEPTIDE\t27.5\t2\nSAMPLER\t\t3\nLASTONE\thigh\t2\n");
+    ASSERT_EQ(rows.size(), 3);
+    EXPECT_EQ(rows[0].precursor.collisionEnergy, 27.5);
+    EXPECT_EQ(rows[0].precursor.charge, 2);
+    EXPECT_TRUE(std::isnan(rows[1].precursor.collisionEnergy));
+    EXPECT_EQ(rows[1].problem, QString());
+    EXPECT_EQ(rows[2].problem.toStdString(), "energy 'high' is not a number");
+    EXPECT_TRUE(std::isnan(read("PEPTIDE\t2\t27\n").first().precursor.collisionEnergy)) << "a column without a name";
+}
+
+TEST(PeptideList, ProFormaIsOneCell)
+{
+    EXPECT_EQ(summary("[Acetyl]-AC[Carbamidomethyl]M[Oxidation]K 2\n"),
+              "1:[Acetyl]-AC[Carbamidomethyl]M[Oxidation]K/2");
 }
 
 } // namespace

@@ -25,7 +25,7 @@ FragmentPeak ion(double mz, double intensity, QChar type, int number = 1)
 
 PredictedSpectrum alanylGlycine(const QList<FragmentPeak> &peaks, int charge = 1)
 {
-    return {{"AG", charge}, 0, 0, peaks};
+    return {{"AG", charge}, Peptidoform("AG"), 0, 0, peaks};
 }
 
 ObservedSpectrum spectrum(const QList<QPointF> &peaks)
@@ -99,6 +99,16 @@ TEST(SpectralAngle, LeavesOutLossesIsotopesAndPeaksOfNoIon)
     EXPECT_NEAR(comparison.cosine, 0.6, 1e-12);
 }
 
+TEST(SpectralAngle, LooksForTheIonsWhereTheirModificationsPutThem)
+{
+    const double oxidation = 15.994915;
+    const Peptidoform oxidised = Peptidoform::fromProForma("AM[Oxidation]").value();
+    const PredictedSpectrum predicted{{"AM[Oxidation]", 1}, oxidised, 0, 0, {ion(B1, 0.6, u'b')}};
+    const double y1 = 131.040485 + oxidation + 18.010565 + 1.007276;
+    EXPECT_NEAR(compareSpectra(predicted, spectrum({{B1, 300}, {y1, 400}})).cosine, 0.6, 1e-12);
+    EXPECT_NEAR(compareSpectra(predicted, spectrum({{B1, 300}, {y1 - oxidation, 400}})).cosine, 1, 1e-12);
+}
+
 TEST(SpectralAngle, CountsIonsThatShareOneObservedPeakOnce)
 {
     // Within 5 Da b1 and y1 cannot be told apart: one ion with 0.3 + 0.4 against one peak.
@@ -117,8 +127,8 @@ TEST(SpectralAngle, CountsFragmentChargesUpToThePrecursors)
 
 TEST(SpectralAngle, IsDefinedForAPeptideOfOneResidueAndForNone)
 {
-    EXPECT_EQ(compareSpectra({{"K", 1}, 0, 0, {}}, spectrum({{100, 1}})).cosine, 0);
-    EXPECT_EQ(compareSpectra({{"", 1}, 0, 0, {}}, spectrum({{100, 1}})).cosine, 0);
+    EXPECT_EQ(compareSpectra({{"K", 1}, Peptidoform("K"), 0, 0, {}}, spectrum({{100, 1}})).cosine, 0);
+    EXPECT_EQ(compareSpectra({{"", 1}, {}, 0, 0, {}}, spectrum({{100, 1}})).cosine, 0);
 }
 
 TEST(PeakMatching, TakesTheMostIntensePeakWithinTheTolerance)

@@ -24,7 +24,7 @@ TEST(MachineWithoutFonts, GetsAnErrorRatherThanAPictureOfBoxes)
 {
     const TemporaryFiles files;
     SpectrumPlotData data;
-    data.peptide = QStringLiteral("PEPTIDEK");
+    data.peptidoform = Peptidoform(QStringLiteral("PEPTIDEK"));
     data.charge = 2;
     const Error error = drawSpectrum(data, files.path("a.png"));
     EXPECT_TRUE(error.equals(Failure));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumPlot.h"
+#include "PeptideMasses.h"
 #include "PictureApplication.h"
 #include "SvgPicture.h"
 #include "TemporaryFiles.h"
@@ -17,6 +18,7 @@ const auto *const APPLICATION = testing::AddGlobalTestEnvironment(new PictureApp
 
 constexpr char BLUE[] = "#0072b2";
 constexpr char VERMILION[] = "#d55e00";
+constexpr char PURPLE[] = "#a03c78";
 constexpr char UNMATCHED_GREY[] = "#bebebe";
 
 FragmentPeak ion(QChar type, int number, double mz, double intensity, int charge = 1, const QString &loss = {})
@@ -34,7 +36,7 @@ FragmentPeak ion(QChar type, int number, double mz, double intensity, int charge
 SpectrumPlotData peptidek()
 {
     SpectrumPlotData data;
-    data.peptide = QStringLiteral("PEPTIDEK");
+    data.peptidoform = Peptidoform(QStringLiteral("PEPTIDEK"));
     data.charge = 2;
     data.precursorMz = 464.7347;
     data.predicted = {ion(u'b', 2, 227.103, 0.5), ion(u'y', 3, 391.182, 1.0), ion(u'y', 6, 351.684, 0.25, 2),
@@ -46,7 +48,7 @@ SpectrumPlotData mirrored()
 {
     SpectrumPlotData data = peptidek();
     data.observed = ObservedSpectrum{"run.mzML, scan 7", 464.7, 2, {{227.104, 30}, {391.183, 60}, {500, 15}}};
-    data.comparison = compareSpectra({{data.peptide, data.charge}, 0, 0, data.predicted}, *data.observed);
+    data.comparison = compareSpectra({{}, data.peptidoform, 0, 0, data.predicted}, *data.observed);
     return data;
 }
 
@@ -71,6 +73,30 @@ TEST_F(SpectrumPlot, SaysItsPeptidePrecursorAxesAndIonsInText)
     EXPECT_TRUE(picture.source.contains("<title>PEPTIDEK/2</title>"));
     for (const QChar residue : QStringLiteral("PEPTIDEK"))
         EXPECT_TRUE(picture.texts.contains(QString(residue)));
+}
+
+TEST_F(SpectrumPlot, ModificationsAreMarkedWithTheirMassesAndNamed)
+{
+    SpectrumPlotData data = peptidek();
+    data.peptidoform = Peptidoform::fromProForma(QStringLiteral("[Acetyl]-PEPT[Phospho]IDEK[-17.0265]")).value();
+    data.collisionEnergy = 27.5;
+    const SvgPicture picture = draw(data);
+    EXPECT_TRUE(picture.texts.contains(QStringLiteral("2+, NCE 27.5, m/z 464.7347")));
+    EXPECT_TRUE(picture.texts.contains(QStringLiteral("Acetyl N-term; Phospho T4; -17.0265 K8")));
+    for (const char *mass : {"+42", "+80", "-17"})
+        EXPECT_EQ(picture.texts.count(QLatin1String(mass)), 1) << mass;
+    EXPECT_TRUE(picture.source.contains(PURPLE));
+    EXPECT_FALSE(draw(peptidek()).source.contains(PURPLE)) << "a peptide without modifications has nothing to mark";
+}
+
+TEST_F(SpectrumPlot, LongModifiedPeptidesStayOnThePage)
+{
+    SpectrumPlotData data = peptidek();
+    data.peptidoform = withCysteines(QString(52, u'C'), 57.021464);
+    const SvgPicture picture = draw(data);
+    EXPECT_EQ(picture.texts.count(QStringLiteral("+57")), 52);
+    for (const QString &text : picture.texts)
+        EXPECT_LT(text.size(), 160) << "the names are shortened to the width of the page";
 }
 
 // The axis tells where an m/z lies: its ticks and their numbers are read back, and give each peak's expected place.
@@ -192,12 +218,12 @@ TEST_F(SpectrumPlot, DrawsWhatHasNoPeaksAndTheShortestAndLongestPeptides)
     empty.observed = ObservedSpectrum{};
     empty.comparison = SpectrumComparison{};
     EXPECT_EQ(draw(empty).texts.count("no peaks"), 2);
-    empty.peptide = QStringLiteral("K");
+    empty.peptidoform = Peptidoform(QStringLiteral("K"));
     EXPECT_TRUE(draw(empty).texts.contains("K"));
-    empty.peptide.clear();
+    empty.peptidoform = Peptidoform();
     draw(empty);
     SpectrumPlotData longest = peptidek();
-    longest.peptide = QString(52, u'W');
+    longest.peptidoform = Peptidoform(QString(52, u'W'));
     EXPECT_EQ(draw(longest).texts.count("W"), 52);
 }
 

@@ -28,7 +28,8 @@ TEST_F(LibraryCommand, HoldsEveryPeptideAtEachChargeInTheOrderOfTheirSequences)
 {
     const ProgramRun made = run({"p.fasta", "-o", "lib.tsv", "--missed-cleavages", "0"});
     EXPECT_EQ(made.standardOutput, "");
-    EXPECT_EQ(made.standardError, "zav: 3 proteins, 5 peptides, 0 decoys; 8 precursors written\n"
+    EXPECT_EQ(made.standardError, "zav: 5 peptides, 5 peptidoforms, 8 precursors\n"
+                                  "zav: 3 proteins, 5 peptides, 0 decoys; 8 precursors written\n"
                                   "zav: left out: 1 peptides with non-standard residues, 2 precursors outside 300 to "
                                   "1800 m/z\n");
     EXPECT_EQ(column("lib.tsv", "TransitionGroupId"),
@@ -50,14 +51,102 @@ TEST_F(LibraryCommand, PrecursorsAndFragmentsStandAtTheirMz)
 
 TEST_F(LibraryCommand, ListsWhatItSkips)
 {
-    const ProgramRun made = run({"p.fasta", "-o", "lib.tsv", "--missed-cleavages", "0", "--charges", "1,2",
-                                 "--max-precursor-mz", "3000", "--skipped", "skipped.tsv"});
-    EXPECT_NE(made.standardError.find("1 precursors too long for their network"), std::string::npos);
+    const QByteArray tooLong = QByteArray(52, 'A') + 'K'; // one residue more than the network takes, 3837.9 Da
+    m_files.write("long.fasta", PROTEINS + QByteArray(">long\n") + tooLong + '\n');
+    const ProgramRun made = run({"long.fasta", "-o", "lib.tsv", "--missed-cleavages", "0", "--max-length", "60",
+                                 "--charges", "3", "--skipped", "skipped.tsv"});
+    EXPECT_NE(made.standardError.find("1 precursors too long for the network"), std::string::npos)
+        << made.standardError;
     const QStringList lines = linesOf(m_files.read("skipped.tsv").toStdString());
     ASSERT_EQ(lines.size(), 3);
     EXPECT_EQ(lines[0], "protein\tpeptide\tcharge\treason");
     EXPECT_TRUE(lines[1].startsWith("P22222\tXPEPTIDEK\t\t")) << lines[1].toStdString();
-    EXPECT_EQ(lines[2], "plain\t" + LONGEST + "\t1\t29 residues, more than the 27 that charge 1 allows");
+    EXPECT_EQ(lines[2],
+              "long\t" + QString::fromLatin1(tooLong) + "\t3\t53 residues, more than the 52 that are predicted");
+}
+
+// m/z by hand from the masses of Unimod: MAGICPEPTIDEK with carbamidomethyl has 2+ at 723.84580; oxidation adds
+// 15.994915 / 2.
+TEST_F(LibraryCommand, VariableModificationsStandBesideThePlainPeptide)
+{
+    const ProgramRun made =
+        run({"p.fasta", "-o", "lib.tsv", "--missed-cleavages", "0", "--charges", "2", "--variable", "Oxidation@M"});
+    EXPECT_NE(made.standardError.find("5 peptides, 7 peptidoforms, "), std::string::npos) << made.standardError;
+    const QByteArray text = m_files.read("lib.tsv");
+    EXPECT_TRUE(text.contains("\tMAGIC(UniMod:4)PEPTIDEK\t"));
+    EXPECT_TRUE(text.contains("\tM(UniMod:35)AGIC(UniMod:4)PEPTIDEK\t"));
+    QMap<QString, double> precursors;
+    const QStringList modified = everyCell("lib.tsv", "ModifiedPeptideSequence");
+    const QStringList mz = everyCell("lib.tsv", "PrecursorMz");
+    for (qsizetype i = 0; i < modified.size(); ++i)
+        precursors[modified[i]] = mz[i].toDouble();
+    EXPECT_NEAR(precursors["M(UniMod:35)AGIC(UniMod:4)PEPTIDEK"] - precursors["MAGIC(UniMod:4)PEPTIDEK"], 7.9974575,
+                2e-5);
+}
+
+TEST_F(LibraryCommand, HoldsTheRetentionTimesThatTheProgramPredicts)
+{
+    run({"p.fasta", "-o", "lib.tsv", "--missed-cleavages", "0"});
+    m_files.write("list.txt", "LVNELTEFAK\nSAMPLEPEPTIDER\n");
+    const ProgramRun predicted = runZav({"retention", "--peptides", "list.txt"}, {}, m_files.path(QString()));
+    QMap<QString, double> irt;
+    for (const QString &line : linesOf(predicted.standardOutput).mid(1))
+        irt[line.section('\t', 0, 0)] = line.section('\t', 1, 1).toDouble();
+    ASSERT_EQ(irt.size(), 2);
+    const QStringList peptides = everyCell("lib.tsv", "PeptideSequence");
+    const QStringList times = everyCell("lib.tsv", "NormalizedRetentionTime");
+    for (qsizetype i = 0; i < peptides.size(); ++i) {
+        if (irt.contains(peptides[i])) {
+            EXPECT_NEAR(times[i].toDouble(), irt[peptides[i]], 0.02) << peptides[i].toStdString();
+        }
+    }
+}
+
+TEST_F(LibraryCommand, RetentionTimesAreFittedToARunOrLeftOut)
+{
+    // A gradient of 2 min + iRT / 5, told by peptides whose iRT the program predicts.
+    const QStringList known = {"LGGNEQVTR",    "GAGSSEPVTGLDAK", "VEATFGVDESNAK",  "YILAGVENSK",
+                               "TPVISGGPYEYR", "TPVITGAPYEYR",   "DGLDAASYYAPVR",  "ADVTPADFSEWSK",
+                               "GTFIIDPGGVIR", "GTFIIDPAAVIR",   "LFLQFGAQGSPFLK", "SAMPLEPEPTIDER"};
+    m_files.write("list.txt", known.join('\n').toLatin1());
+    const ProgramRun predicted = runZav({"retention", "--peptides", "list.txt"}, {}, m_files.path(QString()));
+    QByteArray observed = "peptide\trt\n";
+    for (const QString &line : linesOf(predicted.standardOutput).mid(1))
+        observed += QStringLiteral("%1\t%2\n")
+                        .arg(line.section('\t', 0, 0))
+                        .arg(2 + line.section('\t', 1, 1).toDouble() / 5)
+                        .toLatin1();
+    m_files.write("run.tsv", observed);
+    run({"p.fasta", "-o", "irt.tsv", "--missed-cleavages", "0"});
+    const ProgramRun fitted = run({"p.fasta", "-o", "min.tsv", "--missed-cleavages", "0", "--calibrate", "run.tsv"});
+    EXPECT_NE(fitted.standardError.find("calibrated with 12 pairs"), std::string::npos) << fitted.standardError;
+    const QStringList irt = everyCell("irt.tsv", "NormalizedRetentionTime");
+    const QStringList minutes = everyCell("min.tsv", "NormalizedRetentionTime");
+    ASSERT_EQ(irt.size(), minutes.size());
+    for (qsizetype i = 0; i < irt.size(); ++i)
+        EXPECT_NEAR(minutes[i].toDouble(), 2 + irt[i].toDouble() / 5, 2.5); // a mixture of outputs, so not the same
+
+    run({"p.fasta", "-o", "none.msp", "--missed-cleavages", "0", "--no-retention-times"});
+    run({"p.fasta", "-o", "some.msp", "--missed-cleavages", "0"});
+    EXPECT_NE(m_files.read("none.msp"), m_files.read("some.msp"));
+}
+
+TEST_F(LibraryCommand, EnergyChangesTheSpectraAndStandsInTheManifest)
+{
+    const QByteArray usual = library("a.tsv", {"p.fasta", "--charges", "2"});
+    const QByteArray same = library("b.tsv", {"p.fasta", "--charges", "2", "--energy", "30"});
+    const QByteArray higher = library("c.tsv", {"p.fasta", "--charges", "2", "--energy", "38.5"});
+    EXPECT_EQ(same, usual); // 30 is what the network predicts by itself
+    EXPECT_NE(higher, usual);
+    EXPECT_TRUE(m_files.read("c.tsv.json").contains("\"collision_energy\": 38.5"));
+}
+
+TEST_F(LibraryCommand, WhatTheNetworksHaveNotSeenIsSaidOnce)
+{
+    const ProgramRun made = run({"p.fasta", "-o", "lib.tsv", "--missed-cleavages", "0", "--fixed", "TMT6plex@N-term",
+                                 "--fixed", "Carbamidomethyl@C"});
+    const QString told = QString::fromStdString(made.standardError);
+    EXPECT_EQ(told.count("TMT6plex"), 1) << made.standardError;
 }
 
 TEST_F(LibraryCommand, TakesAListOfPeptides)
@@ -124,6 +213,35 @@ TEST_F(LibraryCommand, CysteineMassMovesPrecursorAndFragments)
     EXPECT_TRUE(modified.contains("MAGIC(UniMod:4)PEPTIDEK"));
     EXPECT_FALSE(plain.contains("UniMod"));
     EXPECT_NE(modified, plain);
+}
+
+TEST_F(LibraryCommand, FixedModificationOfCysteineIsChosenByNameOrByMass)
+{
+    const QByteArray usual = library("a.tsv", {"p.fasta", "--charges", "2"});
+    EXPECT_EQ(library("b.tsv", {"p.fasta", "--charges", "2", "--fixed", "carbamidomethyl@C"}), usual);
+    EXPECT_EQ(m_files.read("b.tsv.json"), m_files.read("a.tsv.json"));
+    EXPECT_EQ(library("c.tsv", {"p.fasta", "--charges", "2", "--fixed", "none"}),
+              library("d.tsv", {"p.fasta", "--charges", "2", "--cysteine", "0"}));
+    const QByteArray other = library("e.tsv", {"p.fasta", "--charges", "2", "--fixed", "UNIMOD:24@C"});
+    EXPECT_TRUE(other.contains("MAGIC(UniMod:24)PEPTIDEK"));
+}
+
+TEST_F(LibraryCommand, ManifestNamesTheModifications)
+{
+    library("a.tsv", {"p.fasta"});
+    const QByteArray manifest = m_files.read("a.tsv.json").simplified();
+    EXPECT_TRUE(manifest.contains(R"("modifications": { "fixed": [ "Carbamidomethyl@C" ], "variable": [] })"))
+        << manifest.toStdString();
+    EXPECT_NE(run({"p.fasta", "-o", "a.tsv", "--resume"}).standardError.find("is complete"), std::string::npos);
+    EXPECT_EQ(run({"p.fasta", "-o", "a.tsv", "--resume", "--fixed", "none"}).standardError.find("is complete"),
+              std::string::npos);
+}
+
+TEST_F(LibraryCommand, ListMayNameAModifiedPeptide)
+{
+    m_files.write("list.txt", "MAGIC[Carbamidomethyl]PEPTIDEK\nMAGICPEPTIDEK\n");
+    run({"--peptides", "list.txt", "-o", "lib.tsv", "--charges", "2"});
+    EXPECT_EQ(column("lib.tsv", "TransitionGroupId"), QStringList{"MAGICPEPTIDEK_2"});
 }
 
 TEST_F(LibraryCommand, IsTheSameToTheByteWhateverThreadsAndMemory)
@@ -214,12 +332,20 @@ TEST_F(LibraryCommand, RefusesWhatContradictsTheManual)
         {"p.fasta", "-o", "lib.tsv", "--cleavage-pattern", "[KR]"},
         {"p.fasta", "-o", "lib.tsv", "--missed-cleavages", "-1"},
         {"p.fasta", "-o", "lib.tsv", "--min-length", "9", "--max-length", "8"},
-        {"p.fasta", "-o", "lib.tsv", "--charges", "6"},
+        {"p.fasta", "-o", "lib.tsv", "--charges", "7"},
+        {"p.fasta", "-o", "lib.tsv", "--energy", "9"},
+        {"p.fasta", "-o", "lib.tsv", "--energy", "nan"},
+        {"p.fasta", "-o", "lib.tsv", "--calibrate", "run.tsv", "--no-retention-times"},
         {"p.fasta", "-o", "lib.tsv", "--decoys", "mirrored"},
         {"p.fasta", "-o", "lib.tsv", "--shard", "5/4"},
         {"p.fasta", "-o", "lib.tsv", "--threads", "-1"},
         {"p.fasta", "-o", "lib.tsv", "--min-precursor-mz", "500", "--max-precursor-mz", "400"},
         {"p.fasta", "-o", "lib.tsv", "--cysteine", "nan"},
+        {"p.fasta", "-o", "lib.tsv", "--cysteine", "0", "--fixed", "none"},
+        {"p.fasta", "-o", "lib.tsv", "--fixed", "none", "--fixed", "Methyl@K"},
+        {"p.fasta", "-o", "lib.tsv", "--variable", "Foo@M"},
+        {"p.fasta", "-o", "lib.tsv", "--variable", "Carbamidomethyl@C"},
+        {"p.fasta", "-o", "lib.tsv", "--max-variable", "11"},
         {"p.fasta", "-o", "lib.tsv", "--top", "-1"},
         {"p.fasta", "-o", "lib.tsv", "--min-intensity", "1.5"},
         {"p.fasta", "-o", "lib.tsv", "--min-ion-number", "0"},

@@ -51,7 +51,7 @@ TEST_P(MergedFormats, AreThoseOfOneRunToTheByte)
 }
 
 INSTANTIATE_TEST_SUITE_P(Text, MergedFormats, testing::Values(".tsv", ".msp", ".mgf", ".mzSpecLib.txt"));
-INSTANTIATE_TEST_SUITE_P(Sqlite, MergedFormats, testing::Values(".dlib", ".blib"));
+INSTANTIATE_TEST_SUITE_P(Sqlite, MergedFormats, testing::Values(".dlib", ".blib", ".pqp"));
 
 TEST_F(LibraryMerge, AnyNumberOfShardsMakesTheSameLibrary)
 {

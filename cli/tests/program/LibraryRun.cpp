@@ -36,7 +36,7 @@ QByteArray LibraryRun::library(const QString &name, const QStringList &arguments
     return m_files.read(name);
 }
 
-QStringList LibraryRun::column(const QString &name, const QString &title) const
+QStringList LibraryRun::everyCell(const QString &name, const QString &title) const
 {
     QStringList values;
     const QStringList lines = linesOf(m_files.read(name).toStdString());
@@ -44,6 +44,12 @@ QStringList LibraryRun::column(const QString &name, const QString &title) const
     EXPECT_GE(column, 0) << title.toStdString();
     for (const QString &line : lines.mid(1))
         values.append(line.split(QLatin1Char('\t')).value(column));
+    return values;
+}
+
+QStringList LibraryRun::column(const QString &name, const QString &title) const
+{
+    QStringList values = everyCell(name, title);
     values.removeDuplicates();
     return values;
 }

@@ -25,7 +25,10 @@ protected:
     /// The bytes that a run with these arguments and `-o name` makes.
     QByteArray library(const QString &name, const QStringList &arguments) const;
 
-    /// The distinct values of a column of a TSV library, in their order.
+    /// The values of a column of a TSV library, row by row.
+    QStringList everyCell(const QString &name, const QString &title) const;
+
+    /// The distinct ones among them, in their order.
     QStringList column(const QString &name, const QString &title) const;
 
     /// Every file in the folder.

@@ -171,6 +171,124 @@ TEST(SpectrumCommand, OutputFileTakesTheFormatOfItsEnding)
     EXPECT_TRUE(readFile(folder.filePath("out.mgf")).startsWith("BEGIN IONS\nTITLE=LQSRPAAPPAPGPGQLTLR/3\n"));
 }
 
+TEST(SpectrumCommand, ModifiedIonsStandAtTheirTheoreticalMz)
+{
+    const ProgramRun run = runZav(
+        {"spectrum", "AC[Carbamidomethyl]DM[Oxidation]LVEEYK", "2", "--energy", "27", "--annotate", "--no-isotopes"});
+    EXPECT_EQ(run.exitCode, 0) << run.standardError;
+    EXPECT_EQ(run.standardError, "");
+    const QMap<QString, double> found = ions(run.standardOutput);
+    // Sums of the residues' masses of Matrix Science's table, of Unimod's and of water and the proton, to 6 digits.
+    const QMap<QString, double> expected = {{"y1+", 147.112804},       {"y2+", 310.176133},  {"y3+", 439.218726},
+                                            {"y4+", 568.261319},       {"y5+", 667.329733},  {"y6+", 780.413797},
+                                            {"y7+", 927.449197},       {"y8+", 1042.476140}, {"b2+", 232.075039},
+                                            {"y7-CH4OS+", 863.450912}, {"b3+", 347.101982}};
+    int count = 0;
+    for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
+        if (!found.contains(it.key()))
+            continue;
+        ++count;
+        EXPECT_NEAR(found.value(it.key()), it.value(), MZ_TOLERANCE) << it.key().toStdString();
+    }
+    EXPECT_GE(count, 6) << run.standardOutput;
+}
+
+TEST(SpectrumCommand, EnergyChangesTheSpectrumOfAPlainPeptide)
+{
+    const QStringList precursor{"spectrum", PEPTIDE, "3", "--annotate", "--no-isotopes"};
+    const auto low = runZav(precursor + QStringList{"--energy", "22"});
+    const auto high = runZav(precursor + QStringList{"--energy", "38"});
+    EXPECT_EQ(low.exitCode, 0);
+    EXPECT_NE(low.standardOutput, high.standardOutput);
+    EXPECT_NEAR(ions(low.standardOutput).value("y7+"), 784.46756, MZ_TOLERANCE);
+}
+
+TEST(SpectrumCommand, CysteinesAreBlockedOnlyWithoutModifications)
+{
+    const QStringList options{"2", "--energy", "30", "--annotate", "--no-isotopes"};
+    const auto run = [&](const char *peptide) { return runZav(QStringList{"spectrum", peptide} + options); };
+    const ProgramRun plain = run("LECVEPNCR");
+    EXPECT_EQ(plain.standardError, "");
+    EXPECT_EQ(plain.standardOutput, run("LEC[Carbamidomethyl]VEPNC[Carbamidomethyl]R").standardOutput);
+    const ProgramRun free = run("LEC[Carbamidomethyl]VEPNCR");
+    EXPECT_EQ(free.exitCode, 0);
+    EXPECT_EQ(free.standardError, "zav: cysteine without a modification is unknown to the network: m/z are right, "
+                                  "intensities may be wrong\n");
+    // y2: C 103.009185, R 156.101111, water and a proton.
+    EXPECT_NEAR(ions(free.standardOutput).value("y2+", 278.12814), 278.12814, MZ_TOLERANCE);
+}
+
+TEST(SpectrumCommand, ModificationsThatTheNetworkHasNotSeenAreNotedOnce)
+{
+    const ProgramRun run =
+        runZav({"spectrum", "--peptides", "-", "--no-isotopes"}, "[TMT6plex]-PEPTIDER\t2\n[TMT6plex]-SAMPLER\t2\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.standardError, "zav: modification TMT6plex at the N-terminus is unknown to the network: m/z are "
+                                 "right, intensities may be wrong\n");
+}
+
+TEST(SpectrumCommand, ListHoldsModificationsAndEnergies)
+{
+    const QByteArray list = "peptide\tcharge\tenergy\nPEPTIDEK\t2\t\nM[UNIMOD:35]SAMPLER\t2\t27.5\nPEPTIDEK\t2\t35\n";
+    const ProgramRun run = runZav({"spectrum", "--peptides", "-", "--no-isotopes"}, list);
+    EXPECT_EQ(run.exitCode, 0) << run.standardError;
+    EXPECT_EQ(linesOf(run.standardOutput).first().toStdString(), "mz\tintensity\tpeptide\tcharge\tenergy");
+    QStringList order;
+    QByteArray first;
+    for (const QStringList &row : rows(run.standardOutput)) {
+        order.append(row.mid(2).join('/'));
+        if (order.last() == "PEPTIDEK/2/")
+            first += (row[0] + '\t' + row[1] + '\n').toUtf8();
+    }
+    order.removeDuplicates();
+    EXPECT_EQ(order, QStringList({"PEPTIDEK/2/", "M[Oxidation]SAMPLER/2/27.5", "PEPTIDEK/2/35"}));
+    EXPECT_EQ(first.toStdString().insert(0, "mz\tintensity\n"),
+              runZav({"spectrum", "PEPTIDEK", "2", "--no-isotopes"}).standardOutput)
+        << "a plain peptide without energy is predicted as ever";
+}
+
+TEST(SpectrumCommand, ModifiedSpectraHaveIsotopes)
+{
+    const QStringList precursor{"spectrum", "AGS[Phospho]DALVEEYK", "2", "--annotate"};
+    const auto with = ions(runZav(precursor).standardOutput);
+    const auto without = ions(runZav(precursor + QStringList{"--no-isotopes"}).standardOutput);
+    EXPECT_GT(with.size(), without.size());
+    for (auto ion = with.cbegin(); ion != with.cend(); ++ion) {
+        const QString monoisotopic = ion.key().section(' ', 0, 0);
+        EXPECT_TRUE(without.contains(monoisotopic)) << ion.key().toStdString();
+        if (ion.key().endsWith(" i1")) {
+            EXPECT_NEAR(ion.value() - with[monoisotopic], 1.0033548 / monoisotopic.count('+'), 2 * MZ_TOLERANCE);
+        }
+    }
+    EXPECT_FALSE(QStringList(without.keys()).filter("-H3PO4").isEmpty());
+}
+
+TEST(SpectrumCommand, FormatsCarryTheModifications)
+{
+    const QStringList precursor{"spectrum", "[Acetyl]-AC[Carbamidomethyl]DM[Oxidation]K", "2", "--no-isotopes",
+                                "--format"};
+    const QStringList msp = linesOf(runZav(precursor + QStringList{"msp"}).standardOutput);
+    // A 71.037114, C 103.009185, D 115.026943, M 131.040485, K 128.094963,
+    // water 18.010565; 42.010565, 57.021464, 15.994915.
+    EXPECT_EQ(msp[0].toStdString(), "Name: ACDMK/2");
+    EXPECT_EQ(msp[1].toStdString(), "MW: 681.24620");
+    EXPECT_EQ(msp[4].section("Mods=", 1).toStdString(), "3/0,A,Acetyl/1,C,Carbamidomethyl/3,M,Oxidation");
+    const QStringList mgf = linesOf(runZav(precursor + QStringList{"mgf"}).standardOutput);
+    EXPECT_EQ(mgf[2].toStdString(), "PEPMASS=341.63038");
+    const auto json = nlohmann::json::parse(runZav(precursor + QStringList{"json"}).standardOutput);
+    EXPECT_EQ(json["spectra"][0]["peptide"], "[Acetyl]-AC[Carbamidomethyl]DM[Oxidation]K");
+}
+
+TEST(SpectrumCommand, ComparisonKnowsTheModifications)
+{
+    QTemporaryDir folder;
+    const QStringList precursor{"spectrum", "AC[Carbamidomethyl]DM[Oxidation]LVEEYK", "2", "--energy", "27"};
+    const QString mgf = folder.filePath("predicted.mgf");
+    ASSERT_EQ(runZav(precursor + QStringList{"-o", mgf}).exitCode, 0);
+    const ProgramRun same = runZav(precursor + QStringList{"--against", mgf, "-o", folder.filePath("out.tsv")});
+    EXPECT_EQ(same.standardOutput.find("spectral angle 1.000, cosine 1.000"), 0u) << same.standardOutput;
+}
+
 TEST(SpectrumCommand, MeasuredSpectrumIsExplained)
 {
     QTemporaryDir folder;

@@ -31,7 +31,7 @@ protected:
     void SetUp() override
     {
         const QDir shipped(MODELS);
-        for (const QString &file : shipped.entryList({"msms_charge*"}))
+        for (const QString &file : shipped.entryList({"msms_charge*", "peptidoform_spectrum*"}))
             ASSERT_TRUE(QFile::copy(shipped.filePath(file), m_folder.filePath(file)));
     }
 
@@ -65,12 +65,35 @@ INSTANTIATE_TEST_SUITE_P(
                       "PEPTIDEX/2: unknown residue 'X' at position 8; only the 20 standard residues are predicted"},
         Unpredictable{"PEPtIDE", "2",
                       "PEPtIDE/2: lower-case residue 't' at position 4, peptides are written in upper case"},
-        Unpredictable{"PEPTM[16]IDE", "2",
-                      "PEPTM[16]IDE/2: '[' at position 6 is not a residue; modifications are not supported"},
+        Unpredictable{"PEPTM[16]IDE", "2", "PEPTM[16]IDE/2: no modification '16' at character 7"},
+        Unpredictable{"PEPT*IDE", "2",
+                      "PEPT*IDE/2: '*' at position 5 is not a residue; modifications are written as in AM[Oxidation]K"},
         Unpredictable{"PEPTIDE", "0", "PEPTIDE/0: charge 0 is not predicted, only 1 to 5"},
         Unpredictable{"PEPTIDE", "6", "PEPTIDE/6: charge 6 is not predicted, only 1 to 5"},
         Unpredictable{"AAAAAAAAAAAAAAAAAAAAAAAAAAAA", "1",
                       "AAAAAAAAAAAAAAAAAAAAAAAAAAAA/1: the peptide has 28 residues; charge 1 allows at most 27"}));
+
+TEST_F(DamagedModels, MissingNetworkOfPeptidoformsFailsWhatNeedsIt)
+{
+    ASSERT_TRUE(QFile::remove(m_folder.filePath("peptidoform_spectrum.pb")));
+    const QStringList models{"--models", m_folder.path()};
+    expectFailure(QStringList{"spectrum", "AM[Oxidation]K", "2"} + models, 1,
+                  "zav: no network peptidoform_spectrum.pb in " + m_folder.path().toStdString() + "\n");
+    const ProgramRun list = runZav(QStringList{"spectrum", "--peptides", "-", "--no-isotopes"} + models,
+                                   "PEPTIDEK\t2\nAM[Oxidation]K\t2\n");
+    EXPECT_EQ(list.exitCode, 1);
+    EXPECT_GT(linesOf(list.standardOutput).size(), 5);
+    EXPECT_EQ(linesOf(list.standardError).first(), "zav: standard input:2: AM[Oxidation]K/2: no network "
+                                                   "peptidoform_spectrum.pb in " +
+                                                       m_folder.path());
+}
+
+TEST_F(DamagedModels, BrokenNetworkOfPeptidoformsIsNamed)
+{
+    writeFile(m_folder.filePath("peptidoform_spectrum.pb"), "no graph");
+    expectFailure({"spectrum", "AM[Oxidation]K", "2", "--models", m_folder.path()}, 1,
+                  "zav: cannot load peptidoform_spectrum.pb: not a usable network\n");
+}
 
 TEST(SpectrumFailure, EmptyPeptideIsSaid)
 {

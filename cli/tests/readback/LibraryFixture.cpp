@@ -21,12 +21,9 @@ QString text(const Json &value)
     return QString::fromStdString(value.get<std::string>());
 }
 
-QStringList texts(const Json &values)
+QByteArray bytes(const Json &value)
 {
-    QStringList all;
-    for (const Json &value : values)
-        all.append(text(value));
-    return all;
+    return QByteArray::fromStdString(value.get<std::string>());
 }
 
 FragmentPeak peakOf(const Json &json)
@@ -43,16 +40,30 @@ FragmentPeak peakOf(const Json &json)
     return peak;
 }
 
+Peptidoform peptidoformOf(const Json &json)
+{
+    const QString peptide = text(json.at("peptide"));
+    QList<PlacedModification> modifications;
+    for (const Json &placed : json.at("modifications")) {
+        const modifications::Entry *known = modifications::findByAccession(placed.value("unimod", 0));
+        modifications.append(
+            {placed.at("position"), known ? known->modification : modifications::ofMass(placed.at("mass"))});
+    }
+    return Peptidoform(peptide, modifications);
+}
+
 LibraryEntry entryOf(const Json &json)
 {
     LibraryEntry entry;
-    entry.peptide = text(json.at("peptide"));
+    entry.peptidoform = peptidoformOf(json);
+    entry.isVariant = json.at("variant");
     entry.charge = json.at("charge");
     entry.precursorMz = json.at("precursor_mz");
-    entry.cysteineMass = json.at("cysteine_mass");
-    entry.proteins = texts(json.at("proteins"));
-    entry.genes = texts(json.at("genes"));
-    entry.proteinNames = texts(json.at("protein_names"));
+    if (!json.at("retention_time").is_null())
+        entry.retentionTime = json.at("retention_time");
+    entry.timeScale = json.at("time_scale") == "minutes" ? TimeScale::Minutes : TimeScale::Irt;
+    for (const Json &protein : json.at("proteins"))
+        entry.proteins.append({bytes(protein.at(0)), bytes(protein.at(1)), bytes(protein.at(2))});
     entry.isDecoy = json.at("decoy");
     for (const Json &peak : json.at("peaks"))
         entry.peaks.append(peakOf(peak));
@@ -65,10 +76,11 @@ Error writeText(LibraryFileKind kind, const QString &path, const LibraryInfo &in
     OutputFile file(path);
     if (Error error = file.open(); error.hasError())
         return error;
-    QByteArray document = format->opening(info);
+    TextBuffer document;
+    document.add(format->opening(info));
     for (qsizetype i = 0; i < entries.size(); ++i)
-        document += format->entry(entries[i], i);
-    if (Error error = file.write(document + format->closing()); error.hasError())
+        format->addEntry(entries[i], i, &document);
+    if (Error error = file.write(document.take() + format->closing()); error.hasError())
         return error;
     return file.commit();
 }
@@ -88,7 +100,7 @@ Error writeSqlite(LibraryFileKind kind, const QString &path, const LibraryInfo &
 
 Error writeSet(const QString &path, const LibraryInfo &info, const QList<LibraryEntry> &entries)
 {
-    for (const char *ending : {"msp", "tsv", "mgf", "mzSpecLib.txt", "dlib", "blib"}) {
+    for (const char *ending : {"msp", "tsv", "mgf", "mzSpecLib.txt", "dlib", "blib", "pqp"}) {
         const QString file = path + QLatin1Char('.') + QLatin1String(ending);
         const LibraryFileKind kind = libraryFileKindOfPath(file).value();
         const auto write = isSqlite(kind) ? writeSqlite : writeText;

@@ -16,20 +16,23 @@ def openms_library(path):
 
 
 def openms_reads(entries):
-    """OpenMS knows modifications by their names only, and looks for that of a last residue on the C-terminus."""
+    """OpenMS knows modifications by their names only, and looks for that of a last residue on the C-terminus and for
+    that of a first one on the N-terminus."""
     return all(
-        not expected.cysteines(entry)
-        or (entry["cysteine_mass"] in expected.UNIMOD_NAMES and entry["peptide"][-1] != "C")
+        "unimod" in one and one["position"] != len(entry["peptide"]) and (one["position"], one["unimod"]) != (1, 35)
         for entry in entries
+        for one in entry["modifications"]
     )
 
 
 def openms_sequence(entry):
-    name = expected.UNIMOD_NAMES.get(entry["cysteine_mass"], "")
-    sequence = expected.tagged(entry, f"({name})")
-    # The modification of a first residue is taken for that of the N-terminus.
-    first = f"C({name})"
-    return f".({name})C" + sequence[len(first) :] if sequence.startswith(first) else sequence
+    # The modifications of the first and the last residue are taken for those of the termini.
+    names = {
+        expected.residue_of(entry, one): f"({expected.UNIMOD_NAMES[one['unimod']]})" for one in entry["modifications"]
+    }
+    first = "." + names.pop(0) if 0 in names else ""
+    last = "." + names.pop(len(entry["peptide"]) - 1) if len(entry["peptide"]) - 1 in names else ""
+    return first + "".join(residue + names.get(i, "") for i, residue in enumerate(entry["peptide"])) + last
 
 
 def test_openms_reads_every_value(library, entries):
@@ -57,20 +60,36 @@ def comment_fields(comment):
     return dict(field.split("=", 1) for field in comment.split(" "))
 
 
+def written_name(modification):
+    return expected.UNIMOD_NAMES.get(modification.get("unimod"), f"{modification['mass']:+.5f}")
+
+
 def expected_comment(entry):
-    positions = expected.cysteines(entry)
-    name = expected.UNIMOD_NAMES.get(entry["cysteine_mass"], f"{entry['cysteine_mass']:+.5f}")
+    modifications = []
+    for one in entry["modifications"]:
+        place = expected.residue_of(entry, one)
+        modifications.append(f"{place},{entry['peptide'][place]},{written_name(one)}")
     fields = {
         "Parent": f"{entry['precursor_mz']:.5f}",
-        "Mods": "/".join([str(len(positions))] + [f"{i},C,{name}" for i in positions]),
+        "Mods": "/".join([str(len(modifications)), *modifications]),
     }
     if entry["proteins"]:
-        fields["Protein"] = ";".join(entry["proteins"])
+        fields["Protein"] = ";".join(expected.accessions(entry))
     if expected.genes(entry):
         fields["Gene"] = ";".join(expected.genes(entry))
     if entry["decoy"]:
         fields["Remark"] = "DECOY"
     return fields
+
+
+def check_time(entry, fields):
+    """Takes the retention time out of the comment's fields: an iRT, or seconds."""
+    if entry["retention_time"] is None:
+        return
+    if entry["time_scale"] == "irt":
+        assert float(fields.pop("iRT")) == pytest.approx(entry["retention_time"], abs=expected.TIME)
+    else:
+        assert float(fields.pop("RetentionTime")) == pytest.approx(60 * entry["retention_time"], abs=expected.TIME)
 
 
 def test_matchms_reads_every_value(library, entries):
@@ -80,7 +99,9 @@ def test_matchms_reads_every_value(library, entries):
         assert spectrum.get("compound_name") == f"{entry['peptide']}/{entry['charge']}"
         assert int(spectrum.get("charge")) == entry["charge"]
         assert float(spectrum.get("precursor_mz")) == pytest.approx(entry["precursor_mz"], abs=expected.MZ)
-        assert comment_fields(spectrum.get("comment")) == expected_comment(entry)
+        fields = comment_fields(spectrum.get("comment"))
+        check_time(entry, fields)
+        assert fields == expected_comment(entry)
         assert int(spectrum.get("num_peaks")) == len(entry["peaks"]) == len(spectrum.peaks)
         comments = {round(mz, 5): comment for mz, comment in spectrum.get("peak_comments").items()}
         for peak, mz, intensity in zip(entry["peaks"], spectrum.peaks.mz, spectrum.peaks.intensities, strict=True):

@@ -12,11 +12,7 @@ from mzspeclib.validate.level import RequirementLevel
 
 import expected
 
-PROTEIN_TERMS = {
-    "proteins": "MS:1000885|protein accession",
-    "protein_names": "MS:1000886|protein name",
-    "genes": "MS:1000934|gene name",
-}
+PROTEIN_TERMS = ["MS:1000885|protein accession", "MS:1000934|gene name", "MS:1000886|protein name"]
 
 
 @pytest.fixture
@@ -27,9 +23,7 @@ def read(library):
 
 
 def notation(entry):
-    record = expected.UNIMOD_RECORDS.get(entry["cysteine_mass"])
-    tag = f"[UNIMOD:{record}]" if record else f"[{entry['cysteine_mass']:+.6f}]"
-    return f"{expected.tagged(entry, tag)}/{entry['charge']}"
+    return f"{expected.proforma(entry)}/{entry['charge']}"
 
 
 def protein_groups(analyte):
@@ -42,10 +36,26 @@ def protein_groups(analyte):
 
 
 def expected_groups(entry):
-    groups = []
-    for i in range(len(entry["proteins"])):
-        groups.append({term: entry[field][i] for field, term in PROTEIN_TERMS.items() if entry[field][i]})
-    return groups
+    """Each protein has its accession, gene and entry name where they are known."""
+    return [
+        {term: value for term, value in zip(PROTEIN_TERMS, protein, strict=True) if value}
+        for protein in entry["proteins"]
+    ]
+
+
+TIME_TERMS = {"irt": "MS:1000896|normalized retention time", "minutes": "MS:1000897|predicted retention time"}
+
+
+def check_time(entry, spectrum):
+    groups = {one.key: one.group_id for one in spectrum.attributes if one.key in TIME_TERMS.values()}
+    if entry["retention_time"] is None:
+        assert groups == {}
+        return
+    ((term, group),) = groups.items()
+    assert term == TIME_TERMS[entry["time_scale"]]
+    values = {one.key: one.value for one in spectrum.attributes if one.group_id == group}
+    assert values[term] == pytest.approx(entry["retention_time"], abs=expected.TIME)
+    assert values["UO:0000000|unit"] == "UO:0000031|minute"
 
 
 def test_library_says_what_it_is(read, set_name, entries):
@@ -56,22 +66,22 @@ def test_library_says_what_it_is(read, set_name, entries):
 
 def test_every_spectrum_and_analyte(read, entries):
     for number, (entry, spectrum) in enumerate(zip(entries, read.read(), strict=True), start=1):
-        name = f"{'DECOY_' if entry['decoy'] else ''}{entry['peptide']}/{entry['charge']}"
         origin = (
             "MS:1003195|unnatural peptidoform decoy spectrum" if entry["decoy"] else "MS:1003074|predicted spectrum"
         )
-        assert (spectrum.key, spectrum.name) == (number, name)
+        assert (spectrum.key, spectrum.name) == (number, expected.spectrum_name(entry))
         assert spectrum.precursor_mz == pytest.approx(entry["precursor_mz"], abs=expected.MZ)
         assert spectrum.precursor_charge == entry["charge"]
         assert spectrum.get_attribute("MS:1003072|spectrum origin type") == origin
         assert spectrum.get_attribute("MS:1003059|number of peaks") == len(entry["peaks"])
+        check_time(entry, spectrum)
         (analyte,) = spectrum.analytes.values()
         assert analyte.get_attribute("MS:1003270|proforma peptidoform ion notation") == notation(entry)
         assert analyte.get_attribute("MS:1000888|stripped peptide sequence") == entry["peptide"]
         peptide = pyteomics.proforma.ProForma.parse(notation(entry))
         mass = analyte.get_attribute("MS:1001117|theoretical neutral mass")
-        # Unimod's masses have six digits, those of the entries five.
-        assert mass == pytest.approx(peptide.mass, abs=expected.MZ + 1e-5 * len(expected.cysteines(entry)))
+        # Unimod's masses have six digits.
+        assert mass == pytest.approx(peptide.mass, abs=expected.MZ + 1e-6 * len(entry["modifications"]))
         theoretical = analyte.get_attribute("MS:1003053|theoretical monoisotopic m/z")
         assert theoretical == pytest.approx(entry["precursor_mz"], abs=expected.MZ)
         assert protein_groups(analyte) == expected_groups(entry)

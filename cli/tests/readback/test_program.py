@@ -27,7 +27,7 @@ import expected
 FASTA = pathlib.Path(__file__).parent / "proteins.fasta"
 PROTEINS = {"P11111": "FRST", "Q22222": "", "contig_17.orf3": ""}
 CARBAMIDOMETHYL = 57.02146  # Da, what the program adds unless told otherwise
-ENDINGS = ["mzSpecLib.txt", "msp", "tsv", "mgf", "dlib", "blib"]
+ENDINGS = ["mzSpecLib.txt", "msp", "tsv", "mgf", "dlib", "blib", "pqp"]
 CHARGES = (2, 3)
 
 # The networks give nothing weaker, relative to their base peak.
@@ -119,6 +119,16 @@ def read_msp_by_matchms(path):
 def read_tsv(path):
     experiment = pyopenms.TargetedExperiment()
     pyopenms.TransitionTSVFile().convertTSVToTargetedExperiment(str(path), experiment)
+    return entries_of(experiment)
+
+
+def read_pqp(path):
+    experiment = pyopenms.TargetedExperiment()
+    pyopenms.TransitionPQPFile().convertPQPToTargetedExperiment(str(path).encode(), experiment, True)
+    return entries_of(experiment)
+
+
+def entries_of(experiment):
     entries = {}
     keys = {}
     for peptide in experiment.getPeptides():
@@ -289,14 +299,15 @@ def test_formats_agree(folder, main, ending, read):
         compare_peaks(entry.peaks, wanted.peaks)
 
 
-def test_transition_list_agrees_but_for_a_ions(folder, main):
-    entries = read_tsv(folder / "lib.tsv")
+@pytest.mark.parametrize("ending, read", [("tsv", read_tsv), ("pqp", read_pqp)])
+def test_transition_list_agrees_but_for_a_ions(folder, main, ending, read):
+    entries = read(folder / f"lib.{ending}")
     assert entries.keys() == main.keys()
     for key, entry in entries.items():
         wanted = main[key]
         written = [peak for peak in wanted.peaks if peak[2][0] != "a"]
         highest = max(intensity for _, intensity, _ in written)
-        assert (entry.proteins, entry.decoy) == (wanted.proteins, wanted.decoy)
+        assert (sorted(entry.proteins), entry.decoy) == (sorted(wanted.proteins), wanted.decoy)
         assert entry.precursor_mz == pytest.approx(wanted.precursor_mz, abs=2 * expected.MZ)
         by_ion = {ion: (mz, intensity) for mz, intensity, ion in entry.peaks}
         assert by_ion.keys() == {ion for _, _, ion in written}

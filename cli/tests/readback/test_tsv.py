@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The transition list, read by OpenMS, and its columns as DIA-NN's README has them."""
+"""The transition list as text and as PQP, read by OpenMS, and the columns that DIA-NN's README names."""
 
 import csv
 
@@ -11,24 +11,22 @@ import expected
 OPENMS_TYPES = {"b": pyopenms.Residue.ResidueType.BIon, "y": pyopenms.Residue.ResidueType.YIon}
 
 
-def written_peaks(entry):
-    return [peak for peak in entry["peaks"] if peak["isotope"] == 0 and peak["type"] in ("b", "y")]
+def read_tsv(path):
+    experiment = pyopenms.TargetedExperiment()
+    pyopenms.TransitionTSVFile().convertTSVToTargetedExperiment(path, experiment)
+    return experiment
 
 
-def group_id(entry):
-    return f"{'DECOY_' if entry['decoy'] else ''}{entry['peptide']}_{entry['charge']}"
+def read_pqp(path):
+    experiment = pyopenms.TargetedExperiment()
+    pyopenms.TransitionPQPFile().convertPQPToTargetedExperiment(path, experiment, True)
+    return experiment
 
 
-def modified_sequence(entry):
-    record = expected.UNIMOD_RECORDS.get(entry["cysteine_mass"])
-    return expected.tagged(entry, f"(UniMod:{record})" if record else f"[{entry['cysteine_mass']:+.6f}]")
-
-
-@pytest.fixture
-def experiment(library):
-    read = pyopenms.TargetedExperiment()
-    pyopenms.TransitionTSVFile().convertTSVToTargetedExperiment(library("tsv"), read)
-    return read
+@pytest.fixture(params=[("tsv", read_tsv), ("pqp", read_pqp)], ids=["tsv", "pqp"])
+def experiment(library, request):
+    ending, read = request.param
+    return read(library(ending))
 
 
 @pytest.fixture
@@ -39,11 +37,11 @@ def rows(library):
 
 def test_openms_reads_the_value_of_every_transition(experiment, entries):
     transitions = {transition.getNativeID(): transition for transition in experiment.getTransitions()}
-    assert len(transitions) == sum(len(written_peaks(entry)) for entry in entries)
+    assert len(transitions) == sum(len(expected.transitions(entry)) for entry in entries)
     for entry in entries:
-        for peak in written_peaks(entry):
-            read = transitions[f"{group_id(entry)}_{expected.ion(peak)}"]
-            assert read.getPeptideRef() == group_id(entry)
+        for peak in expected.transitions(entry):
+            read = transitions[f"{expected.precursor_name(entry)}_{expected.ion(peak)}"]
+            assert read.getPeptideRef() == expected.precursor_name(entry)
             assert read.getPrecursorMZ() == pytest.approx(entry["precursor_mz"], abs=expected.MZ)
             assert read.getProductMZ() == pytest.approx(peak["mz"], abs=expected.MZ)
             assert read.getLibraryIntensity() == pytest.approx(peak["intensity"], abs=expected.INTENSITY_OF_1)
@@ -55,41 +53,59 @@ def test_openms_reads_the_value_of_every_transition(experiment, entries):
             assert interpretation.ordinal == peak["number"]
 
 
+def openms_location(entry, modification):
+    """OpenMS counts residues from 0; the N-terminus is -1."""
+    return modification["position"] - 1
+
+
 def test_openms_reads_every_peptide(experiment, entries):
     peptides = {peptide.id: peptide for peptide in experiment.getPeptides()}
-    assert len(peptides) == len(entries)
-    for entry in entries:
-        peptide = peptides[group_id(entry)]
+    assert len(peptides) == len(expected.listed(entries))
+    for entry in expected.listed(entries):
+        peptide = peptides[expected.precursor_name(entry)]
         assert peptide.sequence == entry["peptide"]
         assert peptide.getChargeState() == entry["charge"]
-        assert list(peptide.protein_refs) == entry["proteins"]
-        assert [mod.location for mod in peptide.mods] == expected.cysteines(entry)
-        for mod in peptide.mods:
-            assert mod.mono_mass_delta == pytest.approx(expected.exact_cysteine_mass(entry), abs=1e-6)
-        read_genes = peptide.getMetaValue("GeneName") if peptide.metaValueExists("GeneName") else ""
-        assert read_genes == ";".join(expected.genes(entry))
-        assert peptide.getRetentionTime() == 0.0
+        assert sorted(peptide.protein_refs) == sorted(expected.accessions(entry))
+        read = {mod.location: mod.mono_mass_delta for mod in peptide.mods}
+        assert read == {
+            openms_location(entry, one): pytest.approx(expected.exact_mass(one), abs=1e-6)
+            for one in entry["modifications"]
+        }
+        check_genes(entry, peptide)
+        assert peptide.getRetentionTime() == pytest.approx(entry["retention_time"] or 0.0, abs=expected.TIME)
+
+
+def check_genes(entry, peptide):
+    read = peptide.getMetaValue("GeneName") if peptide.metaValueExists("GeneName") else ""
+    assert sorted(read.split(";")) == sorted(expected.genes(entry) or [""])
 
 
 def test_openms_reads_every_protein_once(experiment, entries):
     accessions = [protein.id for protein in experiment.getProteins()]
     assert len(accessions) == len(set(accessions))
-    assert set(accessions) == {accession for entry in entries for accession in entry["proteins"]}
+    assert set(accessions) == {accession for entry in expected.listed(entries) for accession in expected.accessions(entry)}
+
+
+def check_time(entry, written):
+    if entry["retention_time"] is None:
+        assert written == "0"
+    else:
+        assert float(written) == pytest.approx(entry["retention_time"], abs=expected.TIME)
 
 
 def test_columns_of_dia_nn_hold_the_values(rows, entries):
     """DIA-NN itself is not run; its README says which columns it reads."""
-    wanted = [(entry, peak) for entry in entries for peak in written_peaks(entry)]
+    wanted = [(entry, peak) for entry in entries for peak in expected.transitions(entry)]
     assert len(rows) == len(wanted)
     for row, (entry, peak) in zip(rows, wanted, strict=True):
-        assert row["ModifiedPeptideSequence"] == modified_sequence(entry)
+        assert row["ModifiedPeptideSequence"] == expected.openswath(entry)
         assert row["PeptideSequence"] == entry["peptide"]
         assert int(row["PrecursorCharge"]) == entry["charge"]
         assert float(row["PrecursorMz"]) == pytest.approx(entry["precursor_mz"], abs=expected.MZ)
         assert float(row["ProductMz"]) == pytest.approx(peak["mz"], abs=expected.MZ)
         assert float(row["LibraryIntensity"]) == pytest.approx(peak["intensity"], abs=expected.INTENSITY_OF_1)
-        assert row["NormalizedRetentionTime"] == "0"
-        assert row["ProteinId"].split(";") == (entry["proteins"] or [""])
+        check_time(entry, row["NormalizedRetentionTime"])
+        assert row["ProteinId"].split(";") == (expected.accessions(entry) or [""])
         assert row["Genes"].split(";") == (expected.genes(entry) or [""])
         assert row["Decoy"] == ("1" if entry["decoy"] else "0")
         assert int(row["FragmentCharge"]) == peak["charge"]

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "PeptideMasses.h"
 #include "SpectrumWriter.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +14,7 @@ PredictedSpectrum example()
 {
     PredictedSpectrum spectrum;
     spectrum.precursor = {QStringLiteral("ACDEFGHK"), 2};
+    spectrum.peptidoform = withCysteines(spectrum.precursor.peptide, 57.02146);
     spectrum.precursorMz = 482.20308;
     spectrum.cysteineMass = 57.02146;
     spectrum.peaks = {{437.67925, 0.05, u'y', 7, 2, QStringLiteral("-H2O"), 0},
@@ -22,6 +24,15 @@ PredictedSpectrum example()
     unknown.mz = 700.5;
     unknown.intensity = 0.1;
     spectrum.peaks.append(unknown);
+    return spectrum;
+}
+
+// The same with its cysteine oxidised instead, at an energy.
+PredictedSpectrum modifiedExample()
+{
+    PredictedSpectrum spectrum = example();
+    spectrum.precursor = {QStringLiteral("AC[+47.9847]DEFGHK"), 2, 27.5};
+    spectrum.peptidoform = Peptidoform::fromProForma(QStringLiteral("AC[+47.9847]DEFGHK")).value();
     return spectrum;
 }
 
@@ -53,6 +64,19 @@ TEST(TsvWriter, IonNamesAndSeveralSpectraAddColumns)
                                                                  "700.50000\t0.100000\t\tACDEFGHK\t2\n");
 }
 
+TEST(TsvWriter, EnergiesAddAColumnAndModifiedPeptidesStandInProForma)
+{
+    const WriterOptions options{false, true, true};
+    PredictedSpectrum plain = example();
+    plain.peaks = plain.peaks.mid(0, 1);
+    PredictedSpectrum modified = modifiedExample();
+    modified.peaks = plain.peaks;
+    EXPECT_EQ(document(OutputFormat::Tsv, options, {plain, modified}),
+              "mz\tintensity\tpeptide\tcharge\tenergy\n"
+              "437.67925\t0.050000\tACDEFGHK\t2\t\n"
+              "437.67925\t0.050000\tAC[+47.9847]DEFGHK\t2\t27.5\n");
+}
+
 TEST(MspWriter, WritesWhatLibraryReadersExpect)
 {
     EXPECT_EQ(document(OutputFormat::Msp, {}, {example()}), "Name: ACDEFGHK/2\n"
@@ -72,6 +96,7 @@ std::string modifications(const QString &peptide, double cysteineMass)
 {
     PredictedSpectrum spectrum = example();
     spectrum.precursor.peptide = peptide;
+    spectrum.peptidoform = withCysteines(peptide, cysteineMass);
     spectrum.cysteineMass = cysteineMass;
     const QString text = QString::fromStdString(document(OutputFormat::Msp, {}, {spectrum}));
     return text.section(QStringLiteral("Mods="), 1).section(QLatin1Char('\n'), 0, 0).toStdString();
@@ -119,6 +144,15 @@ TEST(JsonWriter, SeveralSpectraAreOneDocument)
     EXPECT_EQ(spectrum["ion"], nlohmann::json({"y7-H2O++", "y5+", "y5+ i1", nullptr}));
 }
 
+TEST(JsonWriter, ModifiedPeptideStandsInProFormaWithItsEnergy)
+{
+    const auto json = nlohmann::json::parse(document(OutputFormat::Json, {}, {modifiedExample()}));
+    const nlohmann::json &spectrum = json["spectra"][0];
+    EXPECT_EQ(spectrum["peptide"], "AC[+47.9847]DEFGHK");
+    EXPECT_EQ(spectrum["collision_energy"], 27.5);
+    EXPECT_FALSE(spectrum.contains("cysteine_mass"));
+}
+
 TEST(JsonWriter, WithoutIonNamesThereIsNoIonField)
 {
     const auto json = nlohmann::json::parse(document(OutputFormat::Json, {}, {example()}));
@@ -143,6 +177,12 @@ TEST(TableWriter, NamesThePrecursorAndDrawsABarForEachPeak)
               "  617.30419     1.0000  y5+            ##############################\n"
               "  618.30754     0.3300  y5+ i1         ##########\n"
               "  700.50000     0.1000                 ###\n");
+}
+
+TEST(TableWriter, NamesModificationsAndEnergy)
+{
+    EXPECT_EQ(QString::fromStdString(document(OutputFormat::Table, {}, {modifiedExample()})).section(u'\n', 0, 0),
+              "AC[+47.9847]DEFGHK  charge 2+  energy 27.5  precursor m/z 482.20308  4 peaks");
 }
 
 } // namespace

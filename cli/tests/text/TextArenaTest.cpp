@@ -24,5 +24,27 @@ TEST(TextArena, KeepsTextsOfAnySizeWhereverItGoes)
     EXPECT_EQ(kept, expected);
 }
 
+TEST(TextArena, MemoryOfAnArenaThatIsGoneIsUsedAgain)
+{
+    const char *place = nullptr;
+    {
+        TextArena gone;
+        place = gone.keep("text").constData();
+    }
+    TextArena arena;
+    const QByteArray kept = arena.keep("other text");
+    EXPECT_EQ(kept.constData(), place);
+    EXPECT_EQ(kept, "other text");
+}
+
+TEST(TextArena, DraftIsEmptyEachTime)
+{
+    TextArena arena;
+    arena.draft()->add("a long draft");
+    const QByteArray kept = arena.keep(arena.draft()->add("short").view());
+    EXPECT_TRUE(arena.draft()->isEmpty());
+    EXPECT_EQ(kept, "short");
+}
+
 } // namespace
 } // namespace zav

@@ -90,5 +90,34 @@ TEST(TextBuffer, GrowsBeyondTheExpectedSizeAndIsEmptyAfterTaking)
     EXPECT_EQ(text.add('z').take(), "z");
 }
 
+TEST(TextBuffer, PieceOfTheTextIsRepeatedWhereTheBufferGrows)
+{
+    TextBuffer text(4);
+    text.add("abcd");
+    for (int i = 0; i < 3; ++i)
+        text.repeat(1, text.size() - 1);
+    EXPECT_EQ(text.view(), "abcdbcdbcdbcdbcdbcdbcdbcd");
+    EXPECT_EQ(text.size(), 25);
+}
+
+TEST(TextBuffer, ClearedBufferIsFilledAnew)
+{
+    TextBuffer text;
+    text.add("abc");
+    text.clear();
+    EXPECT_TRUE(text.isEmpty());
+    EXPECT_EQ(text.add('x').take(), "x");
+}
+
+TEST(TextBuffer, HalvesAreRoundedAwayFromZero)
+{
+    EXPECT_EQ(fixed(0.5, 0), "1");
+    EXPECT_EQ(fixed(-2.5, 0), "-3");
+    EXPECT_EQ(fixed(0.125, 2), "0.13");
+    EXPECT_EQ(fixed(0.49999999999999994, 0), "0");
+    EXPECT_EQ(fixed(100.0, 0), "100");
+    EXPECT_EQ(fixed(1000.001, 3), "1000.001");
+}
+
 } // namespace
 } // namespace zav

@@ -20,7 +20,7 @@ struct FragmentPeak
     QChar ionType;          ///< 'y', 'b' or 'a'
     int ionNumber = 0;      ///< residues in the fragment: the n of y_n
     int charge = 0;         ///< 1 to 3
-    QString neutralLoss;    ///< "-H2O", "-NH3" or empty
+    QString neutralLoss;    ///< "-H2O", "-NH3" or empty; of modifications "-H3PO4", "-2H3PO4", "-CH4OS", "-CO2"
     int isotope = 0;        ///< heavy isotopes in the ion: 0 for the monoisotopic peak, 1 for the next
 };
 

@@ -2,7 +2,6 @@
 """The training loop: AdamW, a cosine learning rate, an average of the weights, checkpoints."""
 
 import json
-import math
 import time
 from collections.abc import Callable
 from dataclasses import asdict, dataclass, field
@@ -15,9 +14,7 @@ from zav_training.msms.batches import Batch, epoch, hide_sources, loss_factors
 from zav_training.msms.loss import spectrum_loss
 from zav_training.msms.network import Network, Shape
 from zav_training.msms.spectra import Spectrum
-
-BETAS = (0.9, 0.99)
-EPSILON = 1e-8
+from zav_training.optimiser import AdamW, cosine_rate
 
 
 @dataclass(frozen=True)
@@ -59,30 +56,18 @@ class Trainer:
         self.network = network
         self.schedule = schedule
         self.steps = steps
-        self._variables = list(network.weights.values())
-        self._first = [tf.Variable(tf.zeros_like(v)) for v in self._variables]
-        self._second = [tf.Variable(tf.zeros_like(v)) for v in self._variables]
-        self._mean = [tf.Variable(v) for v in self._variables]
+        self._optimiser = AdamW(network.weights, schedule.decay, schedule.clip, schedule.average)
 
     def rate_at(self, step: int) -> float:
         """Learning rate of a step, counted from 0."""
-        s = self.schedule
-        done = min(step / self.steps, 1.0)
-        return s.rate * min(1.0, (step + 1) / s.warm_up) * 0.5 * (1.0 + math.cos(math.pi * done))
-
-    def average_rate_at(self, step: int) -> float:
-        """Share of the old average that a step keeps; less at first."""
-        return min(self.schedule.average, (step + 1) / (step + 10))
+        return cosine_rate(self.schedule.rate, step, self.steps, self.schedule.warm_up)
 
     def averaged(self) -> dict[str, np.ndarray]:
         """The moving average of the weights by name."""
-        return {n: m.numpy() for n, m in zip(self.network.weights, self._mean, strict=True)}
+        return self._optimiser.averaged()
 
     def step(self, batch: Batch, index: int) -> float:
         """Learns from a batch; returns its mean loss."""
-        rate, keep = self.rate_at(index), self.average_rate_at(index)
-        corrections = [1.0 - beta ** (index + 1) for beta in BETAS]
-        numbers = np.array([rate, keep, *corrections], dtype=np.float32)
         return self._step(
             batch.residues,
             batch.length,
@@ -92,7 +77,7 @@ class Trainer:
             batch.weight,
             batch.observed,
             batch.mask,
-            numbers,
+            self._optimiser.numbers(index, self.rate_at(index)),
         )
 
     @tf.function(
@@ -115,31 +100,8 @@ class Trainer:
             size = tf.shape(residues)[0]
             flat = [tf.reshape(x, [size, -1]) for x in (logits, observed, mask)]
             loss = tf.reduce_mean(weight * spectrum_loss(*flat, noise))
-        gradients = tape.gradient(loss, self._variables)
-        gradients = [tf.convert_to_tensor(g) for g in gradients]
-        gradients, _ = tf.clip_by_global_norm(gradients, self.schedule.clip)
-        self._apply(gradients, numbers)
+        self._optimiser.apply(tape, loss, numbers)
         return loss
-
-    def _apply(self, gradients: list[tf.Tensor], numbers: tf.Tensor) -> None:
-        rate, keep, first, second = tf.unstack(numbers)
-        state = zip(self._variables, gradients, self._first, self._second, self._mean, strict=True)
-        for v, g, m, s, mean in state:
-            if len(v.shape) > 1:
-                v.assign_sub(v * (rate * self.schedule.decay))
-            tf.raw_ops.ResourceApplyAdam(
-                var=v.handle,
-                m=m.handle,
-                v=s.handle,
-                beta1_power=1.0 - first,
-                beta2_power=1.0 - second,
-                lr=rate,
-                beta1=BETAS[0],
-                beta2=BETAS[1],
-                epsilon=EPSILON,
-                grad=g,
-            )
-            mean.assign(mean * keep + v * (1.0 - keep))
 
 
 def train(

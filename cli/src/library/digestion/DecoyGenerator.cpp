@@ -9,24 +9,12 @@ namespace zav {
 
 namespace {
 
-struct Proposal
+// The payload of a proposed decoy: the attempt that made it, its target.
+QByteArray encode(int attempt, const LibraryPeptide &target)
 {
-    int attempt;
-    LibraryPeptide target;
-};
-
-// The payload of a proposed decoy.
-QByteArray encode(const Proposal &proposal)
-{
-    QByteArray bytes(1, static_cast<char>(proposal.attempt));
-    encodePeptide(proposal.target, &bytes);
+    QByteArray bytes(1, static_cast<char>(attempt));
+    encodePeptide(target, &bytes);
     return bytes;
-}
-
-Proposal decode(QByteArrayView payload)
-{
-    const char *from = payload.data() + 1;
-    return {payload.front(), decodePeptide(&from)};
 }
 
 // The targets in step with the proposals.
@@ -94,7 +82,17 @@ Error DecoyGenerator::propose(const LibraryPeptide &target, int attempt, RecordS
         ++m_counts->decoysTooSimilar;
         return {};
     }
-    return proposals->add({*decoy, encode({attempt, target})});
+    return proposals->add({*decoy, encode(attempt, target)});
+}
+
+LibraryPeptide DecoyGenerator::decoyOf(const LibraryPeptide &target, int attempt, QByteArrayView sequence) const
+{
+    LibraryPeptide decoy = target;
+    decoy.sequence = sequence;
+    decoy.isDecoy = true;
+    for (QByteArray &named : decoy.named)
+        named = m_maker.makeNamed(named, attempt);
+    return decoy;
 }
 
 Error DecoyGenerator::settle(PeptidePages *targets, RecordStream *proposals, PeptidePages *decoys, RecordSorter *again)
@@ -105,9 +103,12 @@ Error DecoyGenerator::settle(PeptidePages *targets, RecordStream *proposals, Pep
         if (Error error = m_hooks.checkForInterrupt(); error.hasError())
             return error;
         const QByteArrayView sequence = proposals->record().key;
-        const Proposal proposal = decode(proposals->record().payload);
-        Error error = lookup.contains(sequence) ? propose(proposal.target, proposal.attempt + 1, again)
-                                                : united.add({sequence, proposal.target.proteins, true});
+        const QByteArrayView payload = proposals->record().payload;
+        const int attempt = payload.front();
+        const char *from = payload.data() + 1;
+        const LibraryPeptide target = decodePeptide(&from);
+        Error error = lookup.contains(sequence) ? propose(target, attempt + 1, again)
+                                                : united.add(decoyOf(target, attempt, sequence));
         if (error.hasError())
             return error;
     }

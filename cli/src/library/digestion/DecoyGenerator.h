@@ -26,6 +26,7 @@ public:
     Result<std::vector<PeptidePages>> generate(PeptidePages *targets);
 
 private:
+    LibraryPeptide decoyOf(const LibraryPeptide &target, int attempt, QByteArrayView sequence) const;
     Error proposeForAll(PeptidePages *targets, RecordSorter *proposals);
     Error propose(const LibraryPeptide &target, int attempt, RecordSorter *proposals);
     Error settle(PeptidePages *targets, RecordStream *proposals, PeptidePages *decoys, RecordSorter *again);

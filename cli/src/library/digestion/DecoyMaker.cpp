@@ -3,7 +3,10 @@
 
 #include "SplitMix64.h"
 
+#include <zav/Peptidoform.h>
+
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace zav {
@@ -28,10 +31,11 @@ SplitMix64 generatorOf(quint64 seed, int attempt, QByteArrayView target)
 }
 
 // The algorithm of Fisher and Yates, from the last place down; the standard library's differs between platforms.
-void shuffle(char *letters, qsizetype count, SplitMix64 *generator)
+template <typename T>
+void shuffle(T *items, qsizetype count, SplitMix64 *generator)
 {
     for (qsizetype i = count - 1; i > 0; --i)
-        std::swap(letters[i], letters[generator->below(static_cast<quint64>(i) + 1)]);
+        std::swap(items[i], items[generator->below(static_cast<quint64>(i) + 1)]);
 }
 
 bool isTooSimilar(QByteArrayView decoy, QByteArrayView target)
@@ -47,17 +51,43 @@ bool isTooSimilar(QByteArrayView decoy, QByteArrayView target)
 QByteArray DecoyMaker::make(QByteArrayView target, int attempt) const
 {
     QByteArray decoy = target.toByteArray();
-    if (decoy.size() < 2)
-        return decoy;
-    char *movable = decoy.data() + (m_fixedEnd == FirstResidue ? 1 : 0);
-    const qsizetype count = decoy.size() - 1;
+    rearrange(decoy.data(), target, attempt);
+    return decoy;
+}
+
+/// Puts as many things as the target has residues in the decoy's order.
+template <typename T>
+void DecoyMaker::rearrange(T *items, QByteArrayView target, int attempt) const
+{
+    if (target.size() < 2)
+        return;
+    T *movable = items + (m_fixedEnd == FirstResidue ? 1 : 0);
+    const qsizetype count = target.size() - 1;
     if (m_options.kind == DecoyKind::Shuffled) {
         SplitMix64 generator = generatorOf(m_options.seed, attempt, target);
         shuffle(movable, count, &generator);
     } else {
         std::reverse(movable, movable + count);
     }
-    return decoy;
+}
+
+QByteArray DecoyMaker::makeNamed(const QByteArray &target, int attempt) const
+{
+    const Result<Peptidoform> peptidoform = Peptidoform::fromProForma(QString::fromLatin1(target));
+    if (peptidoform.hasError())
+        return {}; // the list's reader lets none through
+    const QByteArray sequence = peptidoform.value().sequence().toLatin1();
+    QList<int> positions(sequence.size()); // of the target's residues, in the decoy's order
+    std::iota(positions.begin(), positions.end(), 1);
+    rearrange(positions.data(), sequence, attempt);
+
+    QList<PlacedModification> placed = peptidoform.value().modifications();
+    for (PlacedModification &modification : placed) {
+        const qsizetype moved = positions.indexOf(modification.position);
+        if (moved >= 0) // a terminus stays
+            modification.position = static_cast<int>(moved) + 1;
+    }
+    return Peptidoform(QString::fromLatin1(make(sequence, attempt)), placed).toProForma().toLatin1();
 }
 
 std::optional<QByteArray> DecoyMaker::makeAcceptable(QByteArrayView target, int *attempt) const

@@ -48,7 +48,13 @@ public:
     /// reversed one never is.
     std::optional<QByteArray> makeAcceptable(QByteArrayView target, int *attempt) const;
 
+    /// The decoy of a peptidoform in ProForma, whose modifications go with their residues and termini.
+    QByteArray makeNamed(const QByteArray &target, int attempt) const;
+
 private:
+    template <typename T>
+    void rearrange(T *items, QByteArrayView target, int attempt) const;
+
     DecoyOptions m_options;
     FixedEnd m_fixedEnd;
 };

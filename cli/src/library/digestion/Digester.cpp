@@ -48,7 +48,7 @@ Error Digester::visitFrom(QByteArrayView protein, int begin, qsizetype nextBound
             break;
         if (length < m_options.minimumLength)
             continue;
-        if (Error error = visit(protein.sliced(begin, length)); error.hasError())
+        if (Error error = visit(protein.sliced(begin, length), endsOf(protein, begin, length)); error.hasError())
             return error;
     }
     return {};
@@ -75,7 +75,8 @@ Error Digester::visitEveryEnd(QByteArrayView protein, int begin, qsizetype nextB
         const bool endsAtSite = m_boundaries[nextBoundary] == end;
         const bool isPeptide = beginsAtSite || endsAtSite || m_enzyme.isUnspecific();
         if (isPeptide && end - begin >= m_options.minimumLength) {
-            if (Error error = visit(protein.sliced(begin, end - begin)); error.hasError())
+            const int length = end - begin;
+            if (Error error = visit(protein.sliced(begin, length), endsOf(protein, begin, length)); error.hasError())
                 return error;
         }
         if (endsAtSite && end < last) {
@@ -84,6 +85,11 @@ Error Digester::visitEveryEnd(QByteArrayView protein, int begin, qsizetype nextB
         }
     }
     return {};
+}
+
+ProteinEnds Digester::endsOf(QByteArrayView protein, int begin, int length) const
+{
+    return {begin == 0 || (begin == 1 && losesMethionine(protein)), begin + length == protein.size()};
 }
 
 bool Digester::losesMethionine(QByteArrayView protein) const

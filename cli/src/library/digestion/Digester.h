@@ -3,6 +3,7 @@
 
 #include "Digestion.h"
 #include "Enzyme.h"
+#include "ModificationRule.h"
 
 #include <zav/Result.h>
 
@@ -17,11 +18,11 @@ public:
     /// `InvalidInput` for options out of their ranges.
     static Result<Digester> create(const DigestionOptions &options);
 
-    using Visitor = std::function<Error(QByteArrayView peptide)>;
+    using Visitor = std::function<Error(QByteArrayView peptide, ProteinEnds ends)>;
 
     /// Shows every peptide of an upper-case sequence to `visit`, in the order of their beginnings, then of their ends;
-    /// one that the protein contains at several places comes as often. Its residues are not checked. Stops with an
-    /// error of `visit` and returns it.
+    /// one that the protein contains at several places comes as often, each time with the ends of the protein at which
+    /// it stands there. Its residues are not checked. Stops with an error of `visit` and returns it.
     Error digest(QByteArrayView protein, const Visitor &visit);
 
     const Enzyme &enzyme() const { return m_enzyme; }
@@ -34,6 +35,7 @@ private:
     Error visitFrom(QByteArrayView protein, int begin, qsizetype nextBoundary, const Visitor &visit) const;
     Error digestAnywhere(QByteArrayView protein, const Visitor &visit) const;
     Error visitEveryEnd(QByteArrayView protein, int begin, qsizetype nextBoundary, const Visitor &visit) const;
+    ProteinEnds endsOf(QByteArrayView protein, int begin, int length) const;
     bool losesMethionine(QByteArrayView protein) const;
 
     DigestionOptions m_options;

@@ -52,6 +52,7 @@ struct DigestionCounts
     qint64 repeatedAccessions = 0; ///< proteins whose accession had come before: theirs count as one
     qint64 emptyProteins = 0;      ///< without a residue
     qint64 skipped = 0;            ///< peptides with residues outside the 20, at each of their places
+    qint64 unreadable = 0;         ///< rows of a list whose modifications cannot be read
     qint64 targets = 0;
     qint64 decoys = 0;
 

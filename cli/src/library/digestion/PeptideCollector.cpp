@@ -5,6 +5,7 @@
 #include "PeptideMerge.h"
 #include "PrintableText.h"
 
+#include <QtCore/QVarLengthArray>
 #include <QtCore/QtEndian>
 
 #include <algorithm>
@@ -26,6 +27,39 @@ constexpr auto makeStandardTable()
 
 constexpr std::array<bool, 256> IS_STANDARD = makeStandardTable();
 
+// The payload of a place: what of it is there, the protein, what a list names.
+enum Flag : char { HasProtein = 1, AtStart = 2, AtEnd = 4 };
+
+QVarLengthArray<char, 64> encode(const PeptidePlace &place)
+{
+    const int flags =
+        (place.protein ? HasProtein : 0) | (place.ends.start ? AtStart : 0) | (place.ends.end ? AtEnd : 0);
+    QVarLengthArray<char, 64> bytes(1, static_cast<char>(flags));
+    if (place.protein) {
+        char index[sizeof(qint32)];
+        qToBigEndian<qint32>(*place.protein, index);
+        bytes.append(index, sizeof index);
+    }
+    bytes.append(place.named.constData(), place.named.size());
+    return bytes;
+}
+
+LibraryPeptide decode(const Record &place)
+{
+    LibraryPeptide peptide{place.key, {}, false};
+    const char flags = place.payload.front();
+    qsizetype read = 1;
+    if ((flags & HasProtein) != 0) {
+        peptide.proteins.append(qFromBigEndian<qint32>(place.payload.data() + read));
+        read += sizeof(qint32);
+    }
+    peptide.ends = {(flags & AtStart) != 0, (flags & AtEnd) != 0};
+    peptide.isPlain = read == place.payload.size();
+    if (!peptide.isPlain)
+        peptide.named.append(place.payload.sliced(read).toByteArray());
+    return peptide;
+}
+
 } // namespace
 
 qsizetype firstNonstandardResidue(QByteArrayView sequence)
@@ -40,26 +74,33 @@ PeptideCollector::PeptideCollector(const PeptideRequest &request, DecoyMaker::Fi
     : m_request(request), m_maker(request.decoys, fixedEnd), m_hooks(hooks), m_sorter(request.space)
 {}
 
-Error PeptideCollector::add(QByteArrayView peptide, std::optional<int> protein)
+Error PeptideCollector::add(QByteArrayView peptide, const PeptidePlace &place)
 {
     if (Error error = m_hooks.checkForInterrupt(); error.hasError())
         return error;
-    if (const qsizetype place = firstNonstandardResidue(peptide); place >= 0)
-        return skip(peptide, protein,
+    if (const qsizetype index = firstNonstandardResidue(peptide); index >= 0)
+        return skip(peptide, place.protein,
                     QStringLiteral("residue %1 at position %2")
-                        .arg(displayText(QString::fromLatin1(peptide.sliced(place, 1))))
-                        .arg(place + 1));
-    if (!protein)
-        return m_sorter.add({peptide, {}});
-    // Big-endian, so that the order of the bytes is that of the numbers.
-    char payload[sizeof(qint32)];
-    qToBigEndian<qint32>(*protein, payload);
-    return m_sorter.add({peptide, {payload, sizeof payload}});
+                        .arg(displayText(QString::fromLatin1(peptide.sliced(index, 1))))
+                        .arg(index + 1));
+    const auto payload = encode(place);
+    return m_sorter.add({peptide, {payload.data(), payload.size()}});
 }
 
 Error PeptideCollector::skip(QByteArrayView peptide, std::optional<int> protein, const QString &reason)
 {
     ++m_counts.skipped;
+    return tell(peptide, protein, reason);
+}
+
+Error PeptideCollector::skipUnreadable(QByteArrayView text, std::optional<int> protein, const QString &reason)
+{
+    ++m_counts.unreadable;
+    return tell(text, protein, reason);
+}
+
+Error PeptideCollector::tell(QByteArrayView peptide, std::optional<int> protein, const QString &reason)
+{
     if (!m_hooks.skipped)
         return {};
     return m_hooks.skipped(
@@ -93,11 +134,7 @@ Result<PeptidePages> PeptideCollector::distinctTargets()
     while (places.next()) {
         if (Error error = m_hooks.checkForInterrupt(); error.hasError())
             return error;
-        const Record place = places.record();
-        LibraryPeptide peptide{place.key, {}, false};
-        if (!place.payload.isEmpty())
-            peptide.proteins.append(qFromBigEndian<qint32>(place.payload.data()));
-        if (Error error = united.add(peptide); error.hasError())
+        if (Error error = united.add(decode(places.record())); error.hasError())
             return error;
     }
     if (places.error().hasError())

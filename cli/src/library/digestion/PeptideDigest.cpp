@@ -6,6 +6,8 @@
 #include "PeptideCollector.h"
 #include "PeptideTableReader.h"
 
+#include <zav/Peptidoform.h>
+
 namespace zav {
 
 namespace {
@@ -28,16 +30,28 @@ Error addProtein(const FastaReader &fasta, Digester *digester, PeptideCollector 
     ++counts.proteins;
     counts.repeatedAccessions += place.isNew ? 0 : 1;
     counts.emptyProteins += fasta.sequence().isEmpty() ? 1 : 0;
-    return digester->digest(fasta.sequence(),
-                            [&](QByteArrayView peptide) { return collector->add(peptide, place.index); });
+    return digester->digest(fasta.sequence(), [&](QByteArrayView peptide, ProteinEnds ends) {
+        return collector->add(peptide, {place.index, ends, {}});
+    });
 }
 
-Error addPeptide(QByteArrayView peptide, std::optional<int> protein, const DigestionOptions &options,
+/// `text` is a row's: residues, or ProForma, which has brackets.
+Error addPeptide(const QByteArray &text, std::optional<int> protein, const DigestionOptions &options,
                  PeptideCollector *collector)
 {
+    QByteArray peptide = text;
+    QByteArray named;
+    if (text.contains('[')) {
+        const Result<Peptidoform> peptidoform = Peptidoform::fromProForma(QString::fromUtf8(text));
+        if (peptidoform.hasError())
+            return collector->skipUnreadable(text, protein, peptidoform.error().message());
+        peptide = peptidoform.value().sequence().toLatin1();
+        if (!peptidoform.value().modifications().isEmpty())
+            named = peptidoform.value().toProForma().toLatin1();
+    }
     if (peptide.size() >= options.minimumLength && peptide.size() <= options.maximumLength)
-        return collector->add(peptide, protein);
-    return collector->skip(peptide, protein,
+        return collector->add(peptide, {protein, {}, named});
+    return collector->skip(text, protein,
                            QStringLiteral("%1 residues, not %2 to %3")
                                .arg(peptide.size())
                                .arg(options.minimumLength)

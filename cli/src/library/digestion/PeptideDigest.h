@@ -39,8 +39,10 @@ Result<DigestedPeptides> digestFasta(const QString &path, const PeptideRequest &
                                      const DigestionHooks &hooks = {});
 
 /// The same for the peptides of a list (`PeptideTableReader`), which are not cut: of the digestion options only the
-/// range of lengths counts, and the enzyme for the decoys. Peptides outside that range are skipped and told to
-/// `hooks.skipped` too. `counts.proteins` counts the distinct ones.
+/// range of lengths counts, and the enzyme for the decoys. Peptides with modifications in ProForma are named
+/// peptidoforms of their sequence; a decoy's modifications go with the residues. Which ends of a protein a listed
+/// peptide stands at is not known. Texts with brackets that are no ProForma are left out and told to `hooks.skipped`.
+/// Peptides outside that range are skipped and told to `hooks.skipped` too. `counts.proteins` counts the distinct ones.
 Result<DigestedPeptides> readPeptideTable(const QString &path, const PeptideRequest &request,
                                           const DigestionHooks &hooks = {});
 

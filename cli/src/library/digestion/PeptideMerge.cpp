@@ -49,12 +49,22 @@ private:
     Error m_error;
 };
 
+template <typename T>
+void sortOnce(QList<T> *list)
+{
+    std::sort(list->begin(), list->end());
+    list->erase(std::unique(list->begin(), list->end()), list->end());
+}
+
 } // namespace
 
 Error PeptideUniter::add(const LibraryPeptide &peptide)
 {
     if (m_holdsPeptide && peptide.sequence == m_sequence) {
         m_peptide.proteins.append(peptide.proteins);
+        m_peptide.named.append(peptide.named);
+        m_peptide.ends |= peptide.ends;
+        m_peptide.isPlain = m_peptide.isPlain || peptide.isPlain;
         ++m_unitedCount;
         return {};
     }
@@ -78,9 +88,8 @@ Error PeptideUniter::flush()
 {
     if (!std::exchange(m_holdsPeptide, false))
         return {};
-    QList<int> &proteins = m_peptide.proteins;
-    std::sort(proteins.begin(), proteins.end());
-    proteins.erase(std::unique(proteins.begin(), proteins.end()), proteins.end());
+    sortOnce(&m_peptide.proteins);
+    sortOnce(&m_peptide.named);
     m_peptide.sequence = m_sequence;
     return m_pages->append(m_peptide);
 }

@@ -9,7 +9,7 @@
 namespace zav {
 
 /// Turns peptides in order, in which a sequence may come several times in a row, into distinct ones with the proteins
-/// of all.
+/// of all, their ends and their named peptidoforms.
 class PeptideUniter
 {
 public:

@@ -23,29 +23,66 @@ T take(const char **from)
     return value;
 }
 
+// Bits of a peptide's second number.
+enum Flag : quint8 { IsDecoy = 1, AtStart = 2, AtEnd = 4, IsPlain = 8, HasNamed = 16 };
+
+quint8 flagsOf(const LibraryPeptide &peptide)
+{
+    return static_cast<quint8>((peptide.isDecoy ? IsDecoy : 0) | (peptide.ends.start ? AtStart : 0) |
+                               (peptide.ends.end ? AtEnd : 0) | (peptide.isPlain ? IsPlain : 0) |
+                               (peptide.named.isEmpty() ? 0 : HasNamed));
+}
+
+void putTexts(QByteArray *bytes, const QList<QByteArray> &texts)
+{
+    put(bytes, static_cast<quint32>(texts.size()));
+    for (const QByteArray &text : texts) {
+        put(bytes, static_cast<quint32>(text.size()));
+        bytes->append(text);
+    }
+}
+
+QList<QByteArray> takeTexts(const char **from)
+{
+    QList<QByteArray> texts(take<quint32>(from));
+    for (QByteArray &text : texts) {
+        const auto length = static_cast<qsizetype>(take<quint32>(from));
+        text = QByteArray(*from, length);
+        *from += length;
+    }
+    return texts;
+}
+
 } // namespace
 
 void encodePeptide(const LibraryPeptide &peptide, QByteArray *bytes)
 {
     put(bytes, static_cast<quint16>(peptide.sequence.size()));
-    put(bytes, static_cast<quint8>(peptide.isDecoy));
+    put(bytes, flagsOf(peptide));
     put(bytes, static_cast<quint32>(peptide.proteins.size()));
     bytes->append(peptide.sequence);
     for (const int protein : peptide.proteins)
         put(bytes, protein);
+    if (!peptide.named.isEmpty())
+        putTexts(bytes, peptide.named);
 }
 
 LibraryPeptide decodePeptide(const char **from)
 {
     LibraryPeptide peptide;
     const qsizetype length = take<quint16>(from);
-    peptide.isDecoy = take<quint8>(from) != 0;
+    const auto flags = take<quint8>(from);
+    peptide.isDecoy = (flags & IsDecoy) != 0;
+    peptide.ends = {(flags & AtStart) != 0, (flags & AtEnd) != 0};
+    peptide.isPlain = (flags & IsPlain) != 0;
     const auto proteinCount = static_cast<qsizetype>(take<quint32>(from));
     peptide.sequence = QByteArrayView(*from, length);
     *from += length;
     peptide.proteins.reserve(proteinCount);
     for (qsizetype i = 0; i < proteinCount; ++i)
         peptide.proteins.append(take<int>(from));
+    if ((flags & HasNamed) != 0)
+        peptide.named = takeTexts(from);
     return peptide;
 }
 

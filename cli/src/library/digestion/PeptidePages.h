@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "ModificationRule.h"
 #include "SortingSpace.h"
 
 #include <zav/Result.h>
@@ -19,10 +20,18 @@ struct LibraryPeptide
     QByteArrayView sequence; ///< upper-case one-letter code; valid as long as the block that it was read into
     QList<int> proteins;     ///< indices in the `ProteinTable`, ascending, each once; of a decoy: its targets'
     bool isDecoy = false;
+    ProteinEnds ends{}; ///< of a decoy: its targets'
+
+    /// Whether it is meant with the modifications of the library's rules, as every peptide of a protein is. A list may
+    /// name a peptide with modifications only.
+    bool isPlain = true;
+
+    /// The peptidoforms that a list names, in ProForma, in the order of their bytes, each once.
+    QList<QByteArray> named{};
 };
 
-/// Appends a peptide as bytes: lengths, sequence, indices of the proteins. 7 bytes beside the sequence and 4 a protein,
-/// in the byte order of this machine: they are not meant to leave it.
+/// Appends a peptide as bytes: lengths, sequence, indices of the proteins, what a list names. 7 bytes beside the
+/// sequence and 4 a protein, in the byte order of this machine: they are not meant to leave it.
 void encodePeptide(const LibraryPeptide &peptide, QByteArray *bytes);
 
 /// The peptide that begins at `*from`, which moves behind it. The sequence is a view into the bytes.
@@ -51,8 +60,9 @@ private:
     QList<LibraryPeptide> m_peptides;
 };
 
-/// Ordered peptides in pages of 256, in memory or in a temporary file. A peptide needs its sequence, 7 bytes and 4 for
-/// each protein; on disk memory holds the page being written and 8 bytes for every other.
+/// Ordered peptides in pages of 256, in memory or in a temporary file. A peptide needs its sequence, 7 bytes, 4 for
+/// each protein, and the texts that a list names; on disk memory holds the page being written and 8 bytes for every
+/// other.
 class PeptidePages
 {
 public:

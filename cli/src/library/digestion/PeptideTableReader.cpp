@@ -32,6 +32,24 @@ QString firstWord(const QString &line)
     return line.trimmed().section(QLatin1Char('\t'), 0, 0).section(QLatin1Char(' '), 0, 0);
 }
 
+/// The names and masses in the brackets of ProForma stay as they are.
+QByteArray withResiduesInUpperCase(const QByteArray &text)
+{
+    if (!text.contains('['))
+        return text.toUpper();
+    QByteArray upper = text;
+    bool isInSquare = false;
+    bool isInAngle = false;
+    for (char &character : upper) {
+        isInSquare = character == '[' || (isInSquare && character != ']');
+        if (!isInSquare)
+            isInAngle = character == '<' || (isInAngle && character != '>');
+        if (!isInSquare && !isInAngle && character >= 'a' && character <= 'z')
+            character = static_cast<char>(character - 'a' + 'A');
+    }
+    return upper;
+}
+
 } // namespace
 
 Error PeptideTableReader::open()
@@ -71,10 +89,10 @@ bool PeptideTableReader::readHeader(QByteArrayView line)
 bool PeptideTableReader::readRow(QByteArrayView line)
 {
     if (!m_isTable) {
-        m_peptide = firstWord(QString::fromUtf8(line)).toUtf8().toUpper();
+        m_peptide = withResiduesInUpperCase(firstWord(QString::fromUtf8(line)).toUtf8());
         return true;
     }
-    m_peptide = m_heading.text(line, m_peptideColumn).toUtf8().toUpper();
+    m_peptide = withResiduesInUpperCase(m_heading.text(line, m_peptideColumn).toUtf8());
     return readProteins(m_heading.text(line, PROTEIN), m_heading.text(line, GENE));
 }
 

@@ -9,10 +9,10 @@
 
 namespace zav {
 
-/// Reads a list of peptides for a library, plain or gzipped: one a line, or a table with tabs whose first
-/// line names its columns, in any case: `peptide` (or `sequence`), and where they are there `protein` and `gene`.
-/// Without such a line the peptide is what stands before the first tab or blank, and the rest of the line is ignored.
-/// A first line `PEPTIDE` in capitals is a peptide, unless it names `protein`, `gene` or `charge` as well.
+/// Reads a list of peptides for a library, plain or gzipped: one a line, as residues or in ProForma, or a table with
+/// tabs whose first line names its columns, in any case: `peptide` (or `sequence`), and where they are there `protein`
+/// and `gene`. Without such a line the peptide is what stands before the first tab or blank, and the rest of the line
+/// is ignored. A first line `PEPTIDE` in capitals is a peptide, unless it names `protein`, `gene` or `charge` as well.
 ///
 /// Other columns are ignored, `charge` too: a library holds every peptide at each charge that is asked for. Several
 /// proteins are parted by ';' and may be UniProt identifiers (`sp|P02768|ALBU_HUMAN`); genes belong to them in their
@@ -30,7 +30,9 @@ public:
     /// whose genes cannot be told to its proteins, a header without a peptide column, a file that cannot be read.
     bool next();
 
-    QByteArray peptide() const { return m_peptide; }              ///< in upper case, whatever it consists of
+    /// Whatever it consists of, in upper case outside the brackets of ProForma.
+    QByteArray peptide() const { return m_peptide; }
+
     const QList<Protein> &proteins() const { return m_proteins; } ///< in the order of the row
     Error error() const { return m_error; } ///< why `next` stopped; no error at the end of the file
     double fractionRead() const { return m_lines->fractionRead(); }

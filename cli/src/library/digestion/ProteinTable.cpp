@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ProteinTable.h"
 
+#include <utility>
+
 namespace zav {
 
 namespace {
@@ -15,9 +17,13 @@ QByteArray withoutControls(const QString &text)
     return bytes;
 }
 
-QString decoyText(const QString &text)
+// The cell up to `separator`, behind which `*from` moves.
+QByteArray takeCell(const QByteArray &text, qint64 *from, char separator, bool ofDecoy)
 {
-    return text.isEmpty() ? text : QStringLiteral("DECOY_") + text;
+    const qint64 end = text.indexOf(separator, *from);
+    const char *begin = text.constData() + std::exchange(*from, end + 1);
+    const QByteArray cell = QByteArray::fromRawData(begin, text.constData() + end - begin);
+    return ofDecoy && !cell.isEmpty() ? "DECOY_" + cell : cell;
 }
 
 } // namespace
@@ -41,12 +47,18 @@ ProteinTable::Place ProteinTable::add(const Protein &protein)
 
 Protein ProteinTable::protein(int index, bool ofDecoy) const
 {
-    const qint64 begin = m_rows[index];
-    const QString row = QString::fromUtf8(m_text.mid(begin, m_text.indexOf('\n', begin) - begin));
-    const QStringList cells = row.split(QLatin1Char('\t'));
-    if (ofDecoy)
-        return {decoyText(cells[0]), decoyText(cells[1]), decoyText(cells[2])};
-    return {cells[0], cells[1], cells[2]};
+    const ProteinNames names = this->names(index, ofDecoy);
+    return {QString::fromUtf8(names.accession), QString::fromUtf8(names.name), QString::fromUtf8(names.gene)};
+}
+
+ProteinNames ProteinTable::names(int index, bool ofDecoy) const
+{
+    qint64 from = m_rows[index];
+    ProteinNames names;
+    names.accession = takeCell(m_text, &from, '\t', ofDecoy);
+    names.name = takeCell(m_text, &from, '\t', ofDecoy);
+    names.gene = takeCell(m_text, &from, '\n', ofDecoy);
+    return names;
 }
 
 int ProteinTable::find(const QByteArray &accession) const

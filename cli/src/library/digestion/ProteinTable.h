@@ -18,6 +18,14 @@ struct Protein
     bool operator==(const Protein &) const = default;
 };
 
+/// The same in UTF-8, as a table stores it.
+struct ProteinNames
+{
+    QByteArray accession;
+    QByteArray name;
+    QByteArray gene;
+};
+
 /// Every protein once, by accession, with indices in the order of their first appearance. Needs about the length of
 /// the three texts and 50 bytes a protein. Adding is for one thread, reading for any number.
 class ProteinTable
@@ -38,6 +46,9 @@ public:
     /// `index` within 0 to `count()` - 1. As a decoy's protein, accession, name and gene begin with `DECOY_` (empty
     /// ones stay empty): a decoy does not count for a gene, nor for a protein, of its targets.
     Protein protein(int index, bool ofDecoy = false) const;
+
+    /// The same without a copy: valid as long as the table, until the next `add`.
+    ProteinNames names(int index, bool ofDecoy = false) const;
 
 private:
     int find(const QByteArray &accession) const;

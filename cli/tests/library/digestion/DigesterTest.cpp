@@ -11,7 +11,7 @@ QStringList digest(const DigestionOptions &options, const QByteArray &protein)
 {
     QStringList peptides;
     Digester digester = Digester::create(options).value();
-    const Error error = digester.digest(protein, [&](QByteArrayView peptide) {
+    const Error error = digester.digest(protein, [&](QByteArrayView peptide, ProteinEnds) {
         peptides.append(QString::fromLatin1(peptide));
         return Error();
     });
@@ -128,6 +128,40 @@ TEST(Digester, MethionineThatTheEnzymeCutsOffComesOnce)
     EXPECT_EQ(shown(options, "MAMC"), "M AM C");
 }
 
+/// The peptides with `>` before those at the start of the protein and `<` behind those at its end.
+std::string withEnds(const DigestionOptions &options, const QByteArray &protein)
+{
+    QStringList peptides;
+    Digester digester = Digester::create(options).value();
+    const Error error = digester.digest(protein, [&](QByteArrayView peptide, ProteinEnds ends) {
+        peptides.append(QLatin1String(ends.start ? ">" : "") + QString::fromLatin1(peptide) +
+                        QLatin1String(ends.end ? "<" : ""));
+        return Error();
+    });
+    EXPECT_FALSE(error.hasError());
+    return peptides.join(QLatin1Char(' ')).toStdString();
+}
+
+TEST(Digester, EndsOfTheProteinAreTold)
+{
+    EXPECT_EQ(withEnds(tryptic(1), "AAKCCRDD"), ">AAK >AAKCCR CCR CCRDD< DD<");
+    EXPECT_EQ(withEnds(tryptic(0), "AAA"), ">AAA<");
+    EXPECT_EQ(withEnds(tryptic(0), "AKAK"), ">AK AK<");
+}
+
+TEST(Digester, PlaceBehindARemovedMethionineIsAStart)
+{
+    DigestionOptions options = tryptic(0);
+    EXPECT_EQ(withEnds(options, "MAKCC"), ">MAK CC<");
+    options.removesMethionine = true;
+    EXPECT_EQ(withEnds(options, "MAKCC"), ">MAK >AK CC<");
+    EXPECT_EQ(withEnds(options, "AMKCC"), ">AMK CC<");
+    options.enzyme = QStringLiteral("unspecific");
+    EXPECT_EQ(withEnds(options, "MAK"), ">M >MA >MAK< >A >AK< K<");
+    options.removesMethionine = false;
+    EXPECT_EQ(withEnds(options, "MAK"), ">M >MA >MAK< A AK< K<");
+}
+
 TEST(Digester, EmptyProteinHasNoPeptides)
 {
     EXPECT_EQ(shown(tryptic(2), ""), "");
@@ -137,8 +171,9 @@ TEST(Digester, StopsWithTheVisitorsError)
 {
     Digester digester = Digester::create(tryptic(0)).value();
     int visits = 0;
-    const Error error = digester.digest(
-        "AKCKDK", [&](QByteArrayView) { return ++visits == 2 ? Error(Failure, QStringLiteral("full")) : Error(); });
+    const Error error = digester.digest("AKCKDK", [&](QByteArrayView, ProteinEnds) {
+        return ++visits == 2 ? Error(Failure, QStringLiteral("full")) : Error();
+    });
     EXPECT_EQ(error.message(), QStringLiteral("full"));
     EXPECT_EQ(visits, 2);
 }

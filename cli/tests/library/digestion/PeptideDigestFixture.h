@@ -100,7 +100,7 @@ inline Peptides expectedTargets(const QByteArray &fasta, const DigestionOptions 
     Digester digester = Digester::create(options).value();
     const QList<QByteArray> lines = fasta.split('\n');
     for (int i = 0; 2 * i + 1 < lines.size(); ++i) {
-        const Error error = digester.digest(lines[2 * i + 1], [&](QByteArrayView peptide) {
+        const Error error = digester.digest(lines[2 * i + 1], [&](QByteArrayView peptide, ProteinEnds) {
             const std::string sequence = peptide.toByteArray().toStdString();
             if (sequence.find_first_not_of("ACDEFGHIKLMNPQRSTVWY") == std::string::npos)
                 peptides[{sequence, false}].insert(i);

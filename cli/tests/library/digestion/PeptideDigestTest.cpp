@@ -129,8 +129,84 @@ TEST_F(PeptideDigestTest, PeptidesOfAListOutsideTheLengthsOrWithOtherResiduesAre
         readTable("peptide\tprotein\nAAA\t\nAA\tP1\nAAAAAA\t\nAXA\tP1\nC[+57]A\t\n\t\n", request, collecting(&skipped));
     EXPECT_EQ(shown(digested), "AAA:");
     EXPECT_EQ(skipped, QStringList({"P1 AA: 2 residues, not 3 to 5", " AAAAAA: 6 residues, not 3 to 5",
-                                    "P1 AXA: residue X at position 2", " C[+57]A: 7 residues, not 3 to 5"}));
+                                    "P1 AXA: residue X at position 2", " C[+57]A: 2 residues, not 3 to 5"}));
     EXPECT_EQ(digested.counts.skipped, 4);
+}
+
+/// `SEQUENCE` of every peptide: in brackets for a decoy, `>` and `<` at the ends of a protein, and in braces what a
+/// list names, with a `+` where the peptide is meant plain too.
+std::string withForms(const DigestedPeptides &digested)
+{
+    QStringList texts;
+    for (const LibraryPeptide &peptide : readAll(*digested.peptides)) {
+        QByteArray text = peptide.sequence.toByteArray();
+        if (peptide.isDecoy)
+            text = '[' + text + ']';
+        text = (peptide.ends.start ? ">" : "") + text + (peptide.ends.end ? "<" : "");
+        if (!peptide.named.isEmpty())
+            text += '{' + peptide.named.join(' ') + '}' + (peptide.isPlain ? "+" : "");
+        texts.append(QString::fromLatin1(text));
+    }
+    return texts.join(QLatin1Char(' ')).toStdString();
+}
+
+TEST_F(PeptideDigestTest, EndsOfAnyOfItsProteinsAreThoseOfAPeptideAndOfItsDecoy)
+{
+    for (const bool onDisk : {false, true}) {
+        PeptideRequest request = tryptic(DecoyKind::Reversed);
+        request.space.onDisk = onDisk;
+        EXPECT_EQ(withForms(digest(">P1\nAACKDEFKGHI\n>P2\nLLLKAACK\n>P3\nLLLKDEFKGHI\n", request)),
+                  ">AACK< >[CAAK]< DEFK [FEDK] GHI< [HGI]< >LLLK");
+    }
+}
+
+TEST_F(PeptideDigestTest, ListNamesPeptidoforms)
+{
+    for (const bool onDisk : {false, true}) {
+        PeptideRequest request = tryptic();
+        request.space.onDisk = onDisk;
+        const auto digested = readTable("peptide\tprotein\n"
+                                        "m[Oxidation]AK\tP1\nMAK\tP2\nM[UNIMOD:35]AK\tP3\n"
+                                        "[Acetyl]-CDEK\t\n<[Methyl]@D>CDEK\t\n<[Methyl]@W>EEEK\t\n",
+                                        request);
+        EXPECT_EQ(withForms(digested), "CDEK{CD[Methyl]EK [Acetyl]-CDEK} EEEK MAK{M[Oxidation]AK}+");
+        EXPECT_EQ(shown(digested), "CDEK: EEEK: MAK:P1,P2,P3");
+        EXPECT_EQ(digested.counts.targets, 3);
+    }
+}
+
+TEST_F(PeptideDigestTest, ModificationsOfADecoyGoWithTheirResidues)
+{
+    const QByteArray list = "[Acetyl]-M[Oxidation]CDEK[Methyl]-[Amidated]\n";
+    EXPECT_EQ(withForms(readTable(list, tryptic(DecoyKind::Reversed))),
+              "[EDCMK]{[Acetyl]-EDCM[Oxidation]K[Methyl]-[Amidated]} "
+              "MCDEK{[Acetyl]-M[Oxidation]CDEK[Methyl]-[Amidated]}");
+
+    // Every residue is told apart by its modification.
+    const auto shuffled = readTable("A[+1]C[+3]D[+4]E[+5]F[+6]G[+7]H[+8]K[+11]\n", tryptic(DecoyKind::Shuffled));
+    const PeptideBlock peptides = readAll(*shuffled.peptides);
+    ASSERT_EQ(peptides.size(), 2);
+    for (const LibraryPeptide &peptide : peptides) {
+        ASSERT_EQ(peptide.named.size(), 1);
+        QByteArray expected;
+        for (const char residue : peptide.sequence)
+            expected += residue + QByteArray("[+") + QByteArray::number(residue - 'A' + 1) + ']';
+        EXPECT_EQ(peptide.named[0], expected);
+    }
+}
+
+TEST_F(PeptideDigestTest, TextsThatAreNoProFormaAreLeftOutCountedAndListed)
+{
+    QStringList skipped;
+    const auto digested = readTable("peptide\tprotein\nM[Foo]AAK\tP1\nAAAK/2\t\nM[Oxidation]AK/2\t\nAX[Methyl]K\t\n",
+                                    tryptic(), collecting(&skipped));
+    EXPECT_EQ(digested.peptides->count(), 0);
+    EXPECT_EQ(skipped,
+              QStringList({"P1 M[Foo]AAK: no modification 'Foo' at character 3", " AAAK/2: residue / at position 5",
+                           " M[Oxidation]AK/2: unsupported: a charge ('/') at character 15",
+                           " AXK: residue X at position 2"}));
+    EXPECT_EQ(digested.counts.unreadable, 2);
+    EXPECT_EQ(digested.counts.skipped, 2);
 }
 
 } // namespace

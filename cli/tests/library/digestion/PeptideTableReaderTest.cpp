@@ -36,6 +36,13 @@ TEST_F(PeptideTableReaderTest, ReadsOnePeptideALine)
     EXPECT_EQ(read("PEPTIDEK\r\n\r\n# comment\r\n SAMPLER"), "PEPTIDEK() SAMPLER()");
 }
 
+TEST_F(PeptideTableReaderTest, BracketsKeepTheirCase)
+{
+    EXPECT_EQ(read("m[Oxidation]pk\nPEPTIDEK[Label:13C(6)]\n<[Gln->pyro-Glu]@n-term:Q>qak-[Amidated]\n"),
+              "M[Oxidation]PK() PEPTIDEK[Label:13C(6)]() <[Gln->pyro-Glu]@n-term:Q>QAK-[Amidated]()");
+    EXPECT_EQ(read("a<b>ck\n"), "A<B>CK()");
+}
+
 TEST_F(PeptideTableReaderTest, IgnoresTheRestOfALineWithoutAHeader)
 {
     EXPECT_EQ(read("PEPTIDEK\t2\nSAMPLER 3\n"), "PEPTIDEK() SAMPLER()");

@@ -47,6 +47,17 @@ TEST(ProteinTable, ProteinsOfDecoysAreMarked)
     EXPECT_EQ(table.protein(0, true), protein("DECOY_P1", "DECOY_ONE_TEST", ""));
 }
 
+TEST(ProteinTable, NamesAreTheSameInUtf8)
+{
+    ProteinTable table;
+    EXPECT_EQ(table.add(protein("Pα", "", "G1")).index, 0);
+    const ProteinNames target = table.names(0);
+    EXPECT_EQ(target.accession, "Pα");
+    EXPECT_TRUE(target.name.isEmpty());
+    EXPECT_EQ(target.gene, "G1");
+    EXPECT_EQ(table.names(0, true).accession, "DECOY_Pα");
+}
+
 TEST(ProteinTable, ControlCharactersDoNotPartCells)
 {
     ProteinTable table;

@@ -174,7 +174,7 @@ Result<Modification> massFromText(const QString &text)
     const double mass = isNumber ? text.toDouble(&isNumber) : 0.0;
     if (!isNumber || std::abs(mass) > MAXIMUM_MASS)
         return Error(InvalidInput, QStringLiteral("no mass of up to 1e6 Da: %1").arg(shown(text)));
-    const Modification modification = ofMass(mass);
+    Modification modification = ofMass(mass);
     if (modification.mass == 0.0)
         return Error(InvalidInput, QStringLiteral("no mass at all: %1").arg(shown(text)));
     return modification;
