@@ -51,7 +51,7 @@ Error tryFragmentation(int charge, const QString &path)
 Error tryPeptidoforms(const QString &path)
 {
     PeptidoformSpectrumPredictor predictor;
-    if (const Error error = loadNetwork(path, &predictor); error.hasError())
+    if (Error error = loadNetwork(path, &predictor); error.hasError())
         return error;
     const Result<Peptidoform> peptidoform = Peptidoform::fromProForma(QStringLiteral("AVM[Oxidation]DDFAAFVEK"));
     if (peptidoform.hasError())
@@ -65,7 +65,7 @@ Error tryPeptidoforms(const QString &path)
 Error tryRetentionTimes(const QString &path)
 {
     RetentionTimePredictor predictor;
-    if (const Error error = loadRetentionTimes(path, &predictor); error.hasError())
+    if (Error error = loadRetentionTimes(path, &predictor); error.hasError())
         return error;
     // 0 and 100 on the iRT scale.
     const QList<Peptidoform> anchors{Peptidoform(QStringLiteral("GAGSSEPVTGLDAK")),
