@@ -13,13 +13,16 @@ namespace {
 
 using Indices = QList<qsizetype>;
 
-/// Groups the peptidoforms by a key and hands them over in blocks, by ascending key.
+/// Groups the peptidoforms by a key and hands them over in blocks, by ascending key. Those without a precursor, which
+/// may be of any length, are left out.
 template <typename Key, typename Predict>
 Error inBlocks(const QList<LibraryPrecursors> &precursors, const Key &keyOf, const Predict &predict)
 {
     QMap<int, Indices> groups;
-    for (qsizetype i = 0; i < precursors.size(); ++i)
-        groups[keyOf(precursors[i])].append(i);
+    for (qsizetype i = 0; i < precursors.size(); ++i) {
+        if (precursors[i].charges != 0)
+            groups[keyOf(precursors[i])].append(i);
+    }
     for (const Indices &group : std::as_const(groups)) {
         for (qsizetype first = 0; first < group.size(); first += LibraryPredictor::PEPTIDOFORMS_PER_RUN) {
             Error error = predict(group.mid(first, LibraryPredictor::PEPTIDOFORMS_PER_RUN));
@@ -61,10 +64,8 @@ Error LibraryPredictor::predictSpectra(const QList<LibraryPrecursors> &precursor
     const auto lengthAndCharges = [](const LibraryPrecursors &each) {
         return each.peptidoform.length() << 8 | each.charges;
     };
-    return inBlocks(precursors, lengthAndCharges, [&](const Indices &indices) {
-        const bool isAsked = precursors[indices.constFirst()].charges != 0;
-        return isAsked ? predictBlock(precursors, indices, energy, visit) : Error();
-    });
+    return inBlocks(precursors, lengthAndCharges,
+                    [&](const Indices &indices) { return predictBlock(precursors, indices, energy, visit); });
 }
 
 Error LibraryPredictor::predictBlock(const QList<LibraryPrecursors> &precursors, const Indices &indices, double energy,

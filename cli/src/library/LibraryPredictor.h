@@ -45,10 +45,11 @@ public:
     using Visitor = std::function<void(qsizetype index, int charge, const QList<FragmentPeak> &peaks)>;
 
     /// Shows every precursor's peaks to `visit`, the shortest peptides first. `energy` is the normalised collision
-    /// energy, NaN for the network's default. Peptidoforms have 2 to 52 standard residues.
+    /// energy, NaN for the network's default. Peptidoforms with precursors have 2 to 52 standard residues.
     Error predictSpectra(const QList<LibraryPrecursors> &precursors, double energy, const Visitor &visit);
 
-    /// What `RetentionTimePredictor::predictHeads` gives, in the order of the peptidoforms.
+    /// What `RetentionTimePredictor::predictHeads` gives, in the order of the peptidoforms; an empty list for one
+    /// without precursors.
     Error predictTimes(const QList<LibraryPrecursors> &precursors, QList<QList<double>> *heads);
 
     /// What the predictors remarked so far, such as modifications that they have not seen; each remark once.

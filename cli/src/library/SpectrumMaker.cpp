@@ -3,6 +3,7 @@
 
 #include "PeptideMasses.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -128,10 +129,12 @@ bool SpectrumMaker::isServed(const UnpredictedPrecursor &precursor, double mz, M
     if (precursor.peptide.sequence.size() <= precursor.maximumLength)
         return true;
     ++made->counts.tooLong;
-    // Its other peptidoforms are as long.
-    const bool isTold = !made->tooLong.isEmpty() && made->tooLong.constLast().charge == precursor.charge &&
-                        made->tooLong.constLast().peptide.sequence == precursor.peptide.sequence;
-    if (!isTold)
+    // Its other peptidoforms are as long, and come next.
+    const auto isSame = [&](const UnpredictedPrecursor &told) {
+        return told.charge == precursor.charge && told.peptide.sequence == precursor.peptide.sequence;
+    };
+    const auto last = std::min(made->tooLong.size(), m_options.charges.size());
+    if (std::none_of(made->tooLong.cend() - last, made->tooLong.cend(), isSame))
         made->tooLong.append(precursor);
     return false;
 }

@@ -116,6 +116,18 @@ TEST_F(Predictions, OfTimesDoNotDependOnTheOtherPeptides)
         EXPECT_EQ(together[i], times({precursors[i]}).first());
 }
 
+TEST_F(Predictions, LeaveOutAPeptidoformWithoutPrecursorsOfAnyLength)
+{
+    const QList<LibraryPrecursors> precursors = {{Peptidoform(QString(60, u'A')), 0},
+                                                 {Peptidoform(QStringLiteral("PEPTIDEK")), CHARGE_2}};
+    EXPECT_EQ(predict(precursors).size(), 1);
+    const QList<QList<double>> heads = times(precursors);
+    ASSERT_EQ(heads.size(), 2);
+    EXPECT_TRUE(heads[0].isEmpty());
+    EXPECT_EQ(heads[1], times({precursors[1]}).first());
+    EXPECT_TRUE(m_predictor.takeRemarks().isEmpty());
+}
+
 TEST_F(Predictions, AreThoseOfTheNetwork)
 {
     PeptidoformSpectrumPredictor predictor;

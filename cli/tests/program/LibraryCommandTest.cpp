@@ -54,11 +54,12 @@ TEST_F(LibraryCommand, ListsWhatItSkips)
     const QByteArray tooLong = QByteArray(52, 'A') + 'K'; // one residue more than the network takes, 3837.9 Da
     m_files.write("long.fasta", PROTEINS + QByteArray(">long\n") + tooLong + '\n');
     const ProgramRun made = run({"long.fasta", "-o", "lib.tsv", "--missed-cleavages", "0", "--max-length", "60",
-                                 "--charges", "3", "--skipped", "skipped.tsv"});
-    EXPECT_NE(made.standardError.find("1 precursors too long for the network"), std::string::npos)
+                                 "--charges", "3,4", "--variable", "Methyl@K", "--skipped", "skipped.tsv"});
+    EXPECT_NE(made.standardError.find("4 precursors too long for the network"), std::string::npos)
         << made.standardError;
+    EXPECT_EQ(made.standardError.find("not predicted"), std::string::npos) << made.standardError;
     const QStringList lines = linesOf(m_files.read("skipped.tsv").toStdString());
-    ASSERT_EQ(lines.size(), 3);
+    ASSERT_EQ(lines.size(), 4); // each charge once, whatever the number of peptidoforms
     EXPECT_EQ(lines[0], "protein\tpeptide\tcharge\treason");
     EXPECT_TRUE(lines[1].startsWith("P22222\tXPEPTIDEK\t\t")) << lines[1].toStdString();
     EXPECT_EQ(lines[2],
