@@ -84,7 +84,7 @@ Error LibraryPredictor::predictBlock(const QList<LibraryPrecursors> &precursors,
             block.append({peptidoform, charge, energy});
     }
     QList<QList<FragmentPeak>> spectra;
-    const Error outcome = m_spectra.predict(block, &spectra);
+    Error outcome = m_spectra.predict(block, &spectra);
     if (outcome.hasError())
         return outcome;
     keepRemarks(outcome);
@@ -100,7 +100,7 @@ Error LibraryPredictor::predictTimes(const QList<LibraryPrecursors> &precursors,
     const auto length = [](const LibraryPrecursors &each) { return each.peptidoform.length(); };
     return inBlocks(precursors, length, [&](const Indices &indices) {
         QList<QList<double>> found;
-        const Error outcome = m_times.predictHeads(filledUp(precursors, indices), &found);
+        Error outcome = m_times.predictHeads(filledUp(precursors, indices), &found);
         if (outcome.hasError())
             return outcome;
         keepRemarks(outcome);
