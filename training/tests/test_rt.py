@@ -13,6 +13,7 @@ from zav_training.msms.spectra import is_held_out
 from zav_training.rt import __main__ as program
 from zav_training.rt import export, recipe, training
 from zav_training.rt.data import HEADS, Observation, read_all, scales, weights
+from zav_training.rt.directions import COUNT, find_directions
 from zav_training.rt.evaluation import compare, predict
 from zav_training.rt.network import REACH, UNMAPPED, Network, Shape
 from zav_training.rt.shipping import Shipped
@@ -118,11 +119,28 @@ def test_untrained_maps_are_the_identity() -> None:
 
 def test_graph_equals_the_trained_network(network: Network, tmp_path: Path) -> None:
     peptidoforms = some_peptidoforms()
-    graph = export.build_graph(network, 40.0, 30.0)
+    observations = as_observations(peptidoforms)
+    graph = export.build_graph(network, find_directions(network, observations), 40.0, 30.0)
     write_graph(graph, tmp_path / "retention_time.pb")
-    got = Shipped(tmp_path).heads(peptidoforms)
-    wanted = predict(network, as_observations(peptidoforms)) * 30.0 + 40.0
-    assert np.abs(got - wanted).max() < 30.0 * FLOAT_TOLERANCE
+    got = Shipped(tmp_path).outputs(peptidoforms)
+    wanted = predict(network, observations) * 30.0 + 40.0
+    assert np.abs(got[:, : len(HEADS)] - wanted).max() < 30.0 * FLOAT_TOLERANCE
+
+
+def test_directions_differ_from_the_mean_of_the_heads_and_from_one_another(
+    network: Network, tmp_path: Path
+) -> None:
+    observations = as_observations(some_peptidoforms())
+    found = find_directions(network, observations)
+    write_graph(export.build_graph(network, found, 0.0, 1.0), tmp_path / "retention_time.pb")
+    outputs = Shipped(tmp_path).outputs(some_peptidoforms())
+    mean = outputs[:, : len(HEADS)].mean(1, keepdims=True)
+    apart = outputs[:, len(HEADS) :] - mean
+    assert apart.shape[1] == found.weights.shape[1] == min(COUNT, SMALL.hidden[1])
+    assert np.abs(apart.mean(0)).max() < FLOAT_TOLERANCE
+    products = apart.T @ np.concatenate([apart, mean - mean.mean()], 1)
+    others = products - np.eye(*products.shape) * products.diagonal()[:, None]
+    assert np.abs(others).max() < 1e-3 * products.diagonal().max()
 
 
 def test_prediction_does_not_depend_on_the_batch(network: Network) -> None:
@@ -130,6 +148,15 @@ def test_prediction_does_not_depend_on_the_batch(network: Network) -> None:
     together = predict(network, observations)
     alone = np.concatenate([predict(network, [one]) for one in observations])
     assert np.abs(together - alone).max() < FLOAT_TOLERANCE
+
+
+def test_student_takes_over_what_its_teacher_says(table: Path, tmp_path: Path) -> None:
+    observations = read_all(table)
+    lessons = np.tile(np.linspace(-1.0, 1.0, len(HEADS), dtype=np.float32), (len(observations), 1))
+    schedule = Schedule(epochs=6, batch=16, warm_up=5, rate=5e-3, taught=1.0)
+    student = train(observations, SMALL, schedule, 1, tmp_path, lambda *_: "", lessons)
+    apart = np.abs(predict(student, observations) - lessons)
+    assert apart.mean() < 0.1
 
 
 def test_training_lowers_the_loss(table: Path, tmp_path: Path) -> None:
@@ -151,8 +178,10 @@ def test_figures_are_those_of_the_errors() -> None:
 def test_one_command_builds_what_ships(
     table: Path, tmp_path: Path, monkeypatch: pytest.MonkeyPatch
 ) -> None:
-    monkeypatch.setattr(recipe, "SHAPE", SMALL)
-    monkeypatch.setattr(recipe, "SCHEDULE", Schedule(epochs=1.0, batch=8))
+    monkeypatch.setattr(recipe, "TEACHER_SHAPE", SMALL)
+    monkeypatch.setattr(recipe, "STUDENT_SHAPE", SMALL)
+    monkeypatch.setattr(recipe, "TEACHER", Schedule(epochs=1.0, batch=8))
+    monkeypatch.setattr(recipe, "STUDENT", Schedule(epochs=1.0, batch=8))
     models = tmp_path / "models"
     assert program.main(["build", str(table), str(tmp_path / "run"), str(models)]) == 0
     fields = contract.read_contract(models / "retention_time.pb")

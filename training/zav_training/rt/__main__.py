@@ -68,8 +68,7 @@ def _train(options: argparse.Namespace) -> int:
 def _ship(options: argparse.Namespace) -> int:
     from zav_training.rt.shipping import ship
 
-    held_out = [one for one in read_all(options.data) if one.held_out]
-    ship(options.run, held_out, options.models)
+    ship(options.run, read_all(options.data), options.models)
     return 0
 
 

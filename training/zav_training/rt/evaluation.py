@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 """How near predicted retention times come to observed ones."""
 
+from collections.abc import Callable
 from dataclasses import dataclass
 
 import numpy as np
+import tensorflow as tf
 
 from zav_training import rows
 from zav_training.rt.data import Observation
@@ -47,14 +49,21 @@ def compare(observed: np.ndarray, predicted: np.ndarray, span: float | None = No
     )
 
 
-def predict(network: Network, observations: list[Observation], batch: int = 512) -> np.ndarray:
+def predict(network: Network, observations: list[Observation]) -> np.ndarray:
     """What every head predicts, in scaled units, [observations, heads]."""
+    return run_in_batches(network, observations)
+
+
+def run_in_batches(
+    outputs: Callable[[np.ndarray], tf.Tensor], observations: list[Observation], batch: int = 512
+) -> np.ndarray:
+    """What a function of padded rows gives for each observation, in their order."""
     order = np.argsort([len(one.peptide) for one in observations], kind="stable")
     found = None
     for first in range(0, len(order), batch):
         chosen = order[first : first + batch]
         own = [rows.encode(observations[i].peptide, observations[i].modified) for i in chosen]
-        values = network(rows.pad(own, len(own[-1]))).numpy()
+        values = outputs(rows.pad(own, len(own[-1]))).numpy()
         if found is None:
             found = np.zeros((len(observations), values.shape[1]), dtype=np.float32)
         found[chosen] = values

@@ -7,16 +7,19 @@ import tensorflow as tf
 from zav_training import rows
 from zav_training.convolution import as_row, convolve, dense, mean, read_peptides
 from zav_training.graphs import INIT
+from zav_training.rt.directions import Directions
 from zav_training.rt.network import PIECES, REACH, SUM_SCALE, UNMAPPED, Network
 
 OUTPUT = "retention_times"
 
 
-def build_graph(network: Network, centre: float, width: float) -> tf.Graph:
-    """Input [-1, 52, 13] rows of peptidoforms, output [-1, 9], one column for each head.
+def build_graph(
+    network: Network, directions: Directions, centre: float, width: float
+) -> tf.Graph:
+    """Input [-1, 52, 13] rows of peptidoforms, output [-1, 25]: the heads, then the directions.
 
-    A head's number is put on a scale of this centre and width: those of the first head's source,
-    whose column therefore is in its unit; the others are a straight line away from theirs.
+    They are put on a scale of this centre and width: those of the first head's source, whose column
+    therefore is in its unit; the others are a straight line away from theirs.
     """
     w = {name: variable.numpy() for name, variable in network.weights.items()}
     shape = network.shape
@@ -40,7 +43,11 @@ def build_graph(network: Network, centre: float, width: float) -> tf.Graph:
         hidden = tf.nn.relu(tf.nn.bias_add(pooled @ w["hidden0/w"], w["hidden0/b"]))
         hidden = tf.nn.relu(tf.nn.bias_add(hidden @ w["hidden1/w"], w["hidden1/b"]))
         own = hidden @ (w["number/w"] + w["heads"][:-1]) + (w["number/b"] + w["heads"][-1])
-        tf.add(_mapped(w, network.knots, own) * np.float32(width), np.float32(centre), name=OUTPUT)
+        heads = _mapped(w, network.knots, own)
+        further = tf.reduce_mean(heads, 1, keepdims=True) * directions.own
+        further += tf.nn.bias_add(hidden @ directions.weights, directions.offset)
+        outputs = tf.concat([heads, further], 1)
+        tf.add(outputs * np.float32(width), np.float32(centre), name=OUTPUT)
         tf.no_op(name=INIT)
     return graph
 

@@ -85,6 +85,14 @@ class Network(tf.Module):
 
     def __call__(self, encoded: tf.Tensor) -> tf.Tensor:
         """What each head predicts, in its source's scale, [B, heads]; encoded float [B, n, 13]."""
+        return self._heads(self._hidden(encoded))
+
+    def heads_and_hidden(self, encoded: tf.Tensor) -> tf.Tensor:
+        """The heads, and behind them the last hidden layer, [B, heads + hidden]."""
+        hidden = self._hidden(encoded)
+        return tf.concat([self._heads(hidden), hidden], 1)
+
+    def _hidden(self, encoded: tf.Tensor) -> tf.Tensor:
         letters = tf.cast(encoded[:, :, 0], tf.int32)
         count = tf.shape(letters)[1]
         length = tf.math.count_nonzero(letters, 1, dtype=tf.int32)
@@ -97,7 +105,7 @@ class Network(tf.Module):
         trunk = (self._matmul("input", x) + mixed) * mask
         for index in range(len(self.shape.dilations)):
             trunk = (trunk + self._block(index, trunk, mask)) * mask
-        return self._heads(self._pool(trunk, mask))
+        return self._pool(trunk, mask)
 
     def _matmul(self, name: str, x: tf.Tensor) -> tf.Tensor:
         w, b = self.weights[f"{name}/w"], self.weights[f"{name}/b"]

@@ -13,6 +13,7 @@ from zav_training.convolution import INPUT
 from zav_training.graphs import INIT, Runner, write_graph
 from zav_training.msms.vocabulary import LETTERS
 from zav_training.rt.data import HEADS, Observation
+from zav_training.rt.directions import find_directions
 from zav_training.rt.evaluation import Figures, compare
 from zav_training.rt.export import OUTPUT, build_graph
 from zav_training.rt.training import load
@@ -43,31 +44,33 @@ class Shipped:
     def __init__(self, models: Path) -> None:
         self._run = Runner(models / f"{NAME}.pb", INPUT, OUTPUT)
 
-    def heads(self, peptidoforms: list[tuple[str, list[tuple[int, str]]]]) -> np.ndarray:
-        """All heads' numbers, float32 [peptidoforms, heads]."""
-        found = np.zeros((len(peptidoforms), len(HEADS)), dtype=np.float32)
+    def outputs(self, peptidoforms: list[tuple[str, list[tuple[int, str]]]]) -> np.ndarray:
+        """All outputs, the heads first, float32 [peptidoforms, outputs]."""
         order = np.argsort([len(peptide) for peptide, _ in peptidoforms], kind="stable")
+        blocks = []
         for first in range(0, len(order), 256):
-            chosen = order[first : first + 256]
-            found[chosen] = self._run(rows.pad([rows.encode(*peptidoforms[i]) for i in chosen]))
-        return found
+            encoded = [rows.encode(*peptidoforms[i]) for i in order[first : first + 256]]
+            blocks.append(self._run(rows.pad(encoded)))
+        return np.concatenate(blocks)[np.argsort(order)]
 
 
-def ship(run: Path, held_out: list[Observation], models: Path) -> None:
+def ship(run: Path, observations: list[Observation], models: Path) -> None:
     """Writes the graph of a run and its contract, with figures on the held-out observations."""
     network, about = load(run)
+    learnt = [one for one in observations if not one.held_out]
     first = about["scales"][0]
     models.mkdir(parents=True, exist_ok=True)
     graph = models / f"{NAME}.pb"
-    write_graph(build_graph(network, first["centre"], first["width"]), graph)
-    own = [one for one in held_out if one.head == 0]
-    predicted = Shipped(models).heads([(one.peptide, one.modified) for one in own])[:, 0]
+    further = find_directions(network, learnt)
+    write_graph(build_graph(network, further, first["centre"], first["width"]), graph)
+    own = [one for one in observations if one.held_out and one.head == 0]
+    predicted = Shipped(models).outputs([(one.peptide, one.modified) for one in own])[:, 0]
     figures = compare(np.array([one.time for one in own]), predicted)
-    write_contract(graph, contract_fields(about, figures))
+    write_contract(graph, contract_fields(about, further.offset.size, figures))
     print({name: round(value, 3) for name, value in asdict(figures).items()})
 
 
-def contract_fields(about: dict, figures: Figures) -> dict[str, Value]:
+def contract_fields(about: dict, directions: int, figures: Figures) -> dict[str, Value]:
     """What the contract says beyond its file."""
     return {
         "kind": "retention_time",
@@ -75,11 +78,12 @@ def contract_fields(about: dict, figures: Figures) -> dict[str, Value]:
         "inputOperation": INPUT,
         "inputShape": [-1, rows.LONGEST, rows.WIDTH],
         "outputOperation": OUTPUT,
-        "outputShape": [-1, len(HEADS)],
+        "outputShape": [-1, len(HEADS) + directions],
         "initOperation": INIT,
         "vocabulary": LETTERS,
         "firstVocabularyColumn": 1,
         "heads": list(HEADS),
+        "directions": directions,
         "modificationsTrained": TRAINED,
         "trainingData": TRAINING_DATA,
         "trainingSeed": about["seed"],

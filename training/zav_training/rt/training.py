@@ -34,6 +34,7 @@ class Schedule:
     average    rate of the exponential moving average of the weights
     batch      peptides in a batch
     deviation  factor of the penalty on what the heads add to the common number
+    taught     share of the loss that the teacher's predictions for all heads make, if there is one
     """
 
     epochs: float = 12.0
@@ -45,29 +46,44 @@ class Schedule:
     average: float = 0.998
     batch: int = 128
     deviation: float = 0.01
+    taught: float = 0.5
 
 
 class Bucket:
     """The observations of peptides that are padded to one length."""
 
-    def __init__(self, observations: list[Observation], factor: np.ndarray, length: int) -> None:
+    def __init__(
+        self,
+        observations: list[Observation],
+        factor: np.ndarray,
+        lessons: np.ndarray,
+        length: int,
+    ) -> None:
         self.encoded = np.zeros((len(observations), length, rows.WIDTH), dtype=np.int8)
         for encoded, one in zip(self.encoded, observations, strict=True):
             encoded[: len(one.peptide)] = rows.encode(one.peptide, one.modified)
         self.head = np.array([one.head for one in observations], dtype=np.int32)
         self.factor = factor
+        self.lessons = lessons
         self.target = np.zeros(len(observations), dtype=np.float32)
 
 
-def fill_buckets(observations: list[Observation]) -> list[Bucket]:
-    """The observations by padded length, times brought to their source's scale."""
+def fill_buckets(
+    observations: list[Observation], lessons: np.ndarray | None = None
+) -> list[Bucket]:
+    """The observations by padded length, times brought to their source's scale.
+
+    `lessons`: what a teacher predicts for them, [observations, heads]; none without a teacher.
+    """
     scale, factor = scales(observations), weights(observations)
+    if lessons is None:
+        lessons = np.zeros((len(observations), 0), dtype=np.float32)
     of = np.searchsorted(LENGTHS, [len(one.peptide) for one in observations])
     buckets = []
     for index, length in enumerate(LENGTHS):
         chosen = np.flatnonzero(of == index)
-        bucket = Bucket([observations[i] for i in chosen], factor[chosen], length)
         own = [observations[i] for i in chosen]
+        bucket = Bucket(own, factor[chosen], lessons[chosen], length)
         bucket.target[:] = [
             (one.time - scale[one.head].centre) / scale[one.head].width for one in own
         ]
@@ -78,7 +94,7 @@ def fill_buckets(observations: list[Observation]) -> list[Bucket]:
 def epoch(
     buckets: list[Bucket], size: int, random: np.random.Generator
 ) -> Iterator[tuple[np.ndarray, ...]]:
-    """One pass in a random order, full batches only: rows, heads, weights, targets."""
+    """One pass in a random order, full batches only: rows, heads, weights, targets, lessons."""
     batches = []
     for bucket in buckets:
         order = random.permutation(len(bucket.head))
@@ -87,7 +103,8 @@ def epoch(
     for index in random.permutation(len(batches)):
         bucket, chosen = batches[index]
         encoded = bucket.encoded[chosen].astype(np.float32)
-        yield encoded, bucket.head[chosen], bucket.factor[chosen], bucket.target[chosen]
+        own = (bucket.head, bucket.factor, bucket.target, bucket.lessons)
+        yield encoded, *(column[chosen] for column in own)
 
 
 def robust_loss(error: tf.Tensor) -> tf.Tensor:
@@ -105,12 +122,17 @@ class Trainer:
         self.optimiser = AdamW(network.weights, schedule.decay, schedule.clip, schedule.average)
 
     @tf.function(jit_compile=True, reduce_retracing=False)
-    def step(self, encoded, head, factor, target, numbers):  # noqa: ANN001, ANN201
-        """Learns from a batch; returns its mean loss."""
+    def step(self, encoded, head, factor, target, lessons, numbers):  # noqa: ANN001, ANN201
+        """Learns from a batch; returns its mean loss against what was observed."""
+        taught = self.schedule.taught if lessons.shape[1] > 0 else 0.0
         with tf.GradientTape() as tape:
-            own = tf.reduce_sum(self.network(encoded) * tf.one_hot(head, len(HEADS)), 1)
+            heads = self.network(encoded)
+            own = tf.reduce_sum(heads * tf.one_hot(head, len(HEADS)), 1)
             fit = tf.reduce_sum(factor * robust_loss(own - target)) / tf.reduce_sum(factor)
-            loss = fit + self.schedule.deviation * self.network.deviation()
+            loss = (1.0 - taught) * fit + self.schedule.deviation * self.network.deviation()
+            if taught > 0.0:
+                apart = tf.reduce_mean(robust_loss(heads - lessons), 1)
+                loss += taught * tf.reduce_sum(factor * apart) / tf.reduce_sum(factor)
         self.optimiser.apply(tape, loss, numbers)
         return fit
 
@@ -122,20 +144,18 @@ def train(
     seed: int,
     folder: Path,
     report: Callable[[Network, list[Observation]], str],
-    start: Network | None = None,
+    lessons: np.ndarray | None = None,
 ) -> Network:
     """Trains on the observations; writes weights.npz, run.json and log.tsv into the folder.
 
-    It begins with random weights, or with those of `start`. Returns a network with the averaged
+    With `lessons`, as for `fill_buckets`, also on those. Returns a network with the averaged
     weights. `report` gives a line of figures, after each epoch.
     """
     folder.mkdir(parents=True, exist_ok=True)
     random = np.random.default_rng(seed)
-    buckets = fill_buckets(observations)
+    buckets = fill_buckets(observations, lessons)
     steps = int(sum(len(b.head) // schedule.batch for b in buckets) * schedule.epochs)
     network, mean = Network(shape, seed), Network(shape, seed)
-    if start is not None:
-        set_weights(network, {name: v.numpy() for name, v in start.weights.items()})
     trainer = Trainer(network, schedule)
     about = {
         "shape": asdict(shape),
