@@ -26,17 +26,13 @@ struct LibraryPrecursors
 /// Predicts the spectra and the retention times of many peptidoforms so that the result for one does not depend on the
 /// others.
 ///
-/// The last bits of a network's results depend on the shape of the block that it runs on: the number of peptidoforms
-/// and precursors and the length of the longest. Here every block has the same number of peptidoforms, all of one
-/// length and with the same charges; a block with fewer is filled up. The other peptidoforms of a block, and the place
-/// in it, do not matter. One thread at a time.
+/// The last bits of a network's results depend on the shape of the block that it runs on. Every block here holds
+/// peptidoforms of one length, in one of two sizes that are multiples of 32: the vector instructions of every processor
+/// then divide a block without a remainder, which they would compute in another way. A block with fewer is filled up.
+/// There are no more sizes because the runtime generates code for each. One thread at a time.
 class LibraryPredictor
 {
 public:
-    /// At 32 a peptidoform costs 5 to 10 % more than at 128, but four times fewer places are only filled up where the
-    /// peptidoforms of a length run out.
-    static constexpr qsizetype PEPTIDOFORMS_PER_RUN = 32;
-
     /// Loads the network of spectra and, if asked for, that of retention times. The error names the file.
     Error load(const ModelFolder &folder, bool withTimes);
 
@@ -48,16 +44,28 @@ public:
     /// energy, NaN for the network's default. Peptidoforms with precursors have 2 to 52 standard residues.
     Error predictSpectra(const QList<LibraryPrecursors> &precursors, double energy, const Visitor &visit);
 
+    /// What `RetentionTimePredictor::predict` gives, in the order of the peptidoforms; NaN for one without precursors.
+    Error predictTimes(const QList<LibraryPrecursors> &precursors, QList<double> *times);
+
     /// What `RetentionTimePredictor::predictHeads` gives, in the order of the peptidoforms; an empty list for one
     /// without precursors.
-    Error predictTimes(const QList<LibraryPrecursors> &precursors, QList<QList<double>> *heads);
+    Error predictHeads(const QList<LibraryPrecursors> &precursors, QList<QList<double>> *heads);
 
     /// What the predictors remarked so far, such as modifications that they have not seen; each remark once.
     QStringList takeRemarks();
 
 private:
-    Error predictBlock(const QList<LibraryPrecursors> &precursors, const QList<qsizetype> &indices, double energy,
-                       const Visitor &visit);
+    struct BlockSize
+    {
+        qsizetype peptidoforms = 0;
+        qsizetype precursors = 0;
+    };
+
+    Error predictBlock(const QList<LibraryPrecursors> &precursors, const QList<qsizetype> &indices,
+                       const BlockSize &size, double energy, const Visitor &visit);
+    template <typename Value>
+    Error predictWith(Error (RetentionTimePredictor::*predict)(const QList<Peptidoform> &, QList<Value> *),
+                      const QList<LibraryPrecursors> &precursors, QList<Value> *values);
     void keepRemarks(const Error &outcome);
 
     PeptidoformSpectrumPredictor m_spectra;

@@ -88,14 +88,11 @@ Error SpectrumMaker::predictTimes(Work *work)
 {
     if (!m_options.retentionTimes)
         return {};
+    if (!m_calibration)
+        return m_predictor.predictTimes(work->precursors, &work->times);
     QList<QList<double>> heads;
-    if (Error error = m_predictor.predictTimes(work->precursors, &heads); error.hasError())
+    if (Error error = m_predictor.predictHeads(work->precursors, &heads); error.hasError())
         return error;
-    if (!m_calibration) {
-        for (qsizetype i = 0; i < heads.size(); ++i)
-            work->times[i] = heads[i].value(0, work->times[i]);
-        return {};
-    }
     const Result<QList<double>> indices = m_calibration->indicesOf(heads);
     if (indices.hasError())
         return indices.error();

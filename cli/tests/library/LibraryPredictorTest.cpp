@@ -15,18 +15,18 @@ namespace zav {
 namespace {
 
 constexpr double DEFAULT_ENERGY = std::numeric_limits<double>::quiet_NaN();
-constexpr quint8 CHARGE_2 = 1 << 2, CHARGES_2_AND_3 = 1 << 2 | 1 << 3;
+constexpr quint8 CHARGE_2 = 1 << 2, CHARGES_2_AND_3 = 1 << 2 | 1 << 3, ALL_CHARGES = 0b1111110;
 
-/// The same ones everywhere: lengths 7 to 20, more of them than one block of each; some oxidised, some of one charge.
+/// The same ones everywhere: lengths 7 to 20, one of them more than a block can hold; some oxidised, some of one charge.
 QList<LibraryPrecursors> somePrecursors()
 {
     constexpr char RESIDUES[] = "ACDEFGHIKLMNPQRSTVWY";
     const Modification oxidation = modifications::findByName(QStringLiteral("Oxidation"))->modification;
     std::mt19937 generator(5);
     QList<LibraryPrecursors> precursors;
-    for (int i = 0; i < 150; ++i) {
+    for (int i = 0; i < 250; ++i) {
         QString peptide;
-        const int length = i < 50 ? 9 : int(7 + generator() % 14);
+        const int length = i < 150 ? 9 : int(7 + generator() % 14);
         for (int j = 0; j < length; ++j)
             peptide.append(QLatin1Char(RESIDUES[generator() % 20]));
         QList<PlacedModification> placed;
@@ -71,12 +71,20 @@ protected:
         return spectra;
     }
 
-    QList<QList<double>> times(const QList<LibraryPrecursors> &precursors)
+    QList<QList<double>> heads(const QList<LibraryPrecursors> &precursors)
     {
         QList<QList<double>> heads;
-        const Error error = m_predictor.predictTimes(precursors, &heads);
+        const Error error = m_predictor.predictHeads(precursors, &heads);
         EXPECT_FALSE(error.hasError()) << error.toString().toStdString();
         return heads;
+    }
+
+    QList<double> times(const QList<LibraryPrecursors> &precursors)
+    {
+        QList<double> times;
+        const Error error = m_predictor.predictTimes(precursors, &times);
+        EXPECT_FALSE(error.hasError()) << error.toString().toStdString();
+        return times;
     }
 
     LibraryPredictor m_predictor;
@@ -110,10 +118,28 @@ TEST_F(Predictions, DoNotDependOnTheOtherPeptidesOrTheirOrder)
 TEST_F(Predictions, OfTimesDoNotDependOnTheOtherPeptides)
 {
     const QList<LibraryPrecursors> precursors = somePrecursors();
-    const QList<QList<double>> together = times(precursors);
+    const QList<QList<double>> together = heads(precursors);
+    const QList<double> first = times(precursors);
     ASSERT_EQ(together.size(), precursors.size());
-    for (qsizetype i = 0; i < precursors.size(); i += 10)
-        EXPECT_EQ(together[i], times({precursors[i]}).first());
+    ASSERT_EQ(first.size(), precursors.size());
+    for (qsizetype i = 0; i < precursors.size(); i += 10) {
+        EXPECT_EQ(together[i], heads({precursors[i]}).first());
+        EXPECT_EQ(first[i], together[i].first());
+    }
+}
+
+TEST_F(Predictions, OfAllChargesDoNotDependOnTheOtherPeptides)
+{
+    QList<LibraryPrecursors> precursors = somePrecursors();
+    for (qsizetype i = 0; i < precursors.size(); i += 3)
+        precursors[i].charges = ALL_CHARGES;
+    const Spectra together = predict(precursors);
+    for (qsizetype i = 0; i < precursors.size(); i += 30) {
+        const Spectra alone = predict({precursors[i]});
+        EXPECT_EQ(alone.size(), 6);
+        for (auto spectrum = alone.begin(); spectrum != alone.end(); ++spectrum)
+            EXPECT_TRUE(areEqual(*spectrum, together[{i, spectrum.key().second}]));
+    }
 }
 
 TEST_F(Predictions, LeaveOutAPeptidoformWithoutPrecursorsOfAnyLength)
@@ -121,10 +147,11 @@ TEST_F(Predictions, LeaveOutAPeptidoformWithoutPrecursorsOfAnyLength)
     const QList<LibraryPrecursors> precursors = {{Peptidoform(QString(60, u'A')), 0},
                                                  {Peptidoform(QStringLiteral("PEPTIDEK")), CHARGE_2}};
     EXPECT_EQ(predict(precursors).size(), 1);
-    const QList<QList<double>> heads = times(precursors);
-    ASSERT_EQ(heads.size(), 2);
-    EXPECT_TRUE(heads[0].isEmpty());
-    EXPECT_EQ(heads[1], times({precursors[1]}).first());
+    const QList<QList<double>> found = heads(precursors);
+    ASSERT_EQ(found.size(), 2);
+    EXPECT_TRUE(found[0].isEmpty());
+    EXPECT_EQ(found[1], heads({precursors[1]}).first());
+    EXPECT_TRUE(std::isnan(times(precursors).first()));
     EXPECT_TRUE(m_predictor.takeRemarks().isEmpty());
 }
 
@@ -133,7 +160,7 @@ TEST_F(Predictions, AreThoseOfTheNetwork)
     PeptidoformSpectrumPredictor predictor;
     const ModelFolder folder(QStringLiteral(ZAV_MODELS));
     ASSERT_FALSE(predictor.init(folder.network(NetworkUse::Peptidoforms)).hasError());
-    const QList<LibraryPrecursors> precursors = somePrecursors().mid(45, 10);
+    const QList<LibraryPrecursors> precursors = somePrecursors().mid(145, 10);
     const Spectra spectra = predict(precursors, 25.0);
     for (auto spectrum = spectra.begin(); spectrum != spectra.end(); ++spectrum) {
         const auto &[index, charge] = spectrum.key();

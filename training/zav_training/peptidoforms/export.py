@@ -8,7 +8,7 @@ from zav_training import rows
 from zav_training.convolution import Peptides, as_row, convolve, dense, mean, read_peptides
 from zav_training.graphs import INIT
 from zav_training.msms.network import COUNT_SCALE, MAX_LOGIT
-from zav_training.peptidoforms.network import Network
+from zav_training.peptidoforms.network import COUNTED, Network
 from zav_training.peptidoforms.sources import SHIPPED
 
 PRECURSORS = "precursors"
@@ -71,19 +71,25 @@ def _bonds(w: Weights, network: Network, peptides: Peptides) -> tf.Tensor:
             hidden += as_row(tf.nn.bias_add(inner @ w["pool/out/w"], w["pool/out/b"]))
         out = dense(tf.nn.relu(hidden), w[f"block{index}/out/w"], w[f"block{index}/out/b"])
         trunk = (trunk + out) * peptides.mask
+    return _head(w, shape.width, peptides, trunk)
+
+
+def _head(w: Weights, width: int, peptides: Peptides, trunk: tf.Tensor) -> tf.Tensor:
+    """The head's first layer. What is counted right of a bond is what the peptide holds less what
+    is left of it, so the counts enter as left and total."""
     both = peptides.atoms[:, :, :, : rows.ATOMS] + peptides.atoms[:, :, :, rows.ATOMS :]
     counted = tf.concat([peptides.one_hot, both], 3)
-    left = tf.cumsum(counted, 2)
-    right = tf.cumsum(counted, 2, exclusive=True, reverse=True)
-    sites = tf.concat([trunk, left, right, peptides.place], 3)
-    own, after, counts, place = np.split(
-        w["head/w"],
-        [shape.width, 2 * shape.width, w["head/w"].shape[0] - peptides.place.shape[-1]],
+    until = tf.constant(np.tril(np.ones((rows.LONGEST, rows.LONGEST), dtype=np.float32)))
+    left = tf.slice(until, [0, 0], tf.stack([peptides.count, peptides.count])) @ counted
+    total = tf.reduce_sum(counted, [1, 2])
+    sizes = [width, width, COUNTED, COUNTED, peptides.place.shape[-1]]
+    own, after, before, behind, place = np.split(w["head/w"], np.cumsum(sizes)[:-1])
+    before, behind = before / np.float32(COUNT_SCALE), behind / np.float32(COUNT_SCALE)
+    sites = convolve(
+        tf.concat([left, peptides.place], 3), np.concatenate([before - behind, place])[None]
     )
-    first = np.concatenate([own, counts / np.float32(COUNT_SCALE), place])
-    second = np.zeros_like(first)
-    second[: shape.width] = after
-    return tf.nn.bias_add(convolve(sites, np.stack([first, second])), w["head/b"])
+    sites += as_row(tf.nn.bias_add(total @ behind, w["head/b"]))
+    return sites + convolve(trunk, np.stack([own, after]))
 
 
 def _changes(w: Weights, head: int, precursors: tf.Tensor) -> list[tuple[tf.Tensor, tf.Tensor]]:
