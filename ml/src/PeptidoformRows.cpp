@@ -13,6 +13,10 @@ namespace {
 constexpr int FIRST_RESIDUE_COLUMN = 1;  // of the composition of a residue's modification
 constexpr int FIRST_TERMINUS_COLUMN = 7; // of that of a terminal modification
 
+// Unimod's accessions.
+constexpr int PYROGLUTAMATE_OF_GLUTAMATE = 27;
+constexpr int PYROGLUTAMATE_OF_GLUTAMINE = 28;
+
 using LetterNumbers = std::array<float, 128>;
 
 LetterNumbers tabulateLetters()
@@ -45,6 +49,13 @@ void addComposition(const ElementalComposition &change, float *columns)
 }
 
 } // namespace
+
+int positionOf(const PlacedModification &placed)
+{
+    const int accession = placed.modification.unimodAccession;
+    const bool isRing = accession == PYROGLUTAMATE_OF_GLUTAMATE || accession == PYROGLUTAMATE_OF_GLUTAMINE;
+    return placed.position == 1 && isRing ? 0 : placed.position;
+}
 
 QString problemOf(const Peptidoform &peptidoform)
 {
@@ -80,8 +91,9 @@ void write(const Peptidoform &peptidoform, float *rows)
     }
     const int length = peptidoform.length();
     for (const PlacedModification &placed : peptidoform.modifications()) {
-        const bool isTerminal = placed.position == 0 || placed.position > length;
-        const int residue = std::clamp(placed.position, 1, length);
+        const int position = positionOf(placed);
+        const bool isTerminal = position == 0 || position > length;
+        const int residue = std::clamp(position, 1, length);
         addComposition(placed.modification.composition,
                        rows + std::ptrdiff_t{residue - 1} * COLUMN_COUNT +
                            (isTerminal ? FIRST_TERMINUS_COLUMN : FIRST_RESIDUE_COLUMN));

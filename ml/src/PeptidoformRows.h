@@ -17,7 +17,9 @@
 ///     7..12   the same for a terminal modification: the N-terminal one in the first row, the C-terminal one in the
 ///             last
 ///
-/// Labelled atoms count as their element. A modification that is known by its mass alone leaves its columns zero.
+/// Labelled atoms count as their element. A modification that is known by its mass alone leaves its columns zero. A
+/// pyroglutamate is a ring of the first residue and the N-terminus, and people write it at either: the networks see it
+/// at the terminus.
 namespace zav::peptidoformRows {
 
 /// The operation of a network that takes the rows: float, [-1, ROW_COUNT, COLUMN_COUNT].
@@ -27,6 +29,9 @@ inline constexpr int ROW_COUNT = 52;      ///< residues of the longest peptidofo
 inline constexpr int FEWEST_RESIDUES = 2; ///< of the shortest one
 inline constexpr int COLUMN_COUNT = 13;
 inline constexpr std::size_t SIZE = std::size_t{ROW_COUNT} * COLUMN_COUNT; ///< values of one peptidoform
+
+/// Where the networks see a modification: 0 and length + 1 are the termini.
+int positionOf(const PlacedModification &placed);
 
 /// Why a network cannot read the peptidoform, after its name: "has 60 residues, not 2 to 52". Empty when it can.
 QString problemOf(const Peptidoform &peptidoform);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "UntrainedModifications.h"
 
+#include "PeptidoformRows.h"
+
 #include <algorithm>
 
 namespace zav {
@@ -29,9 +31,10 @@ QString nameOf(QChar site)
 
 QChar siteOf(const PlacedModification &placed, const QString &sequence)
 {
-    if (placed.position <= 0)
+    const int position = peptidoformRows::positionOf(placed);
+    if (position <= 0)
         return N_TERMINUS;
-    return placed.position > sequence.size() ? C_TERMINUS : sequence.at(placed.position - 1);
+    return position > sequence.size() ? C_TERMINUS : sequence.at(position - 1);
 }
 
 bool hasFreeCysteine(const Peptidoform &peptidoform)

@@ -96,6 +96,18 @@ TEST(PeptidoformRows, LeaveAModificationOfMassAloneOut)
     EXPECT_EQ(rowsOf(Peptidoform(QStringLiteral("MK"), {{1, massOnly}})), rowsOf(Peptidoform(QStringLiteral("MK"))));
 }
 
+TEST(PeptidoformRows, HoldAPyroglutamateAtTheTerminusWhereverItIsWritten)
+{
+    for (const char *text : {"Q[Gln->pyro-Glu]K", "[Gln->pyro-Glu]-QK"})
+        EXPECT_EQ(rowsOf(Peptidoform::fromProForma(QString::fromLatin1(text)).value()),
+                  padded({{17, 0, 0, 0, 0, 0, 0, 0, -3, -1, 0, 0, 0}, {19, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}}))
+            << text;
+    EXPECT_EQ(rowsOf(Peptidoform::fromProForma(QStringLiteral("E[Glu->pyro-Glu]K")).value()),
+              padded({{2, 0, 0, 0, 0, 0, 0, 0, -2, 0, -1, 0, 0}, {19, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}}));
+    EXPECT_EQ(rowsOf(Peptidoform::fromProForma(QStringLiteral("KQ[Gln->pyro-Glu]")).value()),
+              padded({{19, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, {17, 0, -3, -1, 0, 0, 0, 0, 0, 0, 0, 0, 0}}));
+}
+
 TEST(PeptidoformRows, TakeTwoTo52Residues)
 {
     EXPECT_EQ(peptidoformRows::problemOf(Peptidoform(QStringLiteral("GK"))), QString());

@@ -47,6 +47,15 @@ TEST(UntrainedModifications, KnowsAModificationAtItsTrainedPlaceOnly)
                            QStringLiteral("Modification Acetyl at the C-terminus is unknown to the network")}));
 }
 
+TEST(UntrainedModifications, KnowsAPyroglutamateAtTheTerminusWhereverItIsWritten)
+{
+    const QStringList trained{QStringLiteral("Gln->pyro-Glu@N-term")};
+    EXPECT_EQ(remarksOn({Peptidoform::fromProForma(QStringLiteral("Q[Gln->pyro-Glu]PK")).value(),
+                         Peptidoform::fromProForma(QStringLiteral("[Gln->pyro-Glu]-QPK")).value()},
+                        trained),
+              QStringList());
+}
+
 TEST(UntrainedModifications, NamesEachOnceInTheOrderOfAppearance)
 {
     const Peptidoform first(QStringLiteral("KK"), {{1, named("TMT6plex")}, {2, named("TMT6plex")}});

@@ -17,7 +17,7 @@ namespace {
 using Indices = QList<qsizetype>;
 
 constexpr qsizetype SMALL_BLOCK = 32;
-constexpr qsizetype LARGE_BLOCK = 128; // beyond it, what the network computes no longer stays near the processor
+constexpr qsizetype LARGE_BLOCK = 128;     // beyond it, what the network computes no longer stays near the processor
 constexpr qsizetype MOST_PRECURSORS = 256; // the predictor divides longer lists
 
 /// Groups the peptidoforms by length and hands them over in blocks, the shortest first: large ones as long as there are
@@ -132,7 +132,8 @@ Error LibraryPredictor::predictHeads(const QList<LibraryPrecursors> &precursors,
 }
 
 template <typename Value>
-Error LibraryPredictor::predictWith(Error (RetentionTimePredictor::*predict)(const QList<Peptidoform> &, QList<Value> *),
+Error LibraryPredictor::predictWith(Error (RetentionTimePredictor::*predict)(const QList<Peptidoform> &,
+                                                                             QList<Value> *),
                                     const QList<LibraryPrecursors> &precursors, QList<Value> *values)
 {
     return inBlocks(precursors, LARGE_BLOCK, [&](const Indices &indices, qsizetype size) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PeptidoformText.h"
 
+#include "PeptideMasses.h"
+
 #include <zav/Modifications.h>
 
 namespace zav {
@@ -9,15 +11,6 @@ namespace {
 
 constexpr int CARBAMIDOMETHYL = 4; // Unimod's accession
 
-Peptidoform withBlockedCysteines(const QString &sequence)
-{
-    const Modification &blocked = modifications::findByAccession(CARBAMIDOMETHYL)->modification;
-    QList<PlacedModification> placed;
-    for (qsizetype at = sequence.indexOf(u'C'); at >= 0; at = sequence.indexOf(u'C', at + 1))
-        placed.append({static_cast<int>(at) + 1, blocked});
-    return Peptidoform(sequence, placed);
-}
-
 } // namespace
 
 Result<Peptidoform> readPeptidoform(const QString &text)
@@ -25,7 +18,8 @@ Result<Peptidoform> readPeptidoform(const QString &text)
     Result<Peptidoform> peptidoform = Peptidoform::fromProForma(text);
     if (peptidoform.hasError() || text.contains(u'['))
         return peptidoform;
-    return withBlockedCysteines(peptidoform.value().sequence());
+    return withCysteines(peptidoform.value().sequence(),
+                         modifications::findByAccession(CARBAMIDOMETHYL)->modification.mass);
 }
 
 } // namespace zav

@@ -17,7 +17,8 @@ namespace {
 constexpr double DEFAULT_ENERGY = std::numeric_limits<double>::quiet_NaN();
 constexpr quint8 CHARGE_2 = 1 << 2, CHARGES_2_AND_3 = 1 << 2 | 1 << 3, ALL_CHARGES = 0b1111110;
 
-/// The same ones everywhere: lengths 7 to 20, one of them more than a block can hold; some oxidised, some of one charge.
+/// The same ones everywhere: lengths 7 to 20, one of them more than a block can hold; some oxidised, some of one
+/// charge.
 QList<LibraryPrecursors> somePrecursors()
 {
     constexpr char RESIDUES[] = "ACDEFGHIKLMNPQRSTVWY";
