@@ -316,24 +316,3 @@ def test_transition_list_agrees_but_for_a_ions(folder, main, ending, read):
         for mz, intensity, ion in written:
             assert by_ion[ion] == pytest.approx((mz, intensity / highest), abs=2 * expected.MZ)
 
-
-def test_modifications_and_times_of_a_transition_list_are_those_that_were_asked_for(tmp_path):
-    path = tmp_path / "lib.tsv"
-    program("library", FASTA, "-o", path, "--missed-cleavages", 1, "--variable", "Oxidation@M", "--charges", 2)
-    experiment = pyopenms.TargetedExperiment()
-    pyopenms.TransitionTSVFile().convertTSVToTargetedExperiment(str(path), experiment)
-    read = {}
-    for peptide in experiment.getPeptides():
-        names = {4: "Carbamidomethyl", 35: "Oxidation"}
-        letters = list(peptide.sequence)
-        for modification in peptide.mods:
-            letters[modification.location] += f"[{names[modification.unimod_id]}]"
-        read["".join(letters)] = peptide.getRetentionTime()
-    assert any("M[Oxidation]" in proforma for proforma in read)
-    listed = tmp_path / "list.txt"
-    listed.write_text("".join(f"{proforma}\n" for proforma in read))
-    rows = program("retention", "--peptides", listed).decode().splitlines()[1:]
-    times = dict(row.split("\t")[:2] for row in rows)
-    assert times.keys() == read.keys()
-    for proforma, time in read.items():
-        assert time == pytest.approx(float(times[proforma]), abs=0.02), proforma
