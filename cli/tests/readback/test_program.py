@@ -315,4 +315,3 @@ def test_transition_list_agrees_but_for_a_ions(folder, main, ending, read):
         assert by_ion.keys() == {ion for _, _, ion in written}
         for mz, intensity, ion in written:
             assert by_ion[ion] == pytest.approx((mz, intensity / highest), abs=2 * expected.MZ)
-

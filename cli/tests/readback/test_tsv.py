@@ -83,7 +83,9 @@ def check_genes(entry, peptide):
 def test_openms_reads_every_protein_once(experiment, entries):
     accessions = [protein.id for protein in experiment.getProteins()]
     assert len(accessions) == len(set(accessions))
-    assert set(accessions) == {accession for entry in expected.listed(entries) for accession in expected.accessions(entry)}
+    assert set(accessions) == {
+        accession for entry in expected.listed(entries) for accession in expected.accessions(entry)
+    }
 
 
 def check_time(entry, written):
