@@ -1,13 +1,15 @@
 # SPDX-License-Identifier: Apache-2.0
-"""What `zav library` costs: precursors a second and core, memory, the share of TensorFlow, and beside MS2PIP.
+"""What `zav library` costs: precursors a second and core, memory, the share of TensorFlow, and beside other programs.
 
-    python3 library_benchmark.py ZAV PROTEINS.fasta [--shard 1/20] [--threads 1] [--ms2pip PYTHON] [--precursors 20000]
+    python3 library_benchmark.py ZAV PROTEINS.fasta [--shard 1/20] [--threads 1] [--precursors 20000]
+                                 [--ms2pip PYTHON] [--deeplc PYTHON]
 
 PROTEINS.fasta may come from synthetic_proteome.py. Makes one shard of its library for charges 2 and 3 as TSV, whole
 command from start to end, and prints processor time, which other work on the machine disturbs least, beside the wall
 clock's. With `perf` installed a second run tells how much of the time is spent in TensorFlow. PYTHON is one with
-ms2pip 4.1.2: it predicts a quarter and then all of the first precursors of that library (model HCDch2, one process),
-and so does zav from a list of their peptides, so that the ratio holds for one machine at one time.
+ms2pip 4.1.2 or with deeplc 4.5.0. The first predicts a quarter and then all of the first precursors of that library
+(model HCDch2, one process), and so does zav from a list of their peptides; the second predicts the times of those
+peptides (default model, one thread), and so does `zav retention`. So the ratios hold for one machine at one time.
 """
 
 import argparse
@@ -22,7 +24,7 @@ import sys
 import tempfile
 import time
 
-PEER = pathlib.Path(__file__).resolve().parents[2] / "training" / "peers" / "ms2pip_predict.py"
+PEERS = pathlib.Path(__file__).resolve().parents[2] / "training" / "peers"
 
 
 class Run:
@@ -88,26 +90,41 @@ def first_precursors(path, count):
     return list(found)[:count]
 
 
-def race(zav, python, precursors, folder):
-    """The same precursors with MS2PIP and with zav; the processor time of each, for one precursor."""
+def race_spectra(zav, python, precursors, folder):
+    """The same precursors with MS2PIP and with zav; the processor time of each."""
     table = pathlib.Path(folder) / "precursors.tsv"
     rows = "".join(f"{peptide}\t{charge}\n" for peptide, charge in precursors)
     table.write_text("peptide\tcharge\n" + rows, encoding="utf-8")
-    peptides = pathlib.Path(folder) / "peptides.txt"
-    peptides.write_text("".join(f"{p}\n" for p in dict.fromkeys(p for p, _ in precursors)), encoding="utf-8")
-
     with open(table, encoding="utf-8") as source, open(os.devnull, "w", encoding="utf-8") as nowhere:
-        peer = Run([python, str(PEER)], stdin=source, stdout=nowhere, stderr=nowhere)
+        peer = Run([python, str(PEERS / "ms2pip_predict.py")], stdin=source, stdout=nowhere, stderr=nowhere)
     peer.report("MS2PIP", len(precursors))
+    peptides = peptide_list(precursors, folder)
     ours, _, written = library(zav, ["--peptides", str(peptides)], folder, "same.tsv", "--threads", "1")
     ours.report("zav, the same peptides", written)
     return peer.computed, ours.computed
 
 
-def compare(zav, python, path, count, folder):
+def race_times(zav, python, precursors, folder):
+    """The times of the same peptides with DeepLC and with zav; the processor time of each."""
+    peptides = peptide_list(precursors, folder)
+    count = len(peptides.read_text(encoding="utf-8").splitlines())
+    with open(peptides, encoding="utf-8") as source, open(os.devnull, "w", encoding="utf-8") as nowhere:
+        peer = Run([python, str(PEERS / "deeplc_predict.py")], stdin=source, stdout=nowhere, stderr=nowhere)
+        ours = Run([zav, "retention", "--peptides", str(peptides)], stdout=nowhere, stderr=nowhere)
+    peer.report("DeepLC", count)
+    ours.report("zav retention, the same", count)
+    return peer.computed, ours.computed
+
+
+def peptide_list(precursors, folder):
+    path = pathlib.Path(folder) / "peptides.txt"
+    path.write_text("".join(f"{p}\n" for p in dict.fromkeys(p for p, _ in precursors)), encoding="utf-8")
+    return path
+
+
+def compare(race, zav, python, precursors, folder):
     """Two sizes, so that the time of starting up can be taken off."""
-    precursors = first_precursors(path, count)
-    few = race(zav, python, precursors[: count // 4], folder)
+    few = race(zav, python, precursors[: len(precursors) // 4], folder)
     many = race(zav, python, precursors, folder)
     print(f"zav is {many[0] / many[1]:.1f} times as fast by processor time with starting up", end=", ")
     print(f"{(many[0] - few[0]) / (many[1] - few[1]):.1f} times without")
@@ -119,7 +136,8 @@ def main():
     parser.add_argument("proteins")
     parser.add_argument("--shard", default="1/20")
     parser.add_argument("--threads", default="1")
-    parser.add_argument("--ms2pip", help="a Python that has ms2pip")
+    parser.add_argument("--ms2pip", metavar="PYTHON", help="a Python that has ms2pip")
+    parser.add_argument("--deeplc", metavar="PYTHON", help="a Python that has deeplc")
     parser.add_argument("--precursors", type=int, default=20000)
     arguments = parser.parse_args()
 
@@ -130,8 +148,10 @@ def main():
         if shutil.which("perf"):
             again = [arguments.zav, "library", arguments.proteins, "-o", f"{folder}/again.tsv", *settings]
             print(f"at least {share_of_tensorflow(again, folder):.0f} % of the processor time in TensorFlow")
-        if arguments.ms2pip:
-            compare(arguments.zav, arguments.ms2pip, path, arguments.precursors, folder)
+        chosen = first_precursors(path, arguments.precursors)
+        for race, python in ((race_spectra, arguments.ms2pip), (race_times, arguments.deeplc)):
+            if python:
+                compare(race, arguments.zav, python, chosen, folder)
 
 
 if __name__ == "__main__":
