@@ -236,7 +236,7 @@ void LibraryArguments::addPrecursorsTo(CLI::App *command)
         ->type_name("LIST");
     m_energy = command
                    ->add_option("--energy", m_given.collisionEnergy,
-                                "normalised collision energy, 10 to 60; trained on 20 to 40 [30]")
+                                "normalised collision energy, 10 to 60; trained on 20 to 35 [30]")
                    ->type_name("NCE");
     command
         ->add_option("--calibrate", m_calibrate,
