@@ -148,6 +148,10 @@ TEST_F(RetentionCommand, SaysWhatIsWrongWithObservedTimes)
     EXPECT_EQ(falling.standardOutput, "");
     EXPECT_EQ(run({"--calibrate", "nowhere.tsv"}).standardError,
               "zav: cannot read nowhere.tsv: No such file or directory\n");
+    files.write("foreign.tsv", "peptide\trt\n_PEPTIDEK_\t1\n_SAMPLER_\t2\n");
+    EXPECT_EQ(run({"--calibrate", "foreign.tsv"}).standardError,
+              "zav: cannot calibrate with foreign.tsv: A calibration needs 10 pairs that can be predicted, not 0; rows "
+              "that cannot be read: 2, the first is foreign.tsv:2: _PEPTIDEK_: unexpected '_' at character 1\n");
     files.write("odd.tsv", observedAnchors() + "PEPTIDe\t4\nPEPTIDEX\t5\n");
     const ProgramRun odd = run({"--calibrate", "odd.tsv"});
     EXPECT_EQ(odd.exitCode, 0) << odd.standardError;
