@@ -356,6 +356,7 @@ TEST_F(LibraryCommand, RefusesWhatContradictsTheManual)
         {"p.fasta", "-o", "lib.tsv", "--energy", "9"},
         {"p.fasta", "-o", "lib.tsv", "--energy", "nan"},
         {"p.fasta", "-o", "lib.tsv", "--calibrate", "run.tsv", "--no-retention-times"},
+        {"p.fasta", "-o", "lib.tsv", "--calibrate", "-"},
         {"p.fasta", "-o", "lib.tsv", "--decoys", "mirrored"},
         {"p.fasta", "-o", "lib.tsv", "--shard", "5/4"},
         {"p.fasta", "-o", "lib.tsv", "--threads", "-1"},

@@ -193,6 +193,25 @@ TEST_F(RetentionCommand, WritesNoFileWhenNothingIsPredicted)
     EXPECT_FALSE(QFileInfo::exists(files.path("times.tsv")));
 }
 
+TEST_F(RetentionCommand, LeavesItsInputsAsTheyAre)
+{
+    const QByteArray observed = observedAnchors();
+    files.write("observed.tsv", observed);
+    files.write("observed.svg", observed);
+    const auto refusal = [this](const QStringList &arguments) {
+        const ProgramRun outcome = runZav(QStringList{"retention"} + arguments, {}, files.path(QString()));
+        EXPECT_EQ(outcome.exitCode, 2);
+        return linesOf(outcome.standardError).first().toStdString();
+    };
+    EXPECT_EQ(refusal({"--peptides", "observed.tsv", "-o", "./observed.tsv"}),
+              "zav: observed.tsv would be overwritten");
+    EXPECT_EQ(refusal({"--peptides", "-", "--calibrate", "observed.tsv", "-o", files.path("observed.tsv")}),
+              "zav: observed.tsv would be overwritten");
+    EXPECT_EQ(refusal({"--peptides", "-", "--calibrate", "observed.svg", "--plot", "observed.svg"}),
+              "zav: observed.svg would be overwritten");
+    EXPECT_EQ(files.read("observed.tsv"), observed);
+}
+
 TEST_F(RetentionCommand, RefusesArgumentsThatContradictEachOther)
 {
     const auto refusal = [](const QStringList &arguments) {
