@@ -64,9 +64,10 @@ public:
     /// microseconds each, a peptidoform that is asked for alone a run of the network.
     Error predict(const QList<Peptidoform> &peptidoforms, QList<double> *out);
 
-    /// All outputs of the network for each peptidoform, in their order: the iRT, and what it predicts for the other
-    /// chromatographies of its training data, each brought to about the scale of the iRT. `RetentionTimeCalibration`
-    /// mixes them. One that cannot be predicted gets an empty list. Otherwise as `predict`.
+    /// All outputs of the network for each peptidoform, in their order: the iRT, what it predicts for the other
+    /// chromatographies of its training data and, behind these, any further outputs that were made to be mixed with
+    /// them; each on about the scale of the iRT. `RetentionTimeCalibration` mixes them. One that cannot be predicted
+    /// gets an empty list. Otherwise as `predict`.
     Error predictHeads(const QList<Peptidoform> &peptidoforms, QList<QList<double>> *out);
 
 private:
