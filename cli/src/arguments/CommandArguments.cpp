@@ -23,6 +23,11 @@ int chargeFrom(const QString &text)
     return charge >= 1 && charge <= HIGHEST_CHARGE ? charge : 0;
 }
 
+bool isSameFile(const QString &a, const QString &b)
+{
+    return QFileInfo(a).isFile() && QFileInfo(a).canonicalFilePath() == QFileInfo(b).canonicalFilePath();
+}
+
 } // namespace
 
 CommandArguments::~CommandArguments() = default;
@@ -60,6 +65,17 @@ bool isPicture(const QString &path)
 {
     const QString ending = QFileInfo(path).suffix().toLower();
     return ending == QLatin1String("svg") || ending == QLatin1String("png") || ending == QLatin1String("pdf");
+}
+
+Error checkNotOverwritten(const QStringList &inputs, const QStringList &outputs)
+{
+    for (const QString &input : inputs) {
+        for (const QString &output : outputs) {
+            if (isSameFile(input, output))
+                return wrongArgument(QStringLiteral("%1 would be overwritten").arg(displayText(input, 300)));
+        }
+    }
+    return {};
 }
 
 } // namespace zav

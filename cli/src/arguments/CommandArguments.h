@@ -7,6 +7,7 @@
 
 #include <QtCore/QList>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <memory>
 #include <string>
@@ -66,5 +67,8 @@ Result<QList<int>> parseCharges(const QString &text);
 
 /// Whether the ending is one of a picture.
 bool isPicture(const QString &path);
+
+/// Refuses an output file that is one of the input files, by whatever path. Empty paths count for nothing.
+Error checkNotOverwritten(const QStringList &inputs, const QStringList &outputs);
 
 } // namespace zav

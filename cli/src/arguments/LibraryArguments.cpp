@@ -6,8 +6,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <QtCore/QFileInfo>
-
 #include <cmath>
 
 namespace zav {
@@ -65,11 +63,6 @@ Example:
 bool isWithin(double value, double lowest, double highest)
 {
     return value >= lowest && value <= highest; // false for NaN
-}
-
-bool isSameFile(const QString &a, const QString &b)
-{
-    return QFileInfo::exists(a) && QFileInfo(a).canonicalFilePath() == QFileInfo(b).canonicalFilePath();
 }
 
 /// `zav library` and, below it, `zav library merge`.
@@ -236,7 +229,7 @@ void LibraryArguments::addPrecursorsTo(CLI::App *command)
         ->type_name("LIST");
     m_energy = command
                    ->add_option("--energy", m_given.collisionEnergy,
-                                "normalised collision energy, 10 to 60; trained on 20 to 40 [30]")
+                                "normalised collision energy, 10 to 60; trained on 20 to 35 [30]")
                    ->type_name("NCE");
     command
         ->add_option("--calibrate", m_calibrate,
@@ -387,12 +380,15 @@ Error LibraryArguments::convertOutput(LibraryOptions *options) const
                 : QStringLiteral("--format '%1' is not one of %2")
                       .arg(displayText(text(m_format)), libraryFileKindNames().join(QStringLiteral(", "))));
     options->kind = *kind;
-    if (isSameFile(path, options->inputPath()) || isSameFile(options->skippedPath, options->inputPath()))
-        return wrongArgument(QStringLiteral("%1 would be overwritten").arg(displayText(options->inputPath(), 300)));
+    if (Error error = checkNotOverwritten({options->inputPath(), options->observedTimes}, {path, options->skippedPath});
+        error.hasError())
+        return error;
     if (options->writesToStandardOutput() && (isSqlite(*kind) || !options->shard.isWhole() || options->resume))
         return wrongArgument(QStringLiteral("a database, a shard and --resume need a file, not -o -"));
     if (options->inputPath() == QLatin1String("-") && (!options->shard.isWhole() || options->resume))
         return wrongArgument(QStringLiteral("a shard and --resume need an input file, not standard input"));
+    if (options->observedTimes == QLatin1String("-"))
+        return wrongArgument(QStringLiteral("--calibrate needs a file, not standard input"));
     return {};
 }
 
@@ -431,10 +427,8 @@ Result<CommandLine> LibraryArguments::mergeOptions() const
         return wrongArgument(QStringLiteral("the shards to merge are missing"));
     if (options.outputPath.isEmpty())
         return wrongArgument(QStringLiteral("-o LIB is missing"));
-    for (const QString &shard : options.shards) {
-        if (isSameFile(options.outputPath, shard))
-            return wrongArgument(QStringLiteral("%1 would be overwritten").arg(displayText(shard, 300)));
-    }
+    if (Error error = checkNotOverwritten(options.shards, {options.outputPath}); error.hasError())
+        return error;
     return CommandLine(options);
 }
 

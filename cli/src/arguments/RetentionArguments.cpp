@@ -65,6 +65,9 @@ Result<CommandLine> RetentionArguments::options() const
     if (!m_plot.empty() && !isPicture(text(m_plot)))
         return wrongArgument(QStringLiteral("--plot draws a file ending in .svg, .png or .pdf, not '%1'")
                                  .arg(displayText(text(m_plot))));
+    if (Error error = checkNotOverwritten({text(m_peptides), text(m_calibrate)}, {text(m_output), text(m_plot)});
+        error.hasError())
+        return error;
     return CommandLine(
         RetentionOptions{text(m_peptides), text(m_models), text(m_output), text(m_calibrate), text(m_plot), m_verbose});
 }

@@ -21,7 +21,7 @@ and charge, with or without a header line; with one, also energy, which may be e
 
 Without modifications and --energy, the network of the charge predicts, at about 28 to 40 of normalised collision
 energy. Otherwise the network of peptides with modifications does, at an energy of 30 unless --energy says another.
-It was trained on energies from 20 to 40.
+It was trained on energies from 20 to 35.
 
 In a peptide without modifications every cysteine is carbamidomethylated (--cysteine sets another mass). One with
 modifications is taken as it is written: its plain C are free cysteines, which no training spectrum held.

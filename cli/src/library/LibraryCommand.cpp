@@ -259,7 +259,7 @@ Error LibraryCommand::consume(const MadeSpectra &made)
 Error LibraryCommand::finishOutputs()
 {
     if (m_counts.written == 0 && m_options.shard.isWhole())
-        return Error(Failure, QStringLiteral("no precursor is left for the library (%1)").arg(leftOut()));
+        return nothingToWrite();
     if (Error error = m_skipped.commit(); error.hasError())
         return error;
     Result<LibraryFileFacts> facts = m_writer->finish();
@@ -267,6 +267,17 @@ Error LibraryCommand::finishOutputs()
         return facts.error();
     m_manifest.file = std::move(facts).value();
     return hasManifest() ? m_manifest.writeFor(m_options.outputPath) : Error();
+}
+
+Error LibraryCommand::nothingToWrite() const
+{
+    const QString reasons = leftOut();
+    if (!reasons.isEmpty())
+        return Error(Failure, QStringLiteral("no precursor is left for the library (%1)").arg(reasons));
+    return Error(Failure,
+                 QStringLiteral("no peptide of %1 to %2 residues in %3")
+                     .arg(QString::number(m_options.digestion.minimumLength),
+                          QString::number(m_options.digestion.maximumLength), inputName(m_options.inputPath())));
 }
 
 /// Only where a file is made from a file: a pipe cannot be read a second time for its digest.

@@ -43,6 +43,7 @@ private:
     qint64 pieceSize() const;
     void tellTotals();
     QString leftOut() const;
+    Error nothingToWrite() const;
 
     LibraryOptions m_options;
     std::optional<ModelFolder> m_folder;

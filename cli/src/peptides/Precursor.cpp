@@ -63,6 +63,9 @@ Error checkPeptidoform(const Precursor &precursor)
                                        .arg(length)
                                        .arg(SHORTEST_PEPTIDOFORM)
                                        .arg(Limits::LONGEST_PEPTIDE));
+    const double mass = peptidoform.value().monoisotopicMass();
+    if (!(mass > 0.0))
+        return Error(InvalidInput, QStringLiteral("the peptide weighs %1 Da with its modifications").arg(mass));
     return {};
 }
 

@@ -54,8 +54,11 @@ Result<FittedTimes> fitTimes(const ObservedTimes &observed, const QString &path,
     const Result<RetentionTimeCalibration> fitted = RetentionTimeCalibration::fit(predictor, observed.pairs);
     if (fitted.hasError()) {
         // The library fails without a message where the network does not run.
-        const QString reason =
+        QString reason =
             fitted.error().message().isEmpty() ? QStringLiteral("the network fails") : fitted.error().message();
+        if (!observed.problems.isEmpty())
+            reason += QStringLiteral("; rows that cannot be read: %1, the first is %2")
+                          .arg(QString::number(observed.problems.size()), observed.problems.first());
         return explainedError(fitted.error(),
                               QStringLiteral("cannot calibrate with %1: %2").arg(inputName(path), reason));
     }

@@ -33,7 +33,8 @@ struct FittedTimes
     QStringList remarks; ///< problems of the rows, what the network has not seen, and how well the calibration fits
 };
 
-/// Fits a calibration to what `readObservedTimes` read from `path`. The error names the file.
+/// Fits a calibration to what `readObservedTimes` read from `path`. The error names the file, and the first of the rows
+/// that cannot be read.
 Result<FittedTimes> fitTimes(const ObservedTimes &observed, const QString &path, RetentionTimePredictor *predictor);
 
 } // namespace zav

@@ -84,6 +84,13 @@ TEST(PrecursorCheck, ResiduesOfProFormaAreCheckedToo)
     EXPECT_NE(problem(QStringLiteral("AM[Oxidized]K"), 2), "") << "a name that nobody has given";
 }
 
+TEST(PrecursorCheck, ModificationsMayNotTakeAwayMoreThanThePeptideWeighs)
+{
+    // AK weighs 71.037 + 128.095 + 18.011 Da.
+    EXPECT_EQ(problem(QStringLiteral("A[-217.1]K"), 2), "");
+    EXPECT_EQ(problem(QStringLiteral("A[-1217.142638]K"), 2), "the peptide weighs -1000 Da with its modifications");
+}
+
 TEST(PeptidoformOfText, HasTheFixedMassInOneLetterCodeOnly)
 {
     EXPECT_EQ(peptidoformOf("ACK", 57.021464).value().toProForma().toStdString(), "AC[Carbamidomethyl]K");

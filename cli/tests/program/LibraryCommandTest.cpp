@@ -298,6 +298,25 @@ TEST_F(LibraryCommand, NothingToWriteIsAFailureAndKeepsTheOlderFile)
     EXPECT_EQ(fileNames(), (QStringList{"lib.tsv", "p.fasta"}));
 }
 
+TEST_F(LibraryCommand, AnEmptyListIsSaidToHoldNoPeptide)
+{
+    m_files.write("none.txt", "peptide\n");
+    const ProgramRun failed = run({"--peptides", "none.txt", "-o", "lib.tsv"}, 1);
+    EXPECT_EQ(linesOf(failed.standardError).last(), "zav: no peptide of 7 to 30 residues in none.txt");
+}
+
+TEST_F(LibraryCommand, TheTableOfACalibrationIsNotOverwritten)
+{
+    m_files.write("run.tsv", "peptide\trt\n");
+    EXPECT_EQ(linesOf(run({"p.fasta", "-o", "run.tsv", "--calibrate", "run.tsv"}, 2).standardError).first(),
+              "zav: run.tsv would be overwritten");
+    EXPECT_EQ(
+        linesOf(run({"p.fasta", "-o", "lib.tsv", "--calibrate", "run.tsv", "--skipped", "run.tsv"}, 2).standardError)
+            .first(),
+        "zav: run.tsv would be overwritten");
+    EXPECT_EQ(m_files.read("run.tsv"), "peptide\trt\n");
+}
+
 TEST_F(LibraryCommand, InputsThatCannotBeReadAreNamed)
 {
     EXPECT_NE(run({"none.fasta", "-o", "lib.tsv"}, 1).standardError.find("none.fasta"), std::string::npos);
@@ -337,6 +356,7 @@ TEST_F(LibraryCommand, RefusesWhatContradictsTheManual)
         {"p.fasta", "-o", "lib.tsv", "--energy", "9"},
         {"p.fasta", "-o", "lib.tsv", "--energy", "nan"},
         {"p.fasta", "-o", "lib.tsv", "--calibrate", "run.tsv", "--no-retention-times"},
+        {"p.fasta", "-o", "lib.tsv", "--calibrate", "-"},
         {"p.fasta", "-o", "lib.tsv", "--decoys", "mirrored"},
         {"p.fasta", "-o", "lib.tsv", "--shard", "5/4"},
         {"p.fasta", "-o", "lib.tsv", "--threads", "-1"},

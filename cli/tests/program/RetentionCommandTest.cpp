@@ -148,6 +148,10 @@ TEST_F(RetentionCommand, SaysWhatIsWrongWithObservedTimes)
     EXPECT_EQ(falling.standardOutput, "");
     EXPECT_EQ(run({"--calibrate", "nowhere.tsv"}).standardError,
               "zav: cannot read nowhere.tsv: No such file or directory\n");
+    files.write("foreign.tsv", "peptide\trt\n_PEPTIDEK_\t1\n_SAMPLER_\t2\n");
+    EXPECT_EQ(run({"--calibrate", "foreign.tsv"}).standardError,
+              "zav: cannot calibrate with foreign.tsv: A calibration needs 10 pairs that can be predicted, not 0; rows "
+              "that cannot be read: 2, the first is foreign.tsv:2: _PEPTIDEK_: unexpected '_' at character 1\n");
     files.write("odd.tsv", observedAnchors() + "PEPTIDe\t4\nPEPTIDEX\t5\n");
     const ProgramRun odd = run({"--calibrate", "odd.tsv"});
     EXPECT_EQ(odd.exitCode, 0) << odd.standardError;
@@ -187,6 +191,25 @@ TEST_F(RetentionCommand, WritesNoFileWhenNothingIsPredicted)
 {
     EXPECT_EQ(run({"-o", "times.tsv"}, "PEPTIDEX\n").exitCode, 1);
     EXPECT_FALSE(QFileInfo::exists(files.path("times.tsv")));
+}
+
+TEST_F(RetentionCommand, LeavesItsInputsAsTheyAre)
+{
+    const QByteArray observed = observedAnchors();
+    files.write("observed.tsv", observed);
+    files.write("observed.svg", observed);
+    const auto refusal = [this](const QStringList &arguments) {
+        const ProgramRun outcome = runZav(QStringList{"retention"} + arguments, {}, files.path(QString()));
+        EXPECT_EQ(outcome.exitCode, 2);
+        return linesOf(outcome.standardError).first().toStdString();
+    };
+    EXPECT_EQ(refusal({"--peptides", "observed.tsv", "-o", "./observed.tsv"}),
+              "zav: observed.tsv would be overwritten");
+    EXPECT_EQ(refusal({"--peptides", "-", "--calibrate", "observed.tsv", "-o", files.path("observed.tsv")}),
+              "zav: observed.tsv would be overwritten");
+    EXPECT_EQ(refusal({"--peptides", "-", "--calibrate", "observed.svg", "--plot", "observed.svg"}),
+              "zav: observed.svg would be overwritten");
+    EXPECT_EQ(files.read("observed.tsv"), observed);
 }
 
 TEST_F(RetentionCommand, RefusesArgumentsThatContradictEachOther)

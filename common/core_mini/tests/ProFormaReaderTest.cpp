@@ -102,6 +102,8 @@ TEST(ProForma, ProblemsAreNamedWithTheirPlace)
         {"<[Methyl]@K,N-term:>A", "no site 'N-term:' of a fixed modification at character 13"},
         {"<[Methyl]@k>A", "no site 'k' of a fixed modification at character 11"},
         {"<[Foo]@K>A", "no modification 'Foo' at character 3"},
+        {"M[\x1b]0;\a]", "no modification '\\x1b' at character 3"}, // would change a terminal
+        {"<[Methyl]@\x7f>M", "no site '\\x7f' of a fixed modification at character 11"},
     };
     for (const Reading &reading : readings) {
         EXPECT_EQ(reading.written, readAndWritten(reading.text)) << reading.text;

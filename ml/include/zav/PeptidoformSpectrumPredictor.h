@@ -69,7 +69,7 @@ public:
     /// over 2000 m/z or under 0.04 of the base peak are left out. `IsotopePeaks::Included` adds the isotope peaks of
     /// these fragments, those under 2000 m/z and from 0.025 on; their heights are those of an average peptide.
     ///
-    /// Collision energies from 20 to 40 are those of the training spectra; others are extrapolated.
+    /// Collision energies from 20 to 35 are those of the training spectra; others are extrapolated.
     ///
     /// `out` is replaced on success only, by one list per precursor in their order. Warnings on the returned (no-error)
     /// `Error` name each precursor that cannot be read and gets an empty list: one whose peptide is shorter than 2 or

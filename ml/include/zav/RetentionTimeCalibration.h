@@ -22,12 +22,12 @@ struct ObservedRetentionTime
 
 /// Turns predictions into the times of one chromatography, from peptidoforms whose times there are known.
 ///
-/// Two steps. Columns and solvents differ in which peptides they hold back, so first the outputs of the network (one for
-/// each chromatography of its training data, and directions in which another may differ from them) are mixed: a straight
-/// line of their mean and, pulled towards it by ridge regression (Hoerl and Kennard, Technometrics 12, 55, 1970), of
-/// each by itself. How hard it pulls is chosen by cross-validation. The mixture, here called the index, is on about the
-/// iRT scale. Then a curve of straight pieces that never falls turns the index into a time: one piece for up to 31
-/// pairs, one more for each 16 pairs up to twelve; beyond its ends it goes on straight.
+/// Two steps. Columns and solvents differ in which peptides they hold back, so first the outputs of the network, as
+/// `RetentionTimePredictor::predictHeads` gives them, are mixed: a straight line of their mean and, pulled towards it
+/// by ridge regression (Hoerl and Kennard, Technometrics 12, 55, 1970), of each by itself. How hard it pulls is chosen
+/// by cross-validation. The mixture, here called the index, is on about the iRT scale. Then a curve of straight pieces
+/// that never falls turns the index into a time: one piece for up to 31 pairs, one more for each 16 pairs up to twelve;
+/// beyond its ends it goes on straight.
 ///
 /// Wrong times among the pairs, up to one in five, change little: both steps start from the median of the slopes
 /// between pairs (Theil 1950, Sen 1968) and then weigh each pair by its distance from the fit (Huber, and Beaton and
@@ -44,8 +44,9 @@ public:
     ///
     /// Pairs that cannot be predicted are left out; the warnings of the prediction are on the returned `Result`.
     ///
-    /// `InvalidInput`: fewer than 10 pairs, or fewer that can be predicted; a time that is not finite; all times equal;
-    /// times that do not rise with the prediction; a null predictor. `Failure`: the prediction failed.
+    /// `InvalidInput`: fewer than 10 pairs, or fewer that can be predicted; a time that is not finite; all times equal,
+    /// or so far apart that their distance is not finite; times that do not rise with the prediction; a null predictor.
+    /// `Failure`: the prediction failed.
     static Result<RetentionTimeCalibration> fit(RetentionTimePredictor *predictor,
                                                 const QList<ObservedRetentionTime> &pairs);
 

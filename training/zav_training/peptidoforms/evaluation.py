@@ -8,6 +8,7 @@ import tensorflow as tf
 
 from zav_training import rows
 from zav_training.msms.metrics import LIMIT, apply_cut, spectral_angle
+from zav_training.peptidoforms import ladder
 from zav_training.peptidoforms.network import Network
 from zav_training.peptidoforms.sources import SHIPPED
 from zav_training.peptidoforms.spectra import Spectrum
@@ -48,8 +49,6 @@ def angle(spectrum: Spectrum, prediction: np.ndarray, exists: np.ndarray) -> flo
 
 def angles(spectra: list[Spectrum], predictions: list[np.ndarray]) -> np.ndarray:
     """The angle of each spectrum."""
-    from zav_training.peptidoforms import ladder
-
     return np.array(
         [
             angle(s, p, ladder.site_exists(s.peptide, s.charge, s.modified))

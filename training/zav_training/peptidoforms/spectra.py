@@ -22,7 +22,7 @@ CHARGES = range(1, 7)
 LONGEST = 52
 #: Middle of the energies that the network knows, and what its input is divided by.
 ENERGY_CENTRE, ENERGY_SCALE = 30.0, 10.0
-#: Energies of the measurements that are used; beyond them there are none.
+#: Energies beyond these would count as the nearest; the measurements reach from 20 to 35.
 ENERGIES = (20.0, 40.0)
 TOLERANCE_PPM = 20.0
 

@@ -2,9 +2,9 @@
 """Ways in which a chromatography that is not among the heads may differ from them.
 
 A head is a linear function of the last hidden layer, bent by its map. The main components of that
-layer, beyond what the mean of the heads explains, are offered to the calibration as further outputs,
-each on top of that mean: chromatographies that nobody has run, from which those that someone will
-run can be mixed.
+layer, beyond what the mean of the heads explains, are offered to the calibration as further
+outputs, each on top of that mean: chromatographies that nobody has run, from which those that
+someone will run can be mixed.
 """
 
 from dataclasses import dataclass
@@ -22,7 +22,7 @@ SAMPLE = 20_000
 
 @dataclass
 class Directions:
-    """Output i is mean of the heads * own[i] + hidden @ weights[:, i] + offset[i], scaled as heads."""
+    """Output i is mean of the heads * own[i] + hidden @ weights[:, i] + offset[i], as heads."""
 
     own: np.ndarray
     weights: np.ndarray

@@ -13,9 +13,7 @@ from zav_training.rt.network import PIECES, REACH, SUM_SCALE, UNMAPPED, Network
 OUTPUT = "retention_times"
 
 
-def build_graph(
-    network: Network, directions: Directions, centre: float, width: float
-) -> tf.Graph:
+def build_graph(network: Network, directions: Directions, centre: float, width: float) -> tf.Graph:
     """Input [-1, 52, 13] rows of peptidoforms, output [-1, 25]: the heads, then the directions.
 
     They are put on a scale of this centre and width: those of the first head's source, whose column

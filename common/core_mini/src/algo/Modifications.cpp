@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <zav/Modifications.h>
 
+#include "QuotedText.h"
 #include "kelphysicalConsts.h"
 
 #include <QtCore/QHash>
@@ -137,9 +138,8 @@ QHash<QString, int> accessionsByName()
     return accessions;
 }
 
-constexpr double DECIMALS = 1e6;       // a mass-only modification has six of them
-constexpr double MAXIMUM_MASS = 1e6;   // Da
-constexpr qsizetype SHOWN_LENGTH = 40; // of a text in a message
+constexpr double DECIMALS = 1e6;     // a mass-only modification has six of them
+constexpr double MAXIMUM_MASS = 1e6; // Da
 
 // Beginnings of what ProForma has from elsewhere.
 constexpr struct
@@ -151,12 +151,6 @@ constexpr struct
     {"Formula:", "formulas"},    {"INFO:", "remarks"},   {"MOD:", "PSI-MOD"},         {"M:", "PSI-MOD"},
     {"RESID:", "RESID"},         {"R:", "RESID"},        {"XLMOD:", "cross-linkers"}, {"X:", "cross-linkers"}};
 
-QString shown(const QString &text)
-{
-    const QLatin1String dots(text.size() > SHOWN_LENGTH ? "..." : "");
-    return QLatin1Char('\'') + text.left(SHOWN_LENGTH) + dots + QLatin1Char('\'');
-}
-
 bool isDigit(QChar character)
 {
     return character >= u'0' && character <= u'9';
@@ -164,7 +158,7 @@ bool isDigit(QChar character)
 
 Error unknown(const QString &text)
 {
-    return {InvalidInput, QStringLiteral("no modification %1").arg(shown(text))};
+    return {InvalidInput, QStringLiteral("no modification %1").arg(quotedText(text))};
 }
 
 // `text` begins with the sign.
@@ -173,10 +167,10 @@ Result<Modification> massFromText(const QString &text)
     bool isNumber = std::all_of(text.begin() + 1, text.end(), [](QChar c) { return isDigit(c) || c == u'.'; });
     const double mass = isNumber ? text.toDouble(&isNumber) : 0.0;
     if (!isNumber || std::abs(mass) > MAXIMUM_MASS)
-        return Error(InvalidInput, QStringLiteral("no mass of up to 1e6 Da: %1").arg(shown(text)));
+        return Error(InvalidInput, QStringLiteral("no mass of up to 1e6 Da: %1").arg(quotedText(text)));
     Modification modification = ofMass(mass);
     if (modification.mass == 0.0)
-        return Error(InvalidInput, QStringLiteral("no mass at all: %1").arg(shown(text)));
+        return Error(InvalidInput, QStringLiteral("no mass at all: %1").arg(quotedText(text)));
     return modification;
 }
 

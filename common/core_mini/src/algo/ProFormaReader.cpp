@@ -1,23 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ProFormaReader.h"
 
+#include "QuotedText.h"
+
 #include <utility>
 
 namespace zav {
 
 namespace {
 
-constexpr qsizetype SHOWN_LENGTH = 40; // of a text in a message
-
 bool isResidue(QChar character)
 {
     return character >= u'A' && character <= u'Z';
-}
-
-QString shown(QStringView text)
-{
-    const QLatin1String dots(text.size() > SHOWN_LENGTH ? "..." : "");
-    return QLatin1Char('\'') + text.left(SHOWN_LENGTH).toString() + dots + QLatin1Char('\'');
 }
 
 /// `index` counts from 0, the message from 1.
@@ -135,7 +129,7 @@ Error ProFormaReader::readFixedSite(QStringView site, qsizetype begin, FixedModi
         place.residue = residue[1];
     const bool isAnyResidue = residue.isEmpty() && place.kind != FixedSite::Residue;
     if (!isAnyResidue && !isResidue(place.residue))
-        return problem(QStringLiteral("no site %1 of a fixed modification").arg(shown(site)), begin);
+        return problem(QStringLiteral("no site %1 of a fixed modification").arg(quotedText(site)), begin);
     fixed->sites.append(place);
     return {};
 }
