@@ -27,7 +27,8 @@ In a peptide without modifications every cysteine is carbamidomethylated (--cyst
 modifications is taken as it is written: its plain C are free cysteines, which no training spectrum held.
 
 Without --format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .msp, .mgf,
-.json), and TSV otherwise. Intensities are relative to the base peak; peaks under 0.025 or over 2000 m/z are left out.
+.json), and TSV otherwise. Intensities are relative to the base peak. Peaks over 2000 m/z are left out, and those under
+0.025; with modifications or --energy those under 0.04, isotopes apart.
 
 Exit code: 0 everything asked was predicted, 1 something was not (standard error says what and why), 2 wrong usage.
 
