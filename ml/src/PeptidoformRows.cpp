@@ -50,7 +50,7 @@ void addComposition(const ElementalComposition &change, float *columns)
 
 } // namespace
 
-int positionOf(const PlacedModification &placed)
+int networkPosition(const PlacedModification &placed)
 {
     const int accession = placed.modification.unimodAccession;
     const bool isRing = accession == PYROGLUTAMATE_OF_GLUTAMATE || accession == PYROGLUTAMATE_OF_GLUTAMINE;
@@ -91,7 +91,7 @@ void write(const Peptidoform &peptidoform, float *rows)
     }
     const int length = peptidoform.length();
     for (const PlacedModification &placed : peptidoform.modifications()) {
-        const int position = positionOf(placed);
+        const int position = networkPosition(placed);
         const bool isTerminal = position == 0 || position > length;
         const int residue = std::clamp(position, 1, length);
         addComposition(placed.modification.composition,

@@ -31,7 +31,7 @@ inline constexpr int COLUMN_COUNT = 13;
 inline constexpr std::size_t SIZE = std::size_t{ROW_COUNT} * COLUMN_COUNT; ///< values of one peptidoform
 
 /// Where the networks see a modification: 0 and length + 1 are the termini.
-int positionOf(const PlacedModification &placed);
+int networkPosition(const PlacedModification &placed);
 
 /// Why a network cannot read the peptidoform, after its name: "has 60 residues, not 2 to 52". Empty when it can.
 QString problemOf(const Peptidoform &peptidoform);

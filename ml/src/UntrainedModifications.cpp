@@ -31,7 +31,7 @@ QString nameOf(QChar site)
 
 QChar siteOf(const PlacedModification &placed, const QString &sequence)
 {
-    const int position = peptidoformRows::positionOf(placed);
+    const int position = peptidoformRows::networkPosition(placed);
     if (position <= 0)
         return N_TERMINUS;
     return position > sequence.size() ? C_TERMINUS : sequence.at(position - 1);
