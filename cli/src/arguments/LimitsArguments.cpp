@@ -23,6 +23,14 @@ the file does not say; of several files, that of the first). height is the inten
 rule over the points within the limits, is intensity times that unit, area_above_line the part above the line between
 the first and the last of these points; points counts them. Nothing is smoothed for these measures.
 
+With --group the traces of a precursor share their limits: they are found in the square of the sum of the square roots
+of all intensities. Traces belong together that the file gives the same group (a column group in TSV and in the list of
+targets, the key group in JSON lines) or whose ids have the same first capture of --group-by; in mzML, otherwise, those
+with the same isolation target, peptide and polarity whose times overlap by half. Each trace has its own line, with the
+columns group, members (traces of the group) and shape (how alike trace and sum are within the limits, Pearson's r). A
+trace without signal there has the area 0, no apex and no shape. The input is read twice; gzipped input and standard
+input are copied to a temporary file.
+
 The length of the network's input sets the cost of a trace. A longer trace is thinned to it, with a note. Without
 --format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON
 lists every trace, with or without peaks. A file that cannot be read to its end ends the run, and the -o FILE does
@@ -35,6 +43,7 @@ Examples:
   zav limits run.mzML -o peaks.tsv
   zav limits run.mzML --mz 524.2648 --ppm 10 --rt 12-18 --plot trace.png
   zav limits run.mzML.gz --targets targets.tsv --plot pictures --plot-format pdf
+  zav limits srm.mzML --group --plot pictures -o peaks.tsv
   zav limits *.mzML --threads 8 --format json -o peaks.json
   zcat traces.jsonl.gz | zav limits - --method walk
 )";
@@ -61,6 +70,7 @@ private:
 void LimitsArguments::addTo(CLI::App *command)
 {
     addInputTo(command);
+    addGroupsTo(command, "limits");
     command
         ->add_option("--method", m_method,
                      std::string("network, or walk: outward from each highest point, without the network [") + NETWORK +

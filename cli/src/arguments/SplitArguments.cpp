@@ -14,6 +14,10 @@ that overlap, and a --rt range cuts one out of a long trace.
 One line per split, at most four per trace: its time in the unit of the file, which the header names (split_min; split
 where the file does not say; of several files, that of the first), and its probability.
 
+With --group the traces of a precursor share their splits ('zav limits --help' tells which belong together). Each trace
+has its own lines, with the columns group, members (traces of the group) and shape (how alike the trace and the sum of
+all are, Pearson's r).
+
 The length of the network's input sets the cost of a trace. A longer trace is thinned to it, with a note. Without
 --format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON
 lists every trace, with or without splits. A file that cannot be read to its end ends the run, and the -o FILE does
@@ -47,6 +51,7 @@ private:
 void SplitArguments::addTo(CLI::App *command)
 {
     addInputTo(command);
+    addGroupsTo(command, "splits");
     addNetworkTo(command);
     addSplitterTo(command);
     addOutputTo(command, "its splits");

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QRegularExpression>
 
 #include <cmath>
 #include <map>
@@ -77,6 +78,18 @@ void TraceArguments::addInputTo(CLI::App *command)
     command->add_option("--targets", m_targets, "extract one trace for each row of this list")->type_name("FILE.tsv");
 }
 
+void TraceArguments::addGroupsTo(CLI::App *command, const char *found)
+{
+    command->add_flag("--group", m_groups,
+                      std::string("read the traces of a precursor together and find the same ") + found +
+                          " for all of them");
+    command
+        ->add_option("--group-by", m_groupBy,
+                     "with --group: traces belong together whose ids have the same first capture of this regular "
+                     "expression")
+        ->type_name("REGEX");
+}
+
 void TraceArguments::addNetworkTo(CLI::App *command)
 {
     command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
@@ -125,8 +138,9 @@ Error TraceArguments::convert(TraceOptions *options) const
         return wrongArgument(
             QStringLiteral("--max-point-count is %1, must be %2 or less").arg(*m_maxPointCount).arg(MOST_POINTS));
     options->maxPointCount = m_maxPointCount;
-    for (auto part : {&TraceArguments::convertInputs, &TraceArguments::convertExtraction,
-                      &TraceArguments::convertOutput, &TraceArguments::convertPictures}) {
+    for (auto part :
+         {&TraceArguments::convertInputs, &TraceArguments::convertExtraction, &TraceArguments::convertGroups,
+          &TraceArguments::convertOutput, &TraceArguments::convertPictures}) {
         if (Error error = (this->*part)(options); error.hasError())
             return error;
     }
@@ -172,6 +186,18 @@ Error TraceArguments::convertTarget(TraceOptions *options) const
             QStringLiteral("--rt '%1' is not a time range such as 12.5-14").arg(displayText(text(m_timeRange))));
     options->target = target;
     return {};
+}
+
+Error TraceArguments::convertGroups(TraceOptions *options) const
+{
+    options->groupsTraces = m_groups;
+    options->groupPattern = text(m_groupBy);
+    if (!m_groupBy.empty() && !m_groups)
+        return wrongArgument(QStringLiteral("--group-by needs --group"));
+    const QRegularExpression pattern(options->groupPattern);
+    return pattern.isValid() ? Error()
+                             : wrongArgument(QStringLiteral("--group-by '%1' is not a regular expression: %2")
+                                                 .arg(displayText(options->groupPattern), pattern.errorString()));
 }
 
 Error TraceArguments::convertOutput(TraceOptions *options) const

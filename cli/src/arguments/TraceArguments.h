@@ -13,6 +13,7 @@ class TraceArguments : public CommandArguments
 {
 protected:
     void addInputTo(CLI::App *command);
+    void addGroupsTo(CLI::App *command, const char *found);
     void addNetworkTo(CLI::App *command);
     void addOutputTo(CLI::App *command, const char *shownInPictures);
 
@@ -31,13 +32,15 @@ private:
     Error convertInputs(TraceOptions *options) const;
     Error convertExtraction(TraceOptions *options) const;
     Error convertTarget(TraceOptions *options) const;
+    Error convertGroups(TraceOptions *options) const;
     Error convertOutput(TraceOptions *options) const;
     Error convertPictures(TraceOptions *options) const;
 
     std::vector<std::string> m_inputs;
-    std::string m_timeRange, m_targets, m_models, m_format, m_output, m_plot, m_plotFormat;
+    std::string m_timeRange, m_targets, m_groupBy, m_models, m_format, m_output, m_plot, m_plotFormat;
     std::optional<double> m_mz, m_ppm;
     std::optional<int> m_threads, m_maxPointCount;
+    bool m_groups = false;
     bool m_verbose = false;
 };
 

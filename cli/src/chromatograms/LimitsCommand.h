@@ -19,7 +19,9 @@ struct LimitsOptions : TraceOptions
 class LimitsCommand : public TraceCommand
 {
 public:
-    explicit LimitsCommand(const LimitsOptions &options) : TraceCommand(options, peakTable()), m_options(options) {}
+    explicit LimitsCommand(const LimitsOptions &options)
+        : TraceCommand(options, options.groupsTraces ? groupedPeakTable() : peakTable()), m_options(options)
+    {}
 
 private:
     NetworkUse networkUse() const override { return NetworkUse::PeakLimits; }

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PeakMeasures.h"
 
+#include "ConsensusTrace.h"
+
 #include <algorithm>
 #include <iterator>
+#include <limits>
 
 namespace zav {
 
@@ -29,6 +32,20 @@ double areaUnder(const QList<QPointF> &points)
     return area;
 }
 
+TracePeak withoutSignal(const TracePeak &peak)
+{
+    constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
+    return {peak.start, peak.end, NONE, 0, 0, 0, peak.points, NONE};
+}
+
+QString silenceRemark(qsizetype silent, qsizetype peaks)
+{
+    if (silent == 0)
+        return {};
+    return peaks == 1 ? QStringLiteral("no signal within the limits of the peak")
+                      : QStringLiteral("no signal within the limits of %1 of %2 peaks").arg(silent).arg(peaks);
+}
+
 } // namespace
 
 TracePeak measurePeak(const QList<QPointF> &points, const Interval<double> &limits)
@@ -47,6 +64,25 @@ TracePeak measurePeak(const QList<QPointF> &points, const Interval<double> &limi
     peak.areaAboveLine = peak.area - trapezoid(within.first(), within.last());
     peak.points = within.size();
     return peak;
+}
+
+TraceFindings memberFindings(const TraceFindings &ofConsensus, const QList<QPointF> &points,
+                             const QList<QPointF> &consensus)
+{
+    constexpr double INFINITE = std::numeric_limits<double>::infinity();
+    TraceFindings findings;
+    qsizetype silent = 0;
+    for (const TracePeak &common : ofConsensus.peaks) {
+        const Interval<double> limits{common.start, common.end};
+        TracePeak peak = measurePeak(points, limits);
+        peak.shape = shapeAgreement(points, consensus, limits);
+        silent += peak.height > 0 ? 0 : 1;
+        findings.peaks.append(peak.height > 0 ? peak : withoutSignal(peak));
+    }
+    findings.splits = ofConsensus.splits;
+    findings.shape = shapeAgreement(points, consensus, {-INFINITE, INFINITE});
+    findings.remark = silenceRemark(silent, ofConsensus.peaks.size());
+    return findings;
 }
 
 } // namespace zav

@@ -14,4 +14,12 @@ namespace zav {
 /// are: nothing is smoothed, interpolated or cut off below 0. Where there are none, all but the limits is 0.
 TracePeak measurePeak(const QList<QPointF> &points, const Interval<double> &limits);
 
+/// What was found in the consensus of a group, for one of its traces: the same limits and splits, measured on the
+/// trace's points and compared with the consensus.
+///
+/// Where the trace has no intensity above 0 within the limits, height and areas are 0, apex and shape NaN. `remark`
+/// says in how many peaks that is so; the other remarks are left to the group.
+TraceFindings memberFindings(const TraceFindings &ofConsensus, const QList<QPointF> &points,
+                             const QList<QPointF> &consensus);
+
 } // namespace zav

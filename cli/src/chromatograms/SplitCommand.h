@@ -17,7 +17,9 @@ struct SplitOptions : TraceOptions
 class SplitCommand : public TraceCommand
 {
 public:
-    explicit SplitCommand(const SplitOptions &options) : TraceCommand(options, splitTable()), m_options(options) {}
+    explicit SplitCommand(const SplitOptions &options)
+        : TraceCommand(options, options.groupsTraces ? groupedSplitTable() : splitTable()), m_options(options)
+    {}
 
 private:
     NetworkUse networkUse() const override { return NetworkUse::PeakSplits; }

@@ -22,6 +22,13 @@ QString Trace::name() const
     return inputName(file) + QStringLiteral(": ") + displayText(chromatogram.id, ID_LENGTH);
 }
 
+QString TraceGroup::title() const
+{
+    if (!isGrouped() || traces.size() == 1)
+        return traces.first().name();
+    return inputName(traces.first().file) + QStringLiteral(": group ") + displayText(name, ID_LENGTH);
+}
+
 void TraceTally::addTrace(qsizetype rows)
 {
     ++m_traces;
@@ -37,8 +44,10 @@ void TraceTally::addFailure()
 
 QString TraceTally::text(const QString &rowsName) const
 {
+    const QString groups =
+        m_groups > 0 ? QStringLiteral(" in ") + counted(m_groups, QStringLiteral("groups")) : QString();
     QString text = QStringLiteral("%1: %2 in %3, none in %4")
-                       .arg(counted(m_traces, QStringLiteral("traces")), counted(m_rows, rowsName))
+                       .arg(counted(m_traces, QStringLiteral("traces")) + groups, counted(m_rows, rowsName))
                        .arg(m_tracesWithRows)
                        .arg(m_traces - m_tracesWithRows - m_failures);
     if (m_failures > 0)

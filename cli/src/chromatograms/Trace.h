@@ -20,6 +20,7 @@ struct TracePeak
     double area = 0;          ///< by the trapezoid rule over the points within the limits
     double areaAboveLine = 0; ///< the same above the line between the first and the last of these points
     qsizetype points = 0;     ///< within the limits, both included
+    double shape = 0;         ///< in a group: agreement with the consensus within the limits, see `shapeAgreement`
 };
 
 /// Where one peak is to be split from the next.
@@ -34,6 +35,7 @@ struct TraceFindings
 {
     QList<TracePeak> peaks;   ///< by their start
     QList<TraceSplit> splits; ///< by time
+    double shape = 0;         ///< in a group: agreement with the consensus over the whole trace
     QString nothingFound;     ///< why there is neither; empty when there is one
     QString remark;           ///< what else to know; mostly empty
     QList<QString> warnings;  ///< of the predictor
@@ -47,11 +49,29 @@ struct Trace
     Chromatogram chromatogram; ///< of a broken trace only the id
     bool isBroken = false;     ///< it could not be read: the message of `problem` says file and trace
     TraceFindings findings;
-    Error problem;        ///< why there are no findings
-    Error pictureProblem; ///< why it could not be drawn
+    Error problem;         ///< why there are no findings
+    Error pictureProblem;  ///< why it could not be drawn
+    QString group;         ///< empty where traces are not grouped
+    qsizetype members = 0; ///< traces of its group
 
     /// What messages call it: file and id.
     QString name() const;
+};
+
+/// Traces that are searched together: those of one precursor, or a trace alone.
+struct TraceGroup
+{
+    qint64 number = 0;        ///< from 1, over all files
+    QString name;             ///< empty where traces are not grouped
+    QList<Trace> traces;      ///< one or more, in the file's order
+    QList<QPointF> consensus; ///< what was searched
+    TraceFindings findings;   ///< there
+    QString note;             ///< what to tell of the file before anything of the group; mostly empty
+
+    bool isGrouped() const { return !name.isEmpty(); }
+
+    /// What messages call it: file and group, or the name of its only trace.
+    QString title() const;
 };
 
 /// Counts what became of the traces of a run.
@@ -61,16 +81,20 @@ public:
     /// A trace that was searched, with the number of peaks or splits found in it, which may be 0.
     void addTrace(qsizetype rows);
 
+    /// A group, whose traces are counted for themselves.
+    void addGroup() { ++m_groups; }
+
     void addFailure();
 
     qint64 traces() const { return m_traces; }
     qint64 failures() const { return m_failures; }
 
-    /// `12 traces: 14 peaks in 9, none in 2, 1 failed`; `rowsName` is the plural.
+    /// `12 traces: 14 peaks in 9, none in 2, 1 failed`, or `12 traces in 3 groups: ...`; `rowsName` is the plural.
     QString text(const QString &rowsName) const;
 
 private:
     qint64 m_traces = 0;
+    qint64 m_groups = 0;
     qint64 m_tracesWithRows = 0;
     qint64 m_rows = 0;
     qint64 m_failures = 0;

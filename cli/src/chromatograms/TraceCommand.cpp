@@ -2,7 +2,9 @@
 #include "TraceCommand.h"
 
 #include "ByteStream.h"
+#include "ConsensusTrace.h"
 #include "OrderedPipeline.h"
+#include "PeakMeasures.h"
 #include "PrintableText.h"
 #include "RuntimeThreads.h"
 #include "TargetList.h"
@@ -64,12 +66,15 @@ Error TraceCommand::openTraces()
     if (m_options.target)
         targets.append(*m_options.target);
     if (!m_options.targetList.isEmpty()) {
-        const Result<QList<ExtractionTarget>> list = readTargetList(m_options.targetList, m_options.targetPpm);
+        const Result<QList<ExtractionTarget>> list =
+            readTargetList(m_options.targetList, m_options.targetPpm, m_options.groupsTraces);
         if (list.hasError())
             return list.error();
         targets = list.value();
     }
     m_stream = std::make_unique<TraceStream>(m_options.inputs, targets);
+    if (m_options.groupsTraces)
+        m_stream->group(QRegularExpression(m_options.groupPattern));
     return m_stream->open();
 }
 
@@ -94,12 +99,12 @@ Error TraceCommand::analyseAll()
     // A thread that waits for standard input cannot be woken: an interrupt then ends the process at once.
     if (!m_options.inputs.contains(QStringLiteral("-")))
         noteInterrupts();
-    OrderedPipeline<Trace, Trace> pipeline({m_options.threads}, [this] { return isInterrupted(); });
+    OrderedPipeline<TraceGroup, TraceGroup> pipeline({m_options.threads}, [this] { return isInterrupted(); });
     return pipeline.run([this] { return read(); },
-                        [this](int thread, Trace trace) {
-                            return analyse(m_analyses[static_cast<size_t>(thread)].get(), std::move(trace));
+                        [this](int thread, TraceGroup group) {
+                            return analyse(m_analyses[static_cast<size_t>(thread)].get(), std::move(group));
                         },
-                        [&](const Trace &trace) { return accept(trace, &progress); });
+                        [&](const TraceGroup &group) { return accept(group, &progress); });
 }
 
 Error TraceCommand::finishOutput()
@@ -107,45 +112,74 @@ Error TraceCommand::finishOutput()
     return m_output.finish();
 }
 
-Result<std::optional<Trace>> TraceCommand::read()
+Result<std::optional<TraceGroup>> TraceCommand::read()
 {
-    Result<std::optional<Trace>> input = m_stream->next();
+    Result<std::optional<TraceGroup>> input = m_stream->next();
     if (input.hasError() || !input.value() || !m_pictures.isOneFile() || input.value()->number > 1)
         return input;
-    const Result<std::optional<Trace>> second = m_stream->next();
+    const Result<std::optional<TraceGroup>> second = m_stream->next();
     if (second.hasError())
         return second.error();
     if (second.value())
-        return Error(InvalidInput, QStringLiteral("--plot %1 holds one trace and there are several; give a folder to "
-                                                  "draw them all")
-                                       .arg(displayText(m_options.picturePath, 300)));
+        return Error(InvalidInput,
+                     QStringLiteral("--plot %1 holds one %2 and there are several; give a folder to draw them all")
+                         .arg(displayText(m_options.picturePath, 300),
+                              m_options.groupsTraces ? QStringLiteral("group") : QStringLiteral("trace")));
     return input;
 }
 
 /// In one of the pipeline's threads.
-Trace TraceCommand::analyse(TraceAnalysis *analysis, Trace trace) const
+TraceGroup TraceCommand::analyse(TraceAnalysis *analysis, TraceGroup group) const
 {
-    if (trace.isBroken)
-        return trace;
-    Result<TraceFindings> findings = analysis->analyse(trace.chromatogram.points);
-    trace.problem = findings.error();
-    if (!findings.hasError()) {
-        trace.findings = std::move(findings).value();
-        trace.pictureProblem = m_pictures.draw(trace);
+    QList<Trace *> sound;
+    QList<QList<QPointF>> points;
+    for (Trace &trace : group.traces) {
+        if (trace.isBroken)
+            continue;
+        sound.append(&trace);
+        points.append(trace.chromatogram.points);
     }
-    return trace;
+    if (sound.isEmpty())
+        return group;
+    group.consensus = points.size() == 1 ? points.first() : consensusOf(points);
+    Result<TraceFindings> findings = analysis->analyse(group.consensus);
+    for (Trace *trace : sound)
+        trace->problem = findings.error();
+    if (findings.hasError())
+        return group;
+    group.findings = std::move(findings).value();
+    for (Trace *trace : sound)
+        trace->findings = group.isGrouped()
+                              ? memberFindings(group.findings, trace->chromatogram.points, group.consensus)
+                              : group.findings;
+    sound.first()->pictureProblem = m_pictures.draw(group);
+    return group;
 }
 
 /// The error is one of writing.
-Error TraceCommand::accept(const Trace &trace, Progress *progress)
+Error TraceCommand::accept(const TraceGroup &group, Progress *progress)
 {
-    Error error;
-    if (trace.problem.hasError())
-        countFailure(trace.problem, trace.isBroken ? QString() : trace.name());
-    else
-        error = write(trace);
-    progress->update(m_tally.traces());
-    return error;
+    if (!group.note.isEmpty())
+        messages().note(group.note);
+    if (group.isGrouped()) {
+        m_tally.addGroup();
+        tell(group.findings, group.title());
+    }
+    for (const Trace &trace : group.traces) {
+        Error error = accept(trace);
+        progress->update(m_tally.traces());
+        if (error.hasError())
+            return error;
+    }
+    return {};
+}
+
+Error TraceCommand::accept(const Trace &trace)
+{
+    if (!trace.problem.hasError())
+        return write(trace);
+    countFailure(trace.problem, trace.isBroken ? QString() : trace.name());
+    return {};
 }
 
 Error TraceCommand::write(const Trace &trace)
@@ -155,19 +189,19 @@ Error TraceCommand::write(const Trace &trace)
         countFailure(text.error(), trace.name());
         return {};
     }
-    tell(trace);
+    tell(trace.findings, trace.name());
     if (trace.pictureProblem.hasError())
         return trace.pictureProblem;
     m_tally.addTrace(m_table.rows(trace.findings).size());
     return m_output.write(text.value());
 }
 
-void TraceCommand::tell(const Trace &trace)
+void TraceCommand::tell(const TraceFindings &findings, const QString &subject)
 {
-    const QList<QString> remarks = {trace.findings.remark, trace.findings.nothingFound};
-    for (const QString &remark : trace.findings.warnings + remarks) {
+    const QList<QString> remarks = {findings.remark, findings.nothingFound};
+    for (const QString &remark : findings.warnings + remarks) {
         if (!remark.isEmpty())
-            messages().note(trace.name() + QStringLiteral(": ") + remark);
+            messages().note(subject + QStringLiteral(": ") + remark);
     }
 }
 

@@ -36,6 +36,8 @@ struct TraceOptions
     QString outputPath;                     ///< empty: standard output
     QString picturePath;                    ///< a picture, or a folder for one of every trace; empty: none
     QString pictureFolderFormat;            ///< of the pictures in a folder; empty: `picturePath` is a picture
+    bool groupsTraces = false;              ///< search the traces of a precursor together
+    QString groupPattern;                   ///< with that: of the part of an id that names the group; may be empty
     int threads = 1;
     bool verbose = false;
 
@@ -75,11 +77,12 @@ private:
     Error loadNetwork();
     Error analyseAll();
     Error finishOutput();
-    Result<std::optional<Trace>> read();
-    Trace analyse(TraceAnalysis *analysis, Trace trace) const;
-    Error accept(const Trace &trace, Progress *progress);
+    Result<std::optional<TraceGroup>> read();
+    TraceGroup analyse(TraceAnalysis *analysis, TraceGroup group) const;
+    Error accept(const TraceGroup &group, Progress *progress);
+    Error accept(const Trace &trace);
     Error write(const Trace &trace);
-    void tell(const Trace &trace);
+    void tell(const TraceFindings &findings, const QString &subject);
     void countFailure(const Error &error, const QString &subject);
 
     TraceOptions m_options;

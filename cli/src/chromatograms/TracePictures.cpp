@@ -36,6 +36,31 @@ QString safeName(const QString &id)
     return name.left(ID_LENGTH);
 }
 
+QString headingOf(const TraceGroup &group)
+{
+    return group.isGrouped() ? group.name : group.traces.first().chromatogram.id;
+}
+
+/// Those that could be read, where there are several.
+QList<ChromatogramPlotMember> membersOf(const TraceGroup &group)
+{
+    QList<ChromatogramPlotMember> members;
+    for (const Trace &trace : group.traces) {
+        if (!trace.isBroken)
+            members.append({trace.chromatogram.id, trace.chromatogram.points});
+    }
+    return members.size() > 1 ? members : QList<ChromatogramPlotMember>();
+}
+
+/// The consensus in the size of the members: with the mean of the square roots in place of their sum.
+QList<QPointF> scaledConsensus(QList<QPointF> consensus, qsizetype members)
+{
+    const auto factor = static_cast<double>(members * members);
+    for (QPointF &point : consensus)
+        point.ry() /= factor;
+    return consensus;
+}
+
 } // namespace
 
 Error TracePictures::prepare() const
@@ -49,13 +74,13 @@ Error TracePictures::prepare() const
     return Error(Failure, QStringLiteral("cannot make the folder %1 for the pictures").arg(displayText(m_path, 300)));
 }
 
-QString TracePictures::pathOf(const Trace &trace) const
+QString TracePictures::pathOf(const TraceGroup &group) const
 {
     if (isOneFile())
         return m_path;
     const QString name = QStringLiteral("%1_%2.%3")
-                             .arg(trace.number, NUMBER_DIGITS, 10, QLatin1Char('0'))
-                             .arg(safeName(trace.chromatogram.id), m_folderFormat);
+                             .arg(group.number, NUMBER_DIGITS, 10, QLatin1Char('0'))
+                             .arg(safeName(headingOf(group)), m_folderFormat);
     return QDir(m_path).filePath(name);
 }
 
@@ -66,21 +91,23 @@ QString TracePictures::sourceOf(const Trace &trace) const
     return m_ppm ? QStringLiteral("%1, %2 %3 ppm").arg(name, QChar(0xb1), QString::number(*m_ppm)) : name;
 }
 
-Error TracePictures::draw(const Trace &trace) const
+Error TracePictures::draw(const TraceGroup &group) const
 {
     if (!areDrawn())
         return {};
+    const Trace &first = group.traces.first();
     ChromatogramPlotData data;
-    data.id = trace.chromatogram.id;
-    data.source = sourceOf(trace);
-    data.points = trace.chromatogram.points;
-    data.timeUnit = trace.chromatogram.timeUnit;
-    data.intensityUnit = trace.chromatogram.intensityUnit;
-    for (const TracePeak &peak : trace.findings.peaks)
+    data.id = headingOf(group);
+    data.source = sourceOf(first);
+    data.members = membersOf(group);
+    data.points = data.members.isEmpty() ? group.consensus : scaledConsensus(group.consensus, data.members.size());
+    data.timeUnit = first.chromatogram.timeUnit;
+    data.intensityUnit = first.chromatogram.intensityUnit;
+    for (const TracePeak &peak : group.findings.peaks)
         data.peaks.append({peak.start, peak.end, peak.apex});
-    for (const TraceSplit &split : trace.findings.splits)
+    for (const TraceSplit &split : group.findings.splits)
         data.splits.append({split.time, split.probability});
-    return drawChromatogram(data, pathOf(trace));
+    return drawChromatogram(data, pathOf(group));
 }
 
 } // namespace zav

@@ -11,7 +11,7 @@
 
 namespace zav {
 
-/// The pictures of a run: one file, or one for each trace in a folder.
+/// The pictures of a run: one file, or one for each trace or group in a folder.
 class TracePictures
 {
 public:
@@ -24,18 +24,20 @@ public:
     /// Makes the folder. Fails when that is impossible, and in a build that cannot draw.
     Error prepare() const;
 
-    /// There is room for one trace only.
+    /// There is room for one trace or group only.
     bool isOneFile() const { return areDrawn() && m_folderFormat.isEmpty(); }
 
-    /// Draws the trace with its findings, if anything is to be drawn. From any thread.
+    /// Draws the traces that were searched together with what was found in them, if anything is to be drawn. From any
+    /// thread.
     ///
-    /// In a folder the file is `0007_SRM_421.7.svg` for example: the trace's number in the run makes the name unique,
-    /// and its id, shortened and without what a file system might refuse, tells people which it is.
-    Error draw(const Trace &trace) const;
+    /// In a folder the file is `0007_SRM_421.7.svg` for example: the number in the run makes the name unique, and the
+    /// id of the trace or the name of the group, shortened and without what a file system might refuse, tells people
+    /// which it is.
+    Error draw(const TraceGroup &group) const;
 
 private:
     bool areDrawn() const { return !m_path.isEmpty(); }
-    QString pathOf(const Trace &trace) const;
+    QString pathOf(const TraceGroup &group) const;
     QString sourceOf(const Trace &trace) const;
 
     QString m_path;

@@ -21,6 +21,27 @@ QList<QList<double>> splitRows(const TraceFindings &findings)
     return rows;
 }
 
+QList<QList<double>> groupedPeakRows(const TraceFindings &findings)
+{
+    QList<QList<double>> rows = peakRows(findings);
+    for (qsizetype i = 0; i < rows.size(); ++i)
+        rows[i].append(findings.peaks[i].shape);
+    return rows;
+}
+
+QList<QList<double>> groupedSplitRows(const TraceFindings &findings)
+{
+    QList<QList<double>> rows = splitRows(findings);
+    for (QList<double> &row : rows)
+        row.append(findings.shape);
+    return rows;
+}
+
+TraceTable grouped(const TraceTable &table, QList<QList<double>> (*rows)(const TraceFindings &findings))
+{
+    return {table.rowsName, table.columns + QList<TraceColumn>{{"shape", TraceColumn::Shape}}, rows, true};
+}
+
 double secondsIn(const QString &timeUnit)
 {
     if (timeUnit == QLatin1String("min"))
@@ -44,10 +65,22 @@ const TraceTable &peakTable()
     return table;
 }
 
+const TraceTable &groupedPeakTable()
+{
+    static const TraceTable table = grouped(peakTable(), groupedPeakRows);
+    return table;
+}
+
 const TraceTable &splitTable()
 {
     static const TraceTable table = {
         "splits", {{"split", TraceColumn::Time}, {"probability", TraceColumn::Probability}}, splitRows};
+    return table;
+}
+
+const TraceTable &groupedSplitTable()
+{
+    static const TraceTable table = grouped(splitTable(), groupedSplitRows);
     return table;
 }
 
@@ -63,6 +96,7 @@ QByteArray valueText(const TraceColumn &column, double value)
     case TraceColumn::Time:
         return QByteArray::number(value, 'f', 5);
     case TraceColumn::Probability:
+    case TraceColumn::Shape:
         return QByteArray::number(value, 'f', 4);
     case TraceColumn::Count:
         return QByteArray::number(value, 'f', 0);

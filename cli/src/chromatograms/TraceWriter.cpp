@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -25,6 +26,12 @@ Json known(const QString &text)
     return text.isEmpty() ? Json() : Json(text.toStdString());
 }
 
+/// In a group, a measure that the trace does not have.
+bool isMissing(const TraceTable &table, double value)
+{
+    return table.isGrouped && std::isnan(value);
+}
+
 class TraceJsonWriter : public TraceWriter
 {
 public:
@@ -37,6 +44,10 @@ public:
         if (m_namesFile)
             object["file"] = trace.file.toStdString();
         object["id"] = chromatogram.id.toStdString();
+        if (m_table.isGrouped) {
+            object["group"] = trace.group.toStdString();
+            object["members"] = trace.members;
+        }
         object["time_unit"] = known(chromatogram.timeUnit);
         object["intensity_unit"] = known(chromatogram.intensityUnit);
         object["points"] = chromatogram.points.size();
@@ -57,7 +68,9 @@ private:
         Json row;
         for (int i = 0; i < values.size(); ++i) {
             const TraceColumn &column = m_table.columns[i];
-            if (column.kind == TraceColumn::Count)
+            if (isMissing(m_table, values[i]))
+                row[column.name] = nullptr;
+            else if (column.kind == TraceColumn::Count)
                 row[column.name] = static_cast<qint64>(values[i]);
             else
                 row[column.name] = valueText(column, values[i]).toDouble();
@@ -92,6 +105,8 @@ public:
             return Error(InvalidInput, QStringLiteral("times are in %1, but the header says %2")
                                            .arg(unitName(timeUnit), unitName(*m_timeUnit)));
         QByteArray text = isFirst ? header(*m_timeUnit) : QByteArray();
+        if (m_table.isGrouped)
+            text += groupHeading(trace);
         for (const QList<double> &values : scaled(m_table.rows(trace.findings), m_table, *factor))
             text += line(trace, values);
         return text;
@@ -103,6 +118,7 @@ protected:
 private:
     virtual QByteArray header(const QString &timeUnit) const = 0;
     virtual QByteArray line(const Trace &trace, const QList<double> &values) const = 0;
+    virtual QByteArray groupHeading(const Trace & /*trace*/) { return {}; }
 
     const TraceTable &m_table;
     std::optional<QString> m_timeUnit; ///< set by the first trace
@@ -123,6 +139,8 @@ private:
     QByteArray header(const QString &timeUnit) const override
     {
         QByteArray text = m_namesFile ? "file\tid" : "id";
+        if (table().isGrouped)
+            text += "\tgroup\tmembers";
         for (const TraceColumn &column : table().columns)
             text += '\t' + columnTitle(column, timeUnit);
         return text + '\n';
@@ -131,8 +149,13 @@ private:
     QByteArray line(const Trace &trace, const QList<double> &values) const override
     {
         QByteArray text = (m_namesFile ? cell(trace.file) + '\t' : QByteArray()) + cell(trace.chromatogram.id);
-        for (int i = 0; i < values.size(); ++i)
-            text += '\t' + valueText(table().columns[i], values[i]);
+        if (table().isGrouped)
+            text += '\t' + cell(trace.group) + '\t' + QByteArray::number(trace.members);
+        for (int i = 0; i < values.size(); ++i) {
+            text += '\t';
+            if (!isMissing(table(), values[i]))
+                text += valueText(table().columns[i], values[i]);
+        }
         return text + '\n';
     }
 
@@ -163,8 +186,19 @@ private:
     {
         QList<QByteArray> numbers;
         for (int i = 0; i < values.size(); ++i)
-            numbers.append(shortText(table().columns[i], values[i]));
+            numbers.append(isMissing(table(), values[i]) ? "-" : shortText(table().columns[i], values[i]));
         return fullLine(numbers, trace.file, displayText(trace.chromatogram.id, ID_LENGTH));
+    }
+
+    /// Only above rows; the first member has as many as the others.
+    QByteArray groupHeading(const Trace &trace) override
+    {
+        const std::pair<QString, QString> group(trace.file, trace.group);
+        if (group == m_group || table().rows(trace.findings).isEmpty())
+            return {};
+        m_group = group;
+        return "\ngroup " + displayText(trace.group, ID_LENGTH).toUtf8() + ", " + QByteArray::number(trace.members) +
+               (trace.members == 1 ? " member\n" : " members\n");
     }
 
     QByteArray fullLine(const QList<QByteArray> &numbers, const QString &file, const QString &id) const
@@ -179,7 +213,8 @@ private:
         return text + "  " + id.toUtf8() + '\n';
     }
 
-    int m_fileWidth = 0; ///< characters; 0: no such column
+    int m_fileWidth = 0;                 ///< characters; 0: no such column
+    std::pair<QString, QString> m_group; ///< file and name of the last
 };
 
 } // namespace

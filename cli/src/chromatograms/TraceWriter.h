@@ -34,6 +34,10 @@ namespace zav {
 ///
 /// `file` comes first when there are several; units are null where the file does not say. Every trace is there, also
 /// without peaks, with its times in its own unit.
+///
+/// With a table for groups, Tsv has the columns `group` and `members` behind the id and Json has the same keys. Table
+/// has a line that names the group and counts its members above the group's rows. A value that a trace does not have is
+/// an empty cell, null, or `-`.
 enum class TraceFormat { Table, Tsv, Json };
 
 /// One text format. A document is every trace by `text`, in order, and `closing`; lines end with LF, numbers have a

@@ -4,6 +4,7 @@
 #include "PrintableText.h"
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QTemporaryFile>
 
 #include <zlib.h>
 
@@ -90,14 +91,14 @@ struct ByteStream::Gzip
     }
 };
 
-ByteStream::ByteStream(const QString &path) : m_name(inputName(path)), m_file(path) {}
+ByteStream::ByteStream(const QString &path) : m_name(inputName(path)), m_file(std::make_unique<QFile>(path)) {}
 
 ByteStream::~ByteStream() = default;
 
 Result<std::unique_ptr<ByteStream>> ByteStream::open(const QString &path)
 {
     std::unique_ptr<ByteStream> stream(new ByteStream(path));
-    QFile &file = stream->m_file;
+    QFile &file = *stream->m_file;
     if (!isStandardInput(path) && QFileInfo(path).isDir())
         return cannotRead(stream->m_name, QStringLiteral("it is a folder"));
     const bool isOpen = isStandardInput(path) ? file.open(stdin, QIODevice::ReadOnly)
@@ -108,6 +109,49 @@ Result<std::unique_ptr<ByteStream>> ByteStream::open(const QString &path)
     if (Error error = stream->start(); error.hasError())
         return error;
     return stream;
+}
+
+Result<std::unique_ptr<ByteStream>> ByteStream::openSeekable(const QString &path)
+{
+    Result<std::unique_ptr<ByteStream>> opened = open(path);
+    if (opened.hasError())
+        return opened.error();
+    std::unique_ptr<ByteStream> stream = std::move(opened).value();
+    if (!stream->m_gzip && !stream->m_file->isSequential())
+        return stream;
+    auto copy = std::make_unique<QTemporaryFile>();
+    if (Error error = stream->copyTo(copy.get()); error.hasError())
+        return error;
+    if (Error error = stream->readInstead(std::move(copy)); error.hasError())
+        return error;
+    return stream;
+}
+
+Error ByteStream::copyTo(QTemporaryFile *copy)
+{
+    bool isWritten = copy->open();
+    for (QByteArray piece; isWritten;) {
+        if (Error error = read(&piece); error.hasError())
+            return error;
+        if (piece.isEmpty())
+            break;
+        isWritten = copy->write(piece) == piece.size();
+    }
+    if (isWritten && copy->flush())
+        return {};
+    return cannotRead(m_name, QStringLiteral("its copy in the folder for temporary files cannot be written: ") +
+                                  copy->errorString());
+}
+
+Error ByteStream::readInstead(std::unique_ptr<QTemporaryFile> copy)
+{
+    m_rawSize = copy->size();
+    m_rawRead = 0;
+    m_gzip.reset();
+    m_file = std::move(copy);
+    if (!m_file->seek(0))
+        return cannotRead(m_name, m_file->errorString());
+    return refill();
 }
 
 Error ByteStream::start()
@@ -138,9 +182,9 @@ Error ByteStream::read(QByteArray *piece)
 
 Error ByteStream::seek(qint64 offset)
 {
-    if (m_file.isSequential() || !m_file.seek(m_gzip ? 0 : offset))
+    if (m_file->isSequential() || !m_file->seek(m_gzip ? 0 : offset))
         return cannotRead(m_name, QStringLiteral("it cannot be read a second time"));
-    m_rawRead = m_file.pos();
+    m_rawRead = m_file->pos();
     const bool isGzipped = m_gzip != nullptr;
     m_gzip = isGzipped ? std::make_unique<Gzip>() : nullptr;
     m_error = refill();
@@ -186,10 +230,10 @@ Error ByteStream::inflatePiece()
 Error ByteStream::readRaw(QByteArray *piece)
 {
     piece->resize(PIECE_BYTES);
-    const qint64 count = m_file.read(piece->data(), PIECE_BYTES);
+    const qint64 count = m_file->read(piece->data(), PIECE_BYTES);
     piece->resize(std::max(count, qint64{0}));
     m_rawRead += piece->size();
-    return count < 0 ? cannotRead(m_name, m_file.errorString()) : Error();
+    return count < 0 ? cannotRead(m_name, m_file->errorString()) : Error();
 }
 
 } // namespace zav

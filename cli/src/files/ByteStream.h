@@ -10,6 +10,8 @@
 
 #include <memory>
 
+class QTemporaryFile;
+
 namespace zav {
 
 /// What is said of an input that cannot be read, whoever reads it: "cannot read `name`: `reason`". A reason about the
@@ -25,6 +27,10 @@ public:
     /// "-" is standard input. An error for what cannot be opened, for a folder and for gzip that is damaged at its
     /// start. A file without content is none.
     static Result<std::unique_ptr<ByteStream>> open(const QString &path);
+
+    /// Likewise, for what is read in several places: every `seek` works and is quick. A pipe and gzipped content are
+    /// first copied to a temporary file, inflated, which goes with this object.
+    static Result<std::unique_ptr<ByteStream>> openSeekable(const QString &path);
 
     ~ByteStream();
     Q_DISABLE_COPY_MOVE(ByteStream)
@@ -51,12 +57,14 @@ private:
     explicit ByteStream(const QString &path);
 
     Error start();
+    Error copyTo(QTemporaryFile *copy);
+    Error readInstead(std::unique_ptr<QTemporaryFile> copy);
     Error refill();
     Error inflatePiece();
     Error readRaw(QByteArray *piece);
 
     QString m_name;
-    QFile m_file;
+    std::unique_ptr<QFile> m_file;
     std::unique_ptr<Gzip> m_gzip; // only for gzipped content
     QByteArray m_next;            // what `read` gives next
     qint64 m_rawSize = 0;

@@ -24,6 +24,7 @@ constexpr qsizetype PIECE = 1000;    // points of a line drawn at once: one stro
 constexpr qsizetype MAX_LABELS = 60; // of the highest peaks; more find no room
 constexpr double AREA_OPACITY = 0.35;
 constexpr double LIMITS_OPACITY = 0.09;
+constexpr double GROUP_LIMITS_OPACITY = 0.18; // where nothing else shows the peak
 
 QColor withOpacity(QColor color, double opacity)
 {
@@ -53,6 +54,11 @@ QPen tracePen()
     return QPen(plotStyle::textColor(), 1.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
 }
 
+QPen consensusPen()
+{
+    return QPen(plotStyle::textColor(), 0.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+}
+
 QPen endLinePen()
 {
     return QPen(plotStyle::peakColor(0), 0.8, Qt::SolidLine, Qt::FlatCap);
@@ -70,6 +76,11 @@ QColor areaColor(qsizetype peak)
     return withOpacity(plotStyle::peakColor(peak), AREA_OPACITY);
 }
 
+QColor limitsColor(qsizetype peak)
+{
+    return withOpacity(plotStyle::peakColor(peak), GROUP_LIMITS_OPACITY);
+}
+
 } // namespace chromatogramStyle
 
 // A text at the top of a stick, with what it is drawn in.
@@ -80,12 +91,16 @@ struct ChromatogramPanel::Label
     QColor color;
 };
 
-ChromatogramPanel::ChromatogramPanel(const ChromatogramPlotData &data, const ChromatogramTrace &trace,
+ChromatogramPanel::ChromatogramPanel(const ChromatogramPlotData &data, const QList<ChromatogramTrace> &traces,
                                      const PlotScale &time, const PlotScale &intensity, double top)
-    : m_trace(trace), m_time(time), m_intensity(intensity), m_top(top)
+    : m_traces(traces), m_time(time), m_intensity(intensity), m_top(top)
 {
-    for (const QList<QPointF> &run : trace.runs())
-        m_lines.append(onPage(run));
+    for (const ChromatogramTrace &trace : traces) {
+        QList<QList<QPointF>> lines;
+        for (const QList<QPointF> &run : trace.runs())
+            lines.append(onPage(run));
+        m_lines.append(lines);
+    }
     const Interval<double> times{time.from, time.to};
     for (const ChromatogramPlotPeak &peak : data.peaks.first(std::min(MAX_PEAKS, data.peaks.size()))) {
         if (overlaps(times, peak.start, peak.end))
@@ -98,6 +113,13 @@ ChromatogramPanel::ChromatogramPanel(const ChromatogramPlotData &data, const Chr
         if (overlaps(times, split.time, split.time))
             m_splits.append(split);
     }
+}
+
+QPen ChromatogramPanel::pen(qsizetype trace) const
+{
+    if (!isGroup())
+        return chromatogramStyle::tracePen();
+    return trace == 0 ? chromatogramStyle::consensusPen() : plotStyle::memberPen(trace - 1);
 }
 
 double ChromatogramPanel::plotHeight() const
@@ -116,14 +138,16 @@ QList<QPointF> ChromatogramPanel::onPage(const QList<QPointF> &line) const
 
 void ChromatogramPanel::paint(QPainter *painter) const
 {
-    if (m_trace.pointCount() == 0)
+    if (std::all_of(m_traces.begin(), m_traces.end(), [](const auto &trace) { return trace.pointCount() == 0; }))
         paintEmpty(painter);
     if (m_intensity.from < 0)
         paintZero(painter);
     for (qsizetype i = 0; i < m_peaks.size(); ++i)
         paintPeak(painter, i);
-    paintTrace(painter);
-    paintPoints(painter);
+    for (qsizetype i = 0; i < m_traces.size(); ++i) {
+        paintTrace(painter, i);
+        paintPoints(painter, i);
+    }
     paintSplits(painter);
     paintLabels(painter);
 }
@@ -149,8 +173,11 @@ void ChromatogramPanel::paintPeak(QPainter *painter, qsizetype number) const
     const ChromatogramPlotPeak &peak = m_peaks[number];
     const double start = m_time.at(peak.start);
     painter->fillRect(QRectF(start, m_intensity.end, m_time.at(peak.end) - start, plotHeight()),
-                      withOpacity(plotStyle::peakColor(number), LIMITS_OPACITY));
-    const QList<QPointF> line = onPage(m_trace.between(peak.start, peak.end));
+                      isGroup() ? chromatogramStyle::limitsColor(number)
+                                : withOpacity(plotStyle::peakColor(number), LIMITS_OPACITY));
+    if (isGroup())
+        return;
+    const QList<QPointF> line = onPage(m_traces.first().between(peak.start, peak.end));
     if (line.isEmpty())
         return;
     painter->setPen(Qt::NoPen);
@@ -162,19 +189,22 @@ void ChromatogramPanel::paintPeak(QPainter *painter, qsizetype number) const
     painter->drawLine(line.first(), line.last());
 }
 
-void ChromatogramPanel::paintTrace(QPainter *painter) const
+void ChromatogramPanel::paintTrace(QPainter *painter, qsizetype trace) const
 {
-    painter->setPen(chromatogramStyle::tracePen());
-    for (const QList<QPointF> &line : m_lines)
+    painter->setPen(pen(trace));
+    for (const QList<QPointF> &line : m_lines[trace])
         drawLine(painter, line);
 }
 
-void ChromatogramPanel::paintPoints(QPainter *painter) const
+void ChromatogramPanel::paintPoints(QPainter *painter, qsizetype trace) const
 {
-    const bool areSparse = static_cast<double>(m_trace.pointCount()) * MIN_POINT_SPACING < m_time.end - m_time.start;
+    if (isGroup() && trace == 0)
+        return; // nothing was measured there
+    const auto count = static_cast<double>(m_traces[trace].pointCount());
+    const bool areSparse = count * MIN_POINT_SPACING < m_time.end - m_time.start;
     painter->setPen(Qt::NoPen);
-    painter->setBrush(plotStyle::textColor());
-    for (const QList<QPointF> &line : m_lines) {
+    painter->setBrush(pen(trace).color());
+    for (const QList<QPointF> &line : m_lines[trace]) {
         if (!areSparse && line.size() > 1)
             continue; // a lone point has no line that would show it
         for (const QPointF &point : line)
@@ -210,7 +240,7 @@ QList<ChromatogramPanel::Label> ChromatogramPanel::labels(const QFontMetricsF &m
 {
     QList<Label> labels;
     for (const ChromatogramPlotPeak &peak : m_peaks) {
-        const std::optional<double> height = m_trace.intensityAt(peak.apex);
+        const std::optional<double> height = heightAt(peak.apex);
         if (!height)
             continue;
         const QString text = textOnAxis(peak.apex, m_time.to - m_time.from);
@@ -230,13 +260,24 @@ QList<ChromatogramPanel::Label> ChromatogramPanel::labels(const QFontMetricsF &m
     return labels;
 }
 
-// What labels must not cover: the trace, column by column, and the splits.
+// Of the highest trace.
+std::optional<double> ChromatogramPanel::heightAt(double time) const
+{
+    std::optional<double> highest;
+    for (const ChromatogramTrace &trace : m_traces)
+        highest = std::max(highest, trace.intensityAt(time)); // no value is the lowest
+    return highest;
+}
+
+// What labels must not cover: the traces, column by column, and the splits.
 QList<Stick> ChromatogramPanel::sticks() const
 {
     QList<Stick> sticks;
-    for (const QList<QPointF> &line : m_lines) {
-        for (const LineColumn &column : columnsOf(line, 1))
-            sticks.append({column.x, m_intensity.start - column.low});
+    for (const QList<QList<QPointF>> &lines : m_lines) {
+        for (const QList<QPointF> &line : lines) {
+            for (const LineColumn &column : columnsOf(line, 1))
+                sticks.append({column.x, m_intensity.start - column.low});
+        }
     }
     for (const ChromatogramPlotSplit &split : m_splits)
         sticks.append({m_time.at(split.time), plotHeight()});

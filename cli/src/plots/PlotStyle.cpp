@@ -5,6 +5,7 @@
 #include <QtGui/QPainter>
 
 #include <algorithm>
+#include <array>
 
 namespace zav {
 
@@ -52,6 +53,20 @@ QColor lighterIonColor(QChar ionType)
 QColor peakColor(qsizetype number)
 {
     return number % 2 == 0 ? QColor(0x00, 0x72, 0xB2) : QColor(0x56, 0xB4, 0xE9);
+}
+
+QPen memberPen(qsizetype number)
+{
+    static const std::array<QColor, 6> COLORS = {QColor(0x00, 0x72, 0xB2), QColor(0xD5, 0x5E, 0x00),
+                                                 QColor(0x00, 0x9E, 0x73), QColor(0xCC, 0x79, 0xA7),
+                                                 QColor(0xE6, 0x9F, 0x00), QColor(0x56, 0xB4, 0xE9)};
+    static const std::array<QList<qreal>, 3> DASHES = {QList<qreal>{}, QList<qreal>{5, 2}, QList<qreal>{1, 2}};
+    const auto index = static_cast<std::size_t>(number);
+    QPen pen(COLORS[index % COLORS.size()], 1.2, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin);
+    const QList<qreal> &dashes = DASHES[index / COLORS.size() % DASHES.size()];
+    if (!dashes.isEmpty())
+        pen.setDashPattern(dashes);
+    return pen;
 }
 
 QColor modificationColor()
@@ -140,6 +155,27 @@ void paintLegend(QPainter *painter, const QList<LegendEntry> &entries, double ri
             x -= LEGEND_STROKE;
         }
         x -= 3 * LEGEND_GAP;
+    }
+}
+
+void LegendList::paint(QPainter *painter, const QList<LegendEntry> &entries) const
+{
+    constexpr double STROKE = 2 * LEGEND_STROKE; // long enough to show dashes
+    painter->setFont(plotStyle::font(LEGEND_TEXT_SIZE));
+    const QFontMetricsF metrics(painter->font());
+    const double width = (right - left) / columns;
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        const double x = left + static_cast<double>(i % columns) * width;
+        const double base = y + static_cast<double>(i / columns) * lineHeight;
+        for (const QPen &pen : entries[i].pens) {
+            painter->setPen(pen);
+            painter->drawLine(QPointF(x, base - metrics.capHeight() / 2),
+                              QPointF(x + STROKE, base - metrics.capHeight() / 2));
+        }
+        const double textX = x + STROKE + LEGEND_GAP;
+        painter->setPen(plotStyle::textColor());
+        painter->drawText(QPointF(textX, base),
+                          metrics.elidedText(entries[i].text, Qt::ElideMiddle, x + width - 3 * LEGEND_GAP - textX));
     }
 }
 

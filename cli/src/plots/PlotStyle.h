@@ -26,6 +26,9 @@ QColor lighterIonColor(QChar ionType);
 /// Chromatographic peaks: blue and sky blue of the same palette in turn, so that neighbours differ.
 QColor peakColor(qsizetype number);
 
+/// Traces that are drawn together: six colours of the same palette, then the same with dashes, then with dots.
+QPen memberPen(qsizetype number);
+
 /// Modified residues: reddish purple of the same palette, darkened so that small text can be read.
 QColor modificationColor();
 
@@ -59,5 +62,18 @@ struct LegendEntry
 
 /// The entries on one line, from left to right, that ends at `right` on the text's base line `y`.
 void paintLegend(QPainter *painter, const QList<LegendEntry> &entries, double right, double y);
+
+/// The same as a list in `columns` of equal width from `left` to `right`, row by row, `lineHeight` apart; the first
+/// row's base line is `y`. A text that is too long is shortened in its middle.
+struct LegendList
+{
+    double left = 0;
+    double right = 0;
+    double y = 0;
+    double lineHeight = 0;
+    int columns = 1;
+
+    void paint(QPainter *painter, const QList<LegendEntry> &entries) const;
+};
 
 } // namespace zav

@@ -67,16 +67,17 @@ Error chooseFormat(const ChromatogramRequest &request, std::optional<Format> *fo
 }
 
 Result<std::unique_ptr<ChromatogramSource>> openAs(Format format, std::unique_ptr<ByteStream> bytes,
-                                                   const QList<ExtractionTarget> &targets)
+                                                   const ChromatogramRequest &request)
 {
+    const QList<ExtractionTarget> &targets = request.targets;
     if (format != Format::MzMl && !targets.isEmpty())
         return Error(InvalidInput, bytes->name() + QStringLiteral(": chromatograms are extracted from mzML alone"));
     if (format == Format::MzMl)
         return targets.isEmpty() ? openMzMlChromatograms(std::move(bytes))
-                                 : openMzMlExtraction(std::move(bytes), targets);
+                                 : openMzMlExtraction(std::move(bytes), targets, request.readsGroups);
     if (format == Format::Table)
-        return openChromatogramTable(std::move(bytes));
-    return openChromatogramJsonLines(std::move(bytes));
+        return openChromatogramTable(std::move(bytes), request.readsGroups);
+    return openChromatogramJsonLines(std::move(bytes), request.readsGroups);
 }
 
 } // namespace
@@ -86,14 +87,15 @@ Result<std::unique_ptr<ChromatogramSource>> openChromatograms(const Chromatogram
     std::optional<Format> format;
     if (Error error = chooseFormat(request, &format); error.hasError())
         return error;
-    Result<std::unique_ptr<ByteStream>> opened = ByteStream::open(request.path);
+    Result<std::unique_ptr<ByteStream>> opened =
+        request.readsGroups ? ByteStream::openSeekable(request.path) : ByteStream::open(request.path);
     if (opened.hasError())
         return opened.error();
     std::unique_ptr<ByteStream> bytes = std::move(opened).value();
     if (bytes->peek().isEmpty())
         return cannotRead(bytes->name(), QStringLiteral("it is empty"));
     const Format chosen = format ? *format : formatByStart(bytes->peek());
-    return openAs(chosen, std::move(bytes), request.targets);
+    return openAs(chosen, std::move(bytes), request);
 }
 
 } // namespace zav

@@ -13,6 +13,15 @@
 
 namespace zav {
 
+/// What a file says of the precursor that a trace belongs to.
+struct TraceOrigin
+{
+    QString group;              ///< the name of its group; empty where the file does not say
+    double isolationTarget = 0; ///< m/z; 0 where the file does not say
+    QString peptide;            ///< everything that names the peptide; empty where the file does not say
+    char polarity = 0;          ///< '+', '-', or 0 where the file does not say
+};
+
 /// One trace of intensity over retention time.
 struct Chromatogram
 {
@@ -20,6 +29,15 @@ struct Chromatogram
     QList<QPointF> points; ///< (time, intensity) in acquisition order, all finite; may be empty
     QString timeUnit;      ///< "min" or "s", rarely another symbol; empty where the file does not say
     QString intensityUnit; ///< e.g. "counts"; empty where the file does not say
+    TraceOrigin origin = {};
+};
+
+/// Where a trace stands in its file.
+struct TracePlace
+{
+    qint64 offset = 0; ///< in bytes of the text
+    qint64 line = 0;   ///< number of the line before it
+    qint64 order = 0;  ///< number of traces before it
 };
 
 /// A trace, or why it could not be read.
@@ -27,6 +45,7 @@ struct TraceOutcome
 {
     Chromatogram chromatogram; ///< with a problem, only its id counts
     Error problem;             ///< of this trace alone; its message names file and trace, or file and line
+    TracePlace place;          ///< for `ChromatogramSource::seek`
 };
 
 /// The chromatograms of one file, in the file's order, one in memory at a time. One thread at a time per object.
@@ -45,6 +64,10 @@ public:
     /// the next call goes on behind it. An error is of the file: nothing more can be read, and every later call returns
     /// it again. What was yielded before it stays valid.
     virtual Result<std::optional<TraceOutcome>> next() = 0;
+
+    /// Goes to a trace that `next` has yielded: `next` yields it again, then those behind it. Only for a source that
+    /// was opened with `readsGroups`.
+    virtual Error seek(const TracePlace &place) = 0;
 };
 
 /// What to extract from the MS1 spectra of an mzML file: the summed intensity around one m/z over time.
@@ -55,6 +78,7 @@ struct ExtractionTarget
     double ppm = 10; ///< half the width of the window: m/z * (1 +- ppm * 1e-6), both ends within it
     double rtFrom = -std::numeric_limits<double>::infinity(); ///< in the file's unit of time, included
     double rtTo = std::numeric_limits<double>::infinity();    ///< likewise
+    QString group = {};                                       ///< of the targets of one precursor; may be empty
 };
 
 /// What to read.
@@ -63,6 +87,7 @@ struct ChromatogramRequest
     QString path;                    ///< "-" is standard input
     QString format;                  ///< "mzml", "tsv", "jsonl"; empty: by the ending, for standard input by its start
     QList<ExtractionTarget> targets; ///< empty: the chromatograms as they are stored
+    bool readsGroups = false;        ///< read the column `group` of text too, and allow `seek`
 };
 
 /// Opens a file by its ending: .mzML; .tsv or .txt; .jsonl or .ndjson; each of them also with .gz behind. Text that is
@@ -85,6 +110,10 @@ struct ChromatogramRequest
 ///
 /// **JSON lines**: an object a line, `{"id": "a", "rt": [1, 2], "intensity": [5, 7], "rt_unit": "min"}`; `id` (text or
 /// number) and `rt_unit` ("min" or "s") may be missing.
+///
+/// **With `readsGroups`** a TSV file may have a column `group`, the same in all rows of a trace, and a JSON object a
+/// `group` (text or number). Gzipped content and standard input are copied to a temporary file, inflated: `seek` needs
+/// to go to and fro. Extracted traces stay in memory until the source is gone.
 ///
 /// Messages name the file, or "standard input". `InvalidInput` for an unknown ending or format and for targets with a
 /// file that is not mzML; `Failure` for a file that cannot be read as what its ending says or that holds no

@@ -23,37 +23,45 @@ constexpr qsizetype MAX_JSON_LINE_BYTES = 1 << 30; // a whole chromatogram
 constexpr char TIME[] = "rt";
 constexpr char INTENSITY[] = "intensity";
 constexpr char ID[] = "id";
+constexpr char GROUP[] = "group";
 
 class ChromatogramTable : public ChromatogramSource
 {
 public:
-    explicit ChromatogramTable(std::unique_ptr<ByteStream> bytes) : m_lines(std::move(bytes), MAX_ROW_BYTES) {}
+    ChromatogramTable(std::unique_ptr<ByteStream> bytes, bool readsGroups)
+        : m_lines(std::move(bytes), MAX_ROW_BYTES), m_readsGroups(readsGroups)
+    {}
 
     Error readHeading();
 
     qint64 count() const override { return -1; }
     Result<std::optional<TraceOutcome>> next() override;
+    Error seek(const TracePlace &place) override;
 
 private:
+    bool moveToRow();
     Error beginTrace();
     bool belongsToTrace() const;
-    Error readRow(QList<QPointF> *points) const;
+    Error readRow(Chromatogram *out) const;
     Error fail(const Error &error);
 
     LineReader m_lines;
+    bool m_readsGroups;
     TableHeading m_heading;
     bool m_isAtRow = false; // the line of `m_lines` is a row that no trace has taken
-    QByteArray m_id;        // of the trace that is being read
+    LineReader::Place m_rowPlace;
+    QByteArray m_id; // of the trace that is being read
     QSet<QByteArray> m_ids;
     Error m_error;
 };
 
 Error ChromatogramTable::readHeading()
 {
-    if (Error error = m_heading.read(&m_lines, {TIME, INTENSITY}, {ID}); error.hasError())
+    Error error = m_readsGroups ? m_heading.read(&m_lines, {TIME, INTENSITY}, {ID, GROUP})
+                                : m_heading.read(&m_lines, {TIME, INTENSITY}, {ID});
+    if (error.hasError())
         return error;
-    m_isAtRow = m_lines.nextContent();
-    if (m_isAtRow || m_lines.error().hasError())
+    if (moveToRow() || m_lines.error().hasError())
         return m_lines.error();
     return cannotRead(m_lines.name(), QStringLiteral("it holds no chromatogram (a heading without rows)"));
 }
@@ -68,14 +76,31 @@ Result<std::optional<TraceOutcome>> ChromatogramTable::next()
         return fail(error);
     TraceOutcome outcome;
     outcome.chromatogram.id = QString::fromUtf8(m_id);
+    outcome.chromatogram.origin.group = m_heading.text(m_lines.line(), GROUP);
+    outcome.place = {m_rowPlace.offset, m_rowPlace.number, 0};
     do {
         if (!outcome.problem.hasError())
-            outcome.problem = readRow(&outcome.chromatogram.points);
-        m_isAtRow = m_lines.nextContent();
-    } while (m_isAtRow && belongsToTrace());
+            outcome.problem = readRow(&outcome.chromatogram);
+    } while (moveToRow() && belongsToTrace());
     if (m_lines.error().hasError())
         return fail(m_lines.error());
     return std::optional<TraceOutcome>(std::move(outcome));
+}
+
+Error ChromatogramTable::seek(const TracePlace &place)
+{
+    m_ids.clear(); // they were checked on the way to this place
+    m_error = m_lines.seek({place.offset, place.line});
+    if (!m_error.hasError() && !moveToRow())
+        m_error = m_lines.error();
+    return m_error;
+}
+
+bool ChromatogramTable::moveToRow()
+{
+    m_rowPlace = m_lines.place();
+    m_isAtRow = m_lines.nextContent();
+    return m_isAtRow;
 }
 
 Error ChromatogramTable::beginTrace()
@@ -95,14 +120,16 @@ bool ChromatogramTable::belongsToTrace() const
     return !m_heading.has(ID) || m_heading.cell(m_lines.line(), ID) == QByteArrayView(m_id);
 }
 
-Error ChromatogramTable::readRow(QList<QPointF> *points) const
+Error ChromatogramTable::readRow(Chromatogram *out) const
 {
     QPointF point;
     if (Error error = m_heading.readNumber(m_lines, TIME, &point.rx()); error.hasError())
         return error;
     if (Error error = m_heading.readNumber(m_lines, INTENSITY, &point.ry()); error.hasError())
         return error;
-    points->append(point);
+    out->points.append(point);
+    if (m_readsGroups && m_heading.text(m_lines.line(), GROUP) != out->origin.group)
+        return m_lines.errorHere(QStringLiteral("the row names another group than the first of its trace"));
     return {};
 }
 
@@ -115,27 +142,36 @@ Error ChromatogramTable::fail(const Error &error)
 class ChromatogramJsonLines : public ChromatogramSource
 {
 public:
-    explicit ChromatogramJsonLines(std::unique_ptr<ByteStream> bytes) : m_lines(std::move(bytes), MAX_JSON_LINE_BYTES)
+    ChromatogramJsonLines(std::unique_ptr<ByteStream> bytes, bool readsGroups)
+        : m_lines(std::move(bytes), MAX_JSON_LINE_BYTES), m_readsGroups(readsGroups)
     {}
 
     qint64 count() const override { return -1; }
     Result<std::optional<TraceOutcome>> next() override;
+    Error seek(const TracePlace &place) override;
 
 private:
     LineReader m_lines;
+    bool m_readsGroups;
     qint64 m_order = 0; // of the trace, from 1
     Error m_error;
 };
 
+/// A text or a number; empty for anything else.
+QString nameIn(const json &object, const char *key)
+{
+    const auto name = object.find(key);
+    if (name == object.end())
+        return {};
+    if (name->is_number())
+        return QString::fromStdString(name->dump());
+    return name->is_string() ? QString::fromStdString(name->get_ref<const std::string &>()) : QString();
+}
+
 QString idOf(const json &object, const QString &otherwise)
 {
-    const auto id = object.find("id");
-    if (id == object.end())
-        return otherwise;
-    if (id->is_number())
-        return QString::fromStdString(id->dump());
-    const QString text = id->is_string() ? QString::fromStdString(id->get_ref<const std::string &>()) : QString();
-    return text.isEmpty() ? otherwise : text;
+    const QString id = nameIn(object, ID);
+    return id.isEmpty() ? otherwise : id;
 }
 
 // The readers below return why they failed, an empty text when all went well.
@@ -195,6 +231,7 @@ Result<std::optional<TraceOutcome>> ChromatogramJsonLines::next()
 {
     if (m_error.hasError())
         return m_error;
+    const LineReader::Place place = m_lines.place();
     if (!m_lines.nextContent()) {
         m_error = m_lines.error();
         if (!m_error.hasError() && m_order == 0)
@@ -207,7 +244,10 @@ Result<std::optional<TraceOutcome>> ChromatogramJsonLines::next()
         return m_error;
     }
     TraceOutcome outcome;
+    outcome.place = {place.offset, place.number, m_order};
     outcome.chromatogram.id = idOf(object, QString::number(++m_order));
+    if (m_readsGroups && object.is_object())
+        outcome.chromatogram.origin.group = nameIn(object, GROUP);
     const QString problem = object.is_object() ? readChromatogram(object, &outcome.chromatogram)
                                                : QStringLiteral("expected a JSON object on the line");
     if (!problem.isEmpty())
@@ -215,19 +255,26 @@ Result<std::optional<TraceOutcome>> ChromatogramJsonLines::next()
     return std::optional<TraceOutcome>(std::move(outcome));
 }
 
+Error ChromatogramJsonLines::seek(const TracePlace &place)
+{
+    m_order = place.order;
+    m_error = m_lines.seek({place.offset, place.line});
+    return m_error;
+}
+
 } // namespace
 
-Result<std::unique_ptr<ChromatogramSource>> openChromatogramTable(std::unique_ptr<ByteStream> bytes)
+Result<std::unique_ptr<ChromatogramSource>> openChromatogramTable(std::unique_ptr<ByteStream> bytes, bool readsGroups)
 {
-    auto table = std::make_unique<ChromatogramTable>(std::move(bytes));
+    auto table = std::make_unique<ChromatogramTable>(std::move(bytes), readsGroups);
     if (Error error = table->readHeading(); error.hasError())
         return error;
     return std::unique_ptr<ChromatogramSource>(std::move(table));
 }
 
-std::unique_ptr<ChromatogramSource> openChromatogramJsonLines(std::unique_ptr<ByteStream> bytes)
+std::unique_ptr<ChromatogramSource> openChromatogramJsonLines(std::unique_ptr<ByteStream> bytes, bool readsGroups)
 {
-    return std::make_unique<ChromatogramJsonLines>(std::move(bytes));
+    return std::make_unique<ChromatogramJsonLines>(std::move(bytes), readsGroups);
 }
 
 } // namespace zav

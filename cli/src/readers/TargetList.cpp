@@ -18,6 +18,7 @@ constexpr char ID[] = "id";
 constexpr char PPM[] = "ppm";
 constexpr char TIME_FROM[] = "rt_from";
 constexpr char TIME_TO[] = "rt_to";
+constexpr char GROUP[] = "group";
 
 class TargetReader
 {
@@ -26,9 +27,9 @@ public:
         : m_lines(std::move(bytes), MAX_LINE_BYTES), m_defaultPpm(defaultPpm)
     {}
 
-    Result<QList<ExtractionTarget>> read()
+    Result<QList<ExtractionTarget>> read(bool readsGroups)
     {
-        if (Error error = m_heading.read(&m_lines, {MZ}, {ID, PPM, TIME_FROM, TIME_TO}); error.hasError())
+        if (Error error = readHeading(readsGroups); error.hasError())
             return error;
         QList<ExtractionTarget> targets;
         while (m_lines.nextContent()) {
@@ -46,6 +47,12 @@ public:
     }
 
 private:
+    Error readHeading(bool readsGroups)
+    {
+        return readsGroups ? m_heading.read(&m_lines, {MZ}, {ID, PPM, TIME_FROM, TIME_TO, GROUP})
+                           : m_heading.read(&m_lines, {MZ}, {ID, PPM, TIME_FROM, TIME_TO});
+    }
+
     Error readRow(ExtractionTarget *target)
     {
         if (cell(MZ).isEmpty())
@@ -59,6 +66,7 @@ private:
             return m_lines.errorHere(QStringLiteral("mz and ppm have to be above 0"));
         if (target->rtFrom > target->rtTo)
             return m_lines.errorHere(QStringLiteral("rt_from is above rt_to"));
+        target->group = m_heading.text(m_lines.line(), GROUP);
         return readId(&target->id);
     }
 
@@ -100,7 +108,7 @@ private:
 
 } // namespace
 
-Result<QList<ExtractionTarget>> readTargetList(const QString &path, double defaultPpm)
+Result<QList<ExtractionTarget>> readTargetList(const QString &path, double defaultPpm, bool readsGroups)
 {
     Result<std::unique_ptr<ByteStream>> opened = ByteStream::open(path);
     if (opened.hasError())
@@ -108,7 +116,7 @@ Result<QList<ExtractionTarget>> readTargetList(const QString &path, double defau
     std::unique_ptr<ByteStream> bytes = std::move(opened).value();
     if (bytes->peek().isEmpty())
         return cannotRead(bytes->name(), QStringLiteral("it is empty"));
-    return TargetReader(std::move(bytes), defaultPpm).read();
+    return TargetReader(std::move(bytes), defaultPpm).read(readsGroups);
 }
 
 } // namespace zav

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace zav {
 namespace {
 
@@ -69,6 +71,57 @@ TEST(PeakMeasures, LimitsThatHoldNoPointMeasureNothing)
     EXPECT_EQ(peak.height, 0);
     EXPECT_EQ(peak.area, 0);
     EXPECT_EQ(measurePeak({}, {0, 1}).points, 0);
+}
+
+TEST(PeakMeasures, MemberOfAGroupIsMeasuredWithinTheLimitsOfTheConsensus)
+{
+    TraceFindings common;
+    common.peaks = {{1, 6, 4, 1000, 5000, 4000, 9}, {6.5, 7, 7, 10, 1, 1, 2}};
+    const TraceFindings found = memberFindings(common, TRACE, TRACE);
+    ASSERT_EQ(found.peaks.size(), 2);
+    EXPECT_EQ(found.peaks[0].start, 1);
+    EXPECT_EQ(found.peaks[0].end, 6);
+    EXPECT_EQ(found.peaks[0].apex, 3);
+    EXPECT_EQ(found.peaks[0].height, 80);
+    EXPECT_EQ(found.peaks[0].area, 200);
+    EXPECT_NEAR(found.peaks[0].shape, 1, 1e-12) << "with itself";
+    EXPECT_EQ(found.peaks[1].height, 9);
+    EXPECT_TRUE(std::isnan(found.peaks[1].shape)) << "one point has no shape";
+    EXPECT_TRUE(found.remark.isEmpty());
+}
+
+TEST(PeakMeasures, MemberWithoutSignalHasNoAreaAndSaysSo)
+{
+    TraceFindings common;
+    common.peaks = {{1, 3, 2, 9, 9, 9, 3}};
+    const QList<QPointF> consensus = {{1, 0}, {2, 9}, {3, 0}};
+    for (const QList<QPointF> &silent :
+         {QList<QPointF>{{1, 0}, {2, 0}, {3, 0}}, QList<QPointF>{{1, -5}, {2, -1}}, QList<QPointF>{{5, 7}, {6, 8}}}) {
+        const TraceFindings found = memberFindings(common, silent, consensus);
+        ASSERT_EQ(found.peaks.size(), 1);
+        EXPECT_EQ(found.peaks[0].start, 1);
+        EXPECT_EQ(found.peaks[0].end, 3);
+        EXPECT_EQ(found.peaks[0].height, 0);
+        EXPECT_EQ(found.peaks[0].area, 0);
+        EXPECT_EQ(found.peaks[0].areaAboveLine, 0);
+        EXPECT_TRUE(std::isnan(found.peaks[0].apex));
+        EXPECT_TRUE(std::isnan(found.peaks[0].shape));
+        EXPECT_EQ(found.remark, "no signal within the limits of the peak");
+    }
+    common.peaks.append({5, 6, 6, 9, 9, 9, 3});
+    EXPECT_EQ(memberFindings(common, {{5, 7}, {6, 8}}, consensus).remark,
+              "no signal within the limits of 1 of 2 peaks");
+}
+
+TEST(PeakMeasures, MemberHasTheSplitsOfTheConsensusAndTheShapeOfTheWholeTrace)
+{
+    TraceFindings common;
+    common.splits = {{3.5, 0.75}};
+    const TraceFindings found = memberFindings(common, {{1, -1}, {2, -2}, {3, -4}}, {{1, 1}, {2, 2}, {3, 4}});
+    ASSERT_EQ(found.splits.size(), 1);
+    EXPECT_EQ(found.splits[0].time, 3.5);
+    EXPECT_EQ(found.splits[0].probability, 0.75);
+    EXPECT_NEAR(found.shape, -1, 1e-12);
 }
 
 } // namespace

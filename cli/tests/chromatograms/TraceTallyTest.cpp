@@ -25,5 +25,16 @@ TEST(TraceTally, NamesFailuresOnlyWhenThereAreSome)
     EXPECT_EQ(tally.traces(), 2);
 }
 
+TEST(TraceTally, CountsGroupsWhereThereAreSome)
+{
+    TraceTally tally;
+    tally.addGroup();
+    for (const int rows : {1, 1, 0})
+        tally.addTrace(rows);
+    EXPECT_EQ(tally.text("peaks"), "3 traces in 1 group: 2 peaks in 2, none in 1");
+    tally.addGroup();
+    EXPECT_EQ(tally.text("peaks"), "3 traces in 2 groups: 2 peaks in 2, none in 1");
+}
+
 } // namespace
 } // namespace zav

@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <limits>
+
 namespace zav {
 namespace {
 
@@ -128,6 +130,70 @@ TEST(TraceWriter, JsonOfOneFileDoesNotNameIt)
     const nlohmann::json trace = nlohmann::json::parse(text + writer->closing().toStdString()).at("traces").at(0);
     EXPECT_FALSE(trace.contains("file"));
     EXPECT_EQ(trace.at("splits"), nlohmann::json::parse(R"([{"split": 3.0, "probability": 0.5}])"));
+}
+
+/// A member of a group of two, with one peak.
+Trace member(const QString &id, const QString &group, const TracePeak &peak)
+{
+    Trace trace = emptyTrace(QStringLiteral("a.tsv"), id, QStringLiteral("min"), 40);
+    trace.group = group;
+    trace.members = 2;
+    trace.findings.peaks = {peak};
+    return trace;
+}
+
+const double NONE = std::numeric_limits<double>::quiet_NaN();
+const TracePeak LOUD = {1.5, 2.5, 2, 100, 20, 10, 9, 0.98765};
+const TracePeak SILENT = {1.5, 2.5, NONE, 0, 0, 0, 9, NONE};
+
+TEST(TraceWriter, TsvNamesTheGroupAndLeavesMissingValuesEmpty)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Tsv, groupedPeakTable(), 0);
+    EXPECT_EQ(textOf(writer.get(), member("y3", "AK 500", LOUD)),
+              "id\tgroup\tmembers\tstart_min\tend_min\tapex_min\theight\tarea\tarea_above_line\tpoints\tshape\n"
+              "y3\tAK 500\t2\t1.50000\t2.50000\t2.00000\t100\t20\t10\t9\t0.9877\n");
+    EXPECT_EQ(textOf(writer.get(), member("y4", "AK 500", SILENT)),
+              "y4\tAK 500\t2\t1.50000\t2.50000\t\t0\t0\t0\t9\t\n");
+}
+
+TEST(TraceWriter, JsonNamesTheGroupAndHasNullForMissingValues)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Json, groupedPeakTable(), 0);
+    std::string text = textOf(writer.get(), member("y4", "AK 500", SILENT));
+    text += writer->closing().toStdString();
+    EXPECT_EQ(nlohmann::json::parse(text).at("traces").at(0),
+              nlohmann::json::parse(R"({"id": "y4", "group": "AK 500", "members": 2, "time_unit": "min",
+        "intensity_unit": null, "points": 40, "peaks": [{"start": 1.5, "end": 2.5, "apex": null, "height": 0.0,
+        "area": 0.0, "area_above_line": 0.0, "points": 9, "shape": null}]})"));
+}
+
+TEST(TraceWriter, SplitsOfAGroupHaveTheShapeOfTheTrace)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Tsv, groupedSplitTable(), 0);
+    Trace trace = traceWithSplits({}, "y3", "min", {{3, 0.5}, {4, 0.75}});
+    trace.group = QStringLiteral("AK");
+    trace.members = 3;
+    trace.findings.shape = 0.5;
+    EXPECT_EQ(textOf(writer.get(), trace), "id\tgroup\tmembers\tsplit_min\tprobability\tshape\n"
+                                           "y3\tAK\t3\t3.00000\t0.5000\t0.5000\n"
+                                           "y3\tAK\t3\t4.00000\t0.7500\t0.5000\n");
+}
+
+TEST(TraceWriter, TableShowsAGroupAsABlock)
+{
+    const auto writer = makeTraceWriter(TraceFormat::Table, groupedPeakTable(), 0);
+    const std::string header = "   start_min     end_min    apex_min      height        area  area_above_line      "
+                               "points       shape  id\n";
+    const std::string numbers =
+        "     1.50000     2.50000     2.00000         100          20               10           "
+        "9      0.9877  ";
+    EXPECT_EQ(textOf(writer.get(), member("y3", "AK", LOUD)), header + "\ngroup AK, 2 members\n" + numbers + "y3\n");
+    EXPECT_EQ(textOf(writer.get(), member("y4", "AK", SILENT)),
+              "     1.50000     2.50000           -           0           0                0           9           -  "
+              "y4\n");
+    Trace alone = member("TIC", "TIC", LOUD);
+    alone.members = 1;
+    EXPECT_EQ(textOf(writer.get(), alone), "\ngroup TIC, 1 member\n" + numbers + "TIC\n");
 }
 
 } // namespace

@@ -176,5 +176,31 @@ TEST_F(LineReading, WhatCannotBeReadIsNamedWithTheReason)
     EXPECT_EQ(failure(gzip("a\nb\n").chopped(9), LONGEST), "cannot read a.txt: it ends within its gzipped data");
 }
 
+TEST_F(LineReading, SeekableStreamGoesToAnyPlaceInGzippedContent)
+{
+    const QByteArray content = manyLines(3000);
+    Result<std::unique_ptr<ByteStream>> opened = ByteStream::openSeekable(files.write("a.txt.gz", gzip(content)));
+    ASSERT_FALSE(opened.hasError()) << opened.error().toString().toStdString();
+    const std::unique_ptr<ByteStream> stream = std::move(opened).value();
+    EXPECT_EQ(files.withoutFolder(stream->name()), "a.txt.gz");
+    EXPECT_TRUE(stream->peek().startsWith(content.left(100)));
+    for (const qint64 offset : {qint64{200000}, qint64{17}, qint64{299000}, qint64{0}}) {
+        ASSERT_FALSE(stream->seek(offset).hasError());
+        QByteArray piece;
+        ASSERT_FALSE(stream->read(&piece).hasError());
+        EXPECT_FALSE(piece.isEmpty());
+        EXPECT_EQ(piece, content.mid(offset, piece.size())) << offset;
+    }
+}
+
+TEST_F(LineReading, SeekableStreamOfDamagedGzipIsAnError)
+{
+    QByteArray torn = gzip(manyLines(3000));
+    torn.chop(20);
+    const Result<std::unique_ptr<ByteStream>> opened = ByteStream::openSeekable(files.write("a.txt.gz", torn));
+    ASSERT_TRUE(opened.hasError());
+    EXPECT_EQ(files.withoutFolder(opened.error().message()), "cannot read a.txt.gz: it ends within its gzipped data");
+}
+
 } // namespace
 } // namespace zav

@@ -361,5 +361,60 @@ TEST_F(ChromatogramPlot, SamePictureIsTheSameFile)
     EXPECT_EQ(QDir(files.path(QString())).entryList(QDir::Files), QStringList{"a.svg"});
 }
 
+// Two triangles of 900 and 400 counts over a consensus of 600.
+ChromatogramPlotData groupOfTwo()
+{
+    ChromatogramPlotData data = twoPeaks();
+    data.id = QStringLiteral("LGEYGFQNALIVR 740.4");
+    data.points = {{8, 100}, {12, 600}, {20, 100}};
+    data.members = {{QStringLiteral("y7"), {{8, 100}, {12, 900}, {20, 100}}},
+                    {QStringLiteral("y8"), {{8, 100}, {12, 400}, {22, 100}}}};
+    return data;
+}
+
+TEST_F(ChromatogramPlot, MembersOfAGroupHaveTheirColoursOverTheConsensus)
+{
+    const SvgPicture picture = draw(groupOfTwo());
+    QStringList colors;
+    for (const SvgShape &line : picture.polylines)
+        colors.append(line.color);
+    EXPECT_EQ(colors, QStringList({TRACE, BLUE, VERMILION})) << "drawn in this order";
+    for (const char *text : {"LGEYGFQNALIVR 740.4", "y7", "y8", "consensus, scaled to the traces", "12.00"})
+        EXPECT_TRUE(picture.texts.contains(QString::fromUtf8(text))) << text;
+    const Axis time = axis(picture, true, 8, 10);
+    const Axis intensity = axis(picture, false, 0, 100);
+    EXPECT_NEAR(picture.polylines[1].points[1].y(), intensity.at(900), HALF_A_LINE);
+    EXPECT_NEAR(picture.polylines[2].points[2].x(), time.at(22), HALF_A_LINE) << "the axis holds all members";
+    EXPECT_EQ(picture.circles, 6) << "points of members, not of the consensus";
+}
+
+TEST_F(ChromatogramPlot, LimitsOfAGroupAreShadedOnce)
+{
+    const SvgPicture picture = draw(groupOfTwo());
+    const Axis time = axis(picture, true, 8, 10);
+    EXPECT_TRUE(picture.areas.isEmpty());
+    int bands = 0;
+    for (const SvgShape &rectangle : picture.rectangles) {
+        if (rectangle.opacity < 0.5 && std::abs(rectangle.points[0].x() - time.at(10)) < HALF_A_LINE)
+            bands += std::abs(rectangle.points[1].x() - time.at(14)) < HALF_A_LINE ? 1 : 0;
+    }
+    EXPECT_EQ(bands, 1);
+}
+
+TEST_F(ChromatogramPlot, ManyMembersHaveDashesAndTheLegendNamesThirty)
+{
+    ChromatogramPlotData data = groupOfTwo();
+    data.members.clear();
+    for (int i = 0; i < 40; ++i)
+        data.members.append({QStringLiteral("member %1").arg(i), {{8, 100}, {12, 100.0 + 10 * i}, {20, 100}}});
+    const SvgPicture picture = draw(data);
+    EXPECT_EQ(picture.polylines.size(), 41);
+    EXPECT_EQ(picture.polylines[1].color, picture.polylines[7].color);
+    EXPECT_TRUE(picture.source.contains("stroke-dasharray"));
+    EXPECT_TRUE(picture.texts.contains("member 29"));
+    EXPECT_FALSE(picture.texts.contains("member 30"));
+    EXPECT_TRUE(picture.texts.contains("30 of 40 traces named"));
+}
+
 } // namespace
 } // namespace zav

@@ -66,5 +66,15 @@ TEST_F(TargetLists, WhatIsNoTargetIsRefusedWithItsLine)
     EXPECT_EQ(message("mz\tid\n500\ta\n600\ta\n"), "t.tsv, line 3: the id 'a' appears twice");
 }
 
+TEST_F(TargetLists, GroupsAreReadOnRequest)
+{
+    const QString path = files.write("t.tsv", "mz\tgroup\n500\tAK\n600\t\n");
+    const auto targets = readTargetList(path, 20, true);
+    ASSERT_FALSE(targets.hasError()) << targets.error().toString().toStdString();
+    EXPECT_EQ(targets.value()[0].group, "AK");
+    EXPECT_EQ(targets.value()[1].group, "");
+    EXPECT_EQ(readTargetList(path, 20).value()[0].group, "");
+}
+
 } // namespace
 } // namespace zav

@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <sstream>
+#include <utility>
 
 namespace zav {
 
@@ -53,8 +54,8 @@ public:
         Result<std::optional<MzMlElement>> first = m_elements.next();
         if (first.hasError())
             return first.error();
-        m_ahead = std::move(first).value();
-        return m_ahead ? Error() : noChromatogram();
+        m_first = std::move(first).value();
+        return m_first ? Error() : noChromatogram();
     }
 
     qint64 count() const override { return m_elements.declaredCount(); }
@@ -63,13 +64,22 @@ public:
     {
         if (m_error.hasError())
             return m_error;
-        if (!m_ahead)
-            return std::optional<TraceOutcome>();
-        TraceOutcome outcome = read(std::move(*m_ahead));
-        Result<std::optional<MzMlElement>> following = m_elements.next();
-        m_error = following.error(); // told when its turn comes
-        m_ahead = following.hasError() ? std::nullopt : std::move(following).value();
-        return std::optional<TraceOutcome>(std::move(outcome));
+        std::optional<MzMlElement> element = std::exchange(m_first, std::nullopt);
+        if (!element) {
+            Result<std::optional<MzMlElement>> read = m_elements.next();
+            m_error = read.error();
+            if (read.hasError())
+                return m_error;
+            element = std::move(read).value();
+        }
+        return element ? std::optional<TraceOutcome>(read(std::move(*element))) : std::nullopt;
+    }
+
+    Error seek(const TracePlace &place) override
+    {
+        m_first.reset();
+        m_error = m_elements.seek(place);
+        return m_error;
     }
 
 private:
@@ -79,6 +89,8 @@ private:
             QStringLiteral("%1: chromatogram '%2'").arg(m_elements.name(), displayText(element.id, MAX_ID_LENGTH));
         TraceOutcome outcome;
         outcome.chromatogram.id = element.id;
+        outcome.chromatogram.origin = element.origin;
+        outcome.place = element.place;
         outcome.problem = caughtAs(subject, [&]() -> Error {
             if (!element.problem.isEmpty())
                 return {Failure, subject + QStringLiteral(": ") + element.problem};
@@ -101,7 +113,7 @@ private:
     static constexpr int MAX_ID_LENGTH = 120; // native ids name transition, sample, period and more
 
     MzMlElements m_elements;
-    std::optional<MzMlElement> m_ahead;
+    std::optional<MzMlElement> m_first; // read when the file was opened
     Error m_error;
 };
 

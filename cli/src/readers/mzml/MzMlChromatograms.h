@@ -14,8 +14,8 @@ namespace zav {
 Result<std::unique_ptr<ChromatogramSource>> openMzMlChromatograms(std::unique_ptr<ByteStream> bytes);
 
 /// Chromatograms that are extracted from the MS1 spectra of an mzML file, as `openChromatograms` describes them. A
-/// damaged MS1 spectrum is an error of the file: every trace would have a hole there.
-Result<std::unique_ptr<ChromatogramSource>> openMzMlExtraction(std::unique_ptr<ByteStream> bytes,
-                                                               const QList<ExtractionTarget> &targets);
+/// damaged MS1 spectrum is an error of the file: every trace would have a hole there. `keepsTraces`: for `seek`.
+Result<std::unique_ptr<ChromatogramSource>>
+openMzMlExtraction(std::unique_ptr<ByteStream> bytes, const QList<ExtractionTarget> &targets, bool keepsTraces);
 
 } // namespace zav

@@ -4,6 +4,8 @@
 #include "PrintableText.h"
 
 #include <algorithm>
+#include <cmath>
+#include <initializer_list>
 #include <utility>
 
 namespace zav {
@@ -15,6 +17,7 @@ constexpr char GROUP_REFERENCE[] = "referenceableParamGroupRef";
 constexpr char ARRAY[] = "binaryDataArray";
 constexpr char PARAMETER[] = "cvParam";
 constexpr char USER_PARAMETER[] = "userParam";
+constexpr char PRECURSOR[] = "precursor";
 constexpr std::size_t MAX_DEPTH = 100; // mzML needs about ten
 
 // MS level, "MS1 spectrum" where no level is given, scan start time.
@@ -24,6 +27,28 @@ bool isNeeded(QByteArrayView parameter)
     const QByteArrayView accession = xmlAttribute(parameter, "accession").value_or(QByteArrayView());
     return std::any_of(std::begin(ACCESSIONS), std::end(ACCESSIONS),
                        [&](const char *needed) { return accession == needed; });
+}
+
+bool isOneOf(QByteArrayView text, std::initializer_list<const char *> names)
+{
+    return std::any_of(names.begin(), names.end(), [&](const char *name) { return text == name; });
+}
+
+// Of a user parameter: writers spell it `peptide_sequence`, `PeptideSequence`, `modified sequence` and so on.
+bool namesPeptide(QByteArrayView userParameter)
+{
+    QByteArray name = userParameter.toByteArray().toLower();
+    for (const char separator : {'_', ' ', '-'})
+        name.replace(QByteArray(1, separator), "");
+    return isOneOf(name, {"peptide", "peptidesequence", "modifiedsequence", "modifiedpeptidesequence",
+                          "peptidemodifiedsequence", "fullpeptidename", "peptidoform"});
+}
+
+double positiveNumber(QByteArrayView text)
+{
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    return isNumber && std::isfinite(value) && value > 0 ? value : 0;
 }
 
 void append(QByteArrayView bytes, std::string *out)
@@ -51,6 +76,7 @@ Result<std::optional<MzMlElement>> MzMlElements::next()
         if (!advance())
             return endOfFile();
         if (m_tags.tagName() == m_element && !m_tags.isEnd()) {
+            m_around = m_open;
             Result<MzMlElement> element = readElement();
             if (element.hasError())
                 return element.error();
@@ -60,6 +86,15 @@ Result<std::optional<MzMlElement>> MzMlElements::next()
             return error;
     }
     return std::optional<MzMlElement>();
+}
+
+Error MzMlElements::seek(const TracePlace &place)
+{
+    m_open = m_around;
+    m_number = place.order;
+    m_isTagPending = false;
+    m_isDone = false;
+    return m_tags.seek(place.offset);
 }
 
 bool MzMlElements::advance()
@@ -118,11 +153,13 @@ Result<MzMlElement> MzMlElements::readElement()
 {
     MzMlElement element;
     element.id = m_tags.attribute("id");
+    element.place = {m_tags.tagOffset(), 0, m_number};
     ++m_number;
     if (element.id.isEmpty())
         element.id = QString::number(m_number);
     const bool isEmpty = m_tags.isEmpty();
     m_isInArray = false;
+    m_isInPrecursor = false;
     appendTag(&element);
     if (Error error = isEmpty ? Error() : readContent(&element); error.hasError())
         return error;
@@ -159,6 +196,8 @@ void MzMlElements::appendTag(MzMlElement *element)
     const QByteArrayView tagName = m_tags.tagName();
     if (tagName == ARRAY)
         m_isInArray = !m_tags.isEnd();
+    if (tagName == PRECURSOR)
+        m_isInPrecursor = !m_tags.isEnd() && !m_tags.isEmpty();
     if (tagName == GROUP_REFERENCE)
         appendGroup(element);
     else if (tagName == PARAMETER || tagName == USER_PARAMETER)
@@ -185,10 +224,28 @@ void MzMlElements::appendGroup(MzMlElement *element) const
 // Writes each as an empty element, so that end tags can be passed over.
 void MzMlElements::appendParameter(QByteArrayView tag, MzMlElement *element) const
 {
+    if (m_list == "chromatogramList" && !m_isInArray)
+        noteOrigin(tag, &element->origin);
     if (tag.startsWith("</") || tag.startsWith("<userParam") || (!m_isInArray && !isNeeded(tag)))
         return;
     append(tag.chopped(tag.endsWith("/>") ? 2 : 1), &element->text);
     append("/>", &element->text);
+}
+
+// What tells the precursor of a chromatogram. Both a bare and a modified sequence count where a file has both.
+void MzMlElements::noteOrigin(QByteArrayView parameter, TraceOrigin *origin) const
+{
+    const QByteArrayView accession = xmlAttribute(parameter, "accession").value_or(QByteArrayView());
+    const QByteArrayView value = xmlAttribute(parameter, "value").value_or(QByteArrayView());
+    const bool isPeptide = parameter.startsWith("<userParam")
+                               ? namesPeptide(xmlAttribute(parameter, "name").value_or(QByteArrayView()))
+                               : isOneOf(accession, {"MS:1000888", "MS:1000889"});
+    if (isPeptide && !value.isEmpty())
+        origin->peptide += (origin->peptide.isEmpty() ? QString() : QStringLiteral(" ")) + m_tags.decoded(value);
+    if (accession == "MS:1000129" || accession == "MS:1000130")
+        origin->polarity = accession == "MS:1000130" ? '+' : '-';
+    if (accession == "MS:1000827" && m_isInPrecursor && origin->isolationTarget == 0)
+        origin->isolationTarget = positiveNumber(value);
 }
 
 Error MzMlElements::endOfFile() const

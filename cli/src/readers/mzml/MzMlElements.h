@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "ChromatogramSource.h"
 #include "XmlTagStream.h"
 
 #include <zav/Result.h>
@@ -16,9 +17,11 @@ namespace zav {
 /// One `<chromatogram>` or `<spectrum>` of an mzML file as text.
 struct MzMlElement
 {
-    QString id;       ///< its native id; its number in the file, from 1, where it has none
-    std::string text; ///< from start to end tag, see below
-    QString problem;  ///< empty, or why the text is of no use
+    QString id;         ///< its native id; its number in the file, from 1, where it has none
+    std::string text;   ///< from start to end tag, see below
+    QString problem;    ///< empty, or why the text is of no use
+    TraceOrigin origin; ///< of a chromatogram, as far as it was read
+    TracePlace place;   ///< for `MzMlElements::seek`
 };
 
 /// The chromatograms or the spectra of an mzML file from first to last, one in memory at a time.
@@ -37,6 +40,9 @@ public:
     /// The next one; an empty optional at the end of the document. An error for a file that is not mzML, is damaged
     /// outside of the elements asked for, or ends too early.
     Result<std::optional<MzMlElement>> next();
+
+    /// Goes to an element that `next` has yielded: `next` yields it again, then those behind it.
+    Error seek(const TracePlace &place);
 
     QString name() const { return m_tags.name(); }
 
@@ -58,18 +64,21 @@ private:
     void appendTag(MzMlElement *element);
     void appendGroup(MzMlElement *element) const;
     void appendParameter(QByteArrayView tag, MzMlElement *element) const;
+    void noteOrigin(QByteArrayView parameter, TraceOrigin *origin) const;
     Error endOfFile() const;
 
     XmlTagStream m_tags;
     const QByteArray m_element;
     const QByteArray m_list;                             // the element around them
     std::vector<QByteArray> m_open;                      // names of the elements around the current tag
+    std::vector<QByteArray> m_around;                    // likewise, around the elements asked for
     std::map<QString, std::vector<QByteArray>> m_groups; // the tags within each
     qint64 m_declaredCount = -1;
     qint64 m_declaredSpectra = 0;
     qint64 m_number = 0;
-    bool m_isTagPending = false; // the tag of `m_tags` is still to be looked at
-    bool m_isInArray = false;    // a data array of the element that is being read
+    bool m_isTagPending = false;  // the tag of `m_tags` is still to be looked at
+    bool m_isInArray = false;     // a data array of the element that is being read
+    bool m_isInPrecursor = false; // likewise
     bool m_isDone = false;
 };
 

@@ -53,7 +53,7 @@ double sumInWindow(const ExtractionTarget &target, const std::vector<double> &mz
 class ExtractedTraces
 {
 public:
-    explicit ExtractedTraces(QList<ExtractionTarget> targets);
+    ExtractedTraces(QList<ExtractionTarget> targets, bool keepsTraces);
 
     /// Adds a point to each target whose range of time holds `time`: the sum of the intensities in its window. Both
     /// vectors have the same length; they come back ordered by m/z. Costs a binary search for each target.
@@ -61,16 +61,17 @@ public:
 
     qsizetype count() const { return m_targets.size(); }
 
-    /// Gives the points of a target away, together with its id.
+    /// The trace of a target. Unless traces are kept, its points are given away.
     Chromatogram take(qsizetype index);
 
 private:
     QList<ExtractionTarget> m_targets;
     QList<QList<QPointF>> m_points;
+    bool m_keepsTraces;
 };
 
-ExtractedTraces::ExtractedTraces(QList<ExtractionTarget> targets)
-    : m_targets(std::move(targets)), m_points(m_targets.size())
+ExtractedTraces::ExtractedTraces(QList<ExtractionTarget> targets, bool keepsTraces)
+    : m_targets(std::move(targets)), m_points(m_targets.size()), m_keepsTraces(keepsTraces)
 {}
 
 void ExtractedTraces::addSpectrum(double time, std::vector<double> *mzs, std::vector<double> *intensities)
@@ -84,7 +85,11 @@ void ExtractedTraces::addSpectrum(double time, std::vector<double> *mzs, std::ve
 
 Chromatogram ExtractedTraces::take(qsizetype index)
 {
-    return {m_targets[index].id, std::exchange(m_points[index], {}), {}, {}};
+    Chromatogram trace;
+    trace.id = m_targets[index].id;
+    trace.origin.group = m_targets[index].group;
+    trace.points = m_keepsTraces ? m_points[index] : std::exchange(m_points[index], {});
+    return trace;
 }
 
 bool isMs1(const Spectrum &spectrum)
@@ -118,8 +123,8 @@ std::optional<StartTime> startTime(const Spectrum &spectrum)
 class MzMlExtraction : public ChromatogramSource
 {
 public:
-    MzMlExtraction(std::unique_ptr<ByteStream> bytes, const QList<ExtractionTarget> &targets)
-        : m_elements(std::move(bytes), "spectrum"), m_traces(targets)
+    MzMlExtraction(std::unique_ptr<ByteStream> bytes, const QList<ExtractionTarget> &targets, bool keepsTraces)
+        : m_elements(std::move(bytes), "spectrum"), m_traces(targets, keepsTraces)
     {}
 
     qint64 count() const override { return m_traces.count(); }
@@ -134,10 +139,17 @@ public:
         if (m_taken == m_traces.count())
             return std::optional<TraceOutcome>();
         TraceOutcome outcome;
+        outcome.place.order = m_taken;
         outcome.chromatogram = m_traces.take(m_taken++);
         outcome.chromatogram.timeUnit = m_timeUnit.value_or(QString());
         outcome.chromatogram.intensityUnit = m_intensityUnit;
         return std::optional<TraceOutcome>(std::move(outcome));
+    }
+
+    Error seek(const TracePlace &place) override
+    {
+        m_taken = place.order;
+        return m_error;
     }
 
 private:
@@ -217,9 +229,10 @@ private:
 } // namespace
 
 Result<std::unique_ptr<ChromatogramSource>> openMzMlExtraction(std::unique_ptr<ByteStream> bytes,
-                                                               const QList<ExtractionTarget> &targets)
+                                                               const QList<ExtractionTarget> &targets, bool keepsTraces)
 {
-    return std::unique_ptr<ChromatogramSource>(std::make_unique<MzMlExtraction>(std::move(bytes), targets));
+    return std::unique_ptr<ChromatogramSource>(
+        std::make_unique<MzMlExtraction>(std::move(bytes), targets, keepsTraces));
 }
 
 } // namespace zav

@@ -190,6 +190,7 @@ bool XmlTagStream::refill()
 {
     QByteArray piece;
     m_error = m_bytes->read(&piece);
+    m_offset += m_at;
     m_buffer.remove(0, std::exchange(m_at, 0));
     m_buffer += piece;
     return !piece.isEmpty();
@@ -198,6 +199,7 @@ bool XmlTagStream::refill()
 void XmlTagStream::readMarkup(qsizetype size)
 {
     const QByteArrayView markup = QByteArrayView(m_buffer).sliced(m_at, size);
+    m_tagOffset = m_offset + m_at;
     m_at += size;
     if (markup.startsWith("<?xml ")) {
         const QByteArrayView encoding = xmlAttribute(markup, "encoding").value_or("UTF-8");
@@ -226,9 +228,22 @@ bool XmlTagStream::isEmpty() const
 QString XmlTagStream::attribute(QByteArrayView name) const
 {
     const std::optional<QByteArrayView> value = xmlAttribute(m_tag, name);
-    if (!value)
-        return {};
-    return withoutXmlEntities(m_isLatin1 ? QString::fromLatin1(*value) : QString::fromUtf8(*value));
+    return value ? decoded(*value) : QString();
+}
+
+QString XmlTagStream::decoded(QByteArrayView value) const
+{
+    return withoutXmlEntities(m_isLatin1 ? QString::fromLatin1(value) : QString::fromUtf8(value));
+}
+
+Error XmlTagStream::seek(qint64 tagOffset)
+{
+    m_buffer.clear();
+    m_offset = tagOffset;
+    m_at = 0;
+    m_tag = {};
+    m_error = m_bytes->seek(tagOffset);
+    return m_error;
 }
 
 Error XmlTagStream::failure(const QString &reason) const

@@ -44,6 +44,13 @@ public:
     /// it has none of that name.
     QString attribute(QByteArrayView name) const;
 
+    /// The value of an attribute likewise, as it stands in the file.
+    QString decoded(QByteArrayView value) const;
+
+    /// Where the tag begins, in bytes of the text; and back to such a place.
+    qint64 tagOffset() const { return m_tagOffset; }
+    Error seek(qint64 tagOffset);
+
     Error failure(const QString &reason) const; ///< that the file cannot be read
 
 private:
@@ -55,7 +62,9 @@ private:
 
     std::unique_ptr<ByteStream> m_bytes;
     QByteArray m_buffer;
-    qsizetype m_at = 0; // of what is not taken yet
+    qint64 m_offset = 0; // of the buffer in the text
+    qsizetype m_at = 0;  // of what is not taken yet
+    qint64 m_tagOffset = 0;
     QByteArrayView m_tag;
     QByteArrayView m_tagName;
     bool m_isLatin1 = false;
