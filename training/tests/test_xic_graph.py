@@ -66,13 +66,45 @@ def test_length_of_the_padding_changes_nothing(limits: Run, splitter: Run, point
 def test_file_gives_what_training_computes(weights: dict[str, np.ndarray], limits: Run) -> None:
     x = limits_input(some_trace(300), LimitsOptions())[None]
     used = network.used_points(tf.constant(x))
+    x_levelled = network.levelled(tf.constant(x), used)
     told = tf.constant([TOLD])
-    logits = network.logits(weights, tf.constant(x), used, told, network.DETECTOR)
+    logits = network.logits(weights, x_levelled, used, told, network.DETECTOR)
     rule = LimitsRule(TOLD)
     joined = graph.part(logits[:, :, 0] - rule.inside, logits[:, :, 1] - rule.valley, used)
-    final = graph.combine_limits(joined, tf.constant(x), used, rule)
+    final = graph.combine_limits(joined, x_levelled, used, rule)
     expected = tf.sigmoid(final + rule.offset).numpy()
     assert limits(x) == pytest.approx(expected, abs=FLOAT_TOLERANCE)
+
+
+def test_levelling_subtracts_the_lowest_point_and_leaves_the_padding() -> None:
+    x = tf.constant([[0.6, 0.5, 1.0, 0.75, 0.5, 0.4, 0.3, 0.2, 0.1, -0.1, -0.2, -0.2]])
+    found = network.levelled(x, network.used_points(x)).numpy()[0]
+    # of nine used points the last four hold padding: 0.5 is the lowest of the others
+    expected = [0.2, 0.0, 1.0, 0.5, 0.0, 0.0, 0.0, 0.0, 0.0, -0.1, -0.2, -0.2]
+    assert found == pytest.approx(expected, abs=1e-6)
+
+
+def test_levelling_leaves_a_trace_that_reaches_0_and_one_too_short_to_tell() -> None:
+    for row in ([0.0, 0.3, 1.0, 0.2, 0.1, 0.1, 0.1, 0.1, -1.0], [0.9, 1.0, 0.9, 0.7, -1.0]):
+        x = tf.constant([row])
+        assert np.array_equal(network.levelled(x, network.used_points(x)), x)
+
+
+def test_rounding_of_a_flat_trace_is_not_blown_up() -> None:
+    x = tf.constant([[1.0, 1.0 - 1e-7] * 16])
+    assert np.max(network.levelled(x, network.used_points(x))) < 1e-3
+
+
+@pytest.mark.parametrize("base", [0.5, 5.0, 50.0])
+def test_trace_on_a_constant_base_is_read_as_without_it(limits: Run, base: float) -> None:
+    y = some_trace(300)
+    y -= y.min()
+    options = LimitsOptions(maxPointCount=512)
+    without = limits(limits_input(y, options)[None])[0, :250]
+    lifted = limits(limits_input(y + base * y.max(), options)[None])[0, :250]
+    # the last points hold padding, which weighs less against a high base, and a mean over the
+    # whole trace reaches all points
+    assert lifted == pytest.approx(without, abs=5e-3)
 
 
 @pytest.mark.parametrize("fill", [0.0, -1.0, -np.inf, 1.0])

@@ -9,15 +9,25 @@ from pathlib import Path
 import numpy as np
 import tensorflow as tf
 
-from zav_training.xic import evaluate, evaluate_splits, network, picks, recipe, ship
+from zav_training.xic import (
+    evaluate,
+    evaluate_offsets,
+    evaluate_splits,
+    network,
+    picks,
+    recipe,
+    ship,
+)
 from zav_training.xic.batches import Batch, detector_batches, splitter_batches
 from zav_training.xic.examples import Backgrounds, RealTraces
+from zav_training.xic.frozen import read_weights
 from zav_training.xic.sets import evaluation_sets
 from zav_training.xic.splits import RealNeighbours
 from zav_training.xic.traces import BACKGROUND, LABELLED, Trace, read_traces, split
 from zav_training.xic.training import Trainer, train
 
 Parts = dict[str, list[Trace]]
+START = "weights (.npz) or graph file (.pb) from which training of the limits network goes on"
 
 
 def main(arguments: list[str] | None = None) -> int:
@@ -49,6 +59,7 @@ def _parser() -> argparse.ArgumentParser:
         command.add_argument("run", type=Path, help="folder of a training run: weights")
         command.add_argument("models", type=Path, help="folder of the graph files")
         command.add_argument("--seed", type=int, default=recipe.SEED)
+        command.add_argument("--start", type=Path, help=START)
         command.add_argument("--share", type=float, default=1.0, help="of the steps, for a trial")
         command.add_argument("--threads", type=int, default=0, help="0: as TensorFlow likes")
         command.add_argument("--openms", action="store_true", help="compare with pyopenms, too")
@@ -60,8 +71,10 @@ def _train_limits(options: argparse.Namespace, parts: Parts) -> None:
     rng = np.random.default_rng(options.seed)
     known = parts["training"]
     batches = detector_batches(rng, RealTraces(known), Backgrounds(known))
-    trainer = Trainer(network.DETECTOR, options.seed)
-    _train(options, trainer, recipe.LIMITS_SCHEDULE, batches, ship.LIMITS)
+    start = read_weights(options.start, network.DETECTOR) if options.start else None
+    trainer = Trainer(network.DETECTOR, options.seed, start)
+    schedule = recipe.CONTINUED_SCHEDULE if options.start else recipe.LIMITS_SCHEDULE
+    _train(options, trainer, schedule, batches, ship.LIMITS)
 
 
 def _train_split(options: argparse.Namespace, parts: Parts) -> None:
@@ -115,6 +128,7 @@ def _picks(options: argparse.Namespace, parts: Parts) -> None:
 def _evaluate(options: argparse.Namespace, parts: Parts) -> None:
     limits = options.models / f"{ship.LIMITS}.pb"
     evaluate.report(evaluation_sets(parts), limits, recipe.LIMITS_OPTIONS, options.openms)
+    evaluate_offsets.report(evaluate.network_picker(limits, recipe.LIMITS_OPTIONS))
     splitters = {
         "network": evaluate_splits.network_splitter(
             options.models / f"{ship.SPLIT}.pb", recipe.SPLIT_OPTIONS

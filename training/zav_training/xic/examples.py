@@ -23,6 +23,13 @@ WHOLE = 0.2
 #: Surroundings kept on each side of a real label, in its widths.
 ROOM = (0.15, 15.0)
 
+#: Share of simulated traces with a small neighbour on flat ground.
+NEIGHBOURS = 0.2
+#: Share of examples that are lifted as a whole, and by how much, over their largest value.
+LIFTED_SHARE, LIFT = 0.2, (0.05, 50.0)
+#: Of the lifted ones, the share in which points stay behind at 0, and how many do at most.
+BROKEN_SHARE, BROKEN = 0.75, 5
+
 
 @dataclass
 class Example:
@@ -43,7 +50,7 @@ def simulated_example(
     rng: np.random.Generator, length: int, background: np.ndarray | None = None
 ) -> Example:
     """A simulated trace of the given length."""
-    trace = simulate.simulate(rng, length, background)
+    trace = simulate.simulate(rng, length, background, neighbours=NEIGHBOURS)
     intensity, gain = trace.intensity, 1.0
     if rng.random() < 0.08 and np.median(intensity) < 0.01 * intensity.max():
         gain = 10.0 ** int(rng.integers(1, 4))
@@ -58,7 +65,7 @@ def simulated_example(
         _paint_valley(targets, weights, place)
     weights[VALLEY, targets[INSIDE] == 0] = 0.0
     told = conventions(trace.drawn_width, trace.valley_depth)
-    return vary(rng, Example(intensity / top, targets, weights, told), scale=True)
+    return lift(rng, vary(rng, Example(intensity / top, targets, weights, told), scale=True))
 
 
 def _paint_region(
@@ -98,7 +105,7 @@ def real_example(rng: np.random.Generator, trace: Trace, shape: Shape) -> Exampl
     window = slice(low, high)
     told = conventions(min(max(shape.relative_width, 1.8), 6.0), USUAL_DEPTH)
     example = Example(y[window], targets[:, window], weights[:, window], told)
-    return vary(rng, stretch(rng, example), scale=False)
+    return lift(rng, vary(rng, stretch(rng, example), scale=False))
 
 
 def _real_targets(trace: Trace, shape: Shape) -> tuple[np.ndarray, np.ndarray]:
@@ -178,6 +185,23 @@ def roughened(rng: np.random.Generator, y: np.ndarray) -> np.ndarray:
     if kind < 0.42:
         return np.maximum(y + top * rng.uniform(0.01, 0.12) * rng.standard_normal(len(y)), 0.0)
     return y
+
+
+def lift(rng: np.random.Generator, example: Example) -> Example:
+    """The example, or in some cases its trace on a constant base, the noise kept.
+
+    Points that stay behind at 0, at an end or anywhere, keep the base from being subtracted.
+    """
+    if rng.random() >= LIFTED_SHARE:
+        return example
+    y = example.intensity
+    lifted = y + y.max(initial=0.0) * np.exp(rng.uniform(*np.log(LIFT)))
+    if rng.random() < BROKEN_SHARE:
+        count = min(int(rng.integers(1, BROKEN + 1)), len(y) // 8)
+        first = np.arange(count)
+        places = (first, len(y) - 1 - first, rng.integers(0, len(y), count))
+        lifted[places[rng.integers(len(places))]] = 0.0
+    return Example(lifted, example.targets, example.weights, example.conventions)
 
 
 def mirrored(example: Example) -> Example:
