@@ -14,11 +14,10 @@ def example() -> Example:
 
 
 def test_lifted_trace_keeps_its_noise_and_its_targets(monkeypatch: pytest.MonkeyPatch) -> None:
-    monkeypatch.setattr(examples, "LIFTED_SHARE", 1.0)
     monkeypatch.setattr(examples, "BROKEN_SHARE", 0.0)
     before, rng = example(), np.random.default_rng(1)
     for _ in range(50):
-        after = examples.lift(rng, before)
+        after = examples.lift(rng, before, 1.0)
         base = after.intensity - before.intensity
         assert np.ptp(base) < 1e-9
         # 1.5 is the largest value
@@ -27,18 +26,25 @@ def test_lifted_trace_keeps_its_noise_and_its_targets(monkeypatch: pytest.Monkey
 
 
 def test_few_points_of_a_broken_base_stay_behind_at_0(monkeypatch: pytest.MonkeyPatch) -> None:
-    monkeypatch.setattr(examples, "LIFTED_SHARE", 1.0)
     monkeypatch.setattr(examples, "BROKEN_SHARE", 1.0)
     before, rng = example(), np.random.default_rng(2)
     at_start = at_end = 0
     for _ in range(60):
-        y = examples.lift(rng, before).intensity
+        y = examples.lift(rng, before, 1.0).intensity
         assert 1 <= np.sum(y == 0.0) <= 5
         at_start, at_end = at_start + (y[0] == 0.0), at_end + (y[-1] == 0.0)
     assert at_start > 0 and at_end > 0
 
 
-def test_most_examples_are_not_lifted() -> None:
+def test_as_many_examples_are_lifted_as_asked_for() -> None:
     before, rng = example(), np.random.default_rng(3)
-    same = sum(examples.lift(rng, before) is before for _ in range(400))
-    assert same / 400 == pytest.approx(1.0 - examples.LIFTED_SHARE, abs=0.08)
+    same = sum(examples.lift(rng, before, 0.2) is before for _ in range(400))
+    # four standard deviations of 400 draws
+    assert same / 400 == pytest.approx(0.8, abs=0.08)
+
+
+def test_share_of_0_draws_nothing() -> None:
+    rng, other = np.random.default_rng(4), np.random.default_rng(4)
+    before = example()
+    assert examples.lift(rng, before, 0.0) is before
+    assert rng.random() == other.random()

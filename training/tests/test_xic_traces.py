@@ -112,8 +112,7 @@ def test_window_holds_the_label_and_its_width_on_both_sides() -> None:
     assert (cut.rt[0], cut.rt[-1]) == (70.0, 130.0)
 
 
-def test_candidates_beside_the_label_do_not_count(monkeypatch: pytest.MonkeyPatch) -> None:
-    monkeypatch.setattr(examples, "LIFTED_SHARE", 0.0)
+def test_candidates_beside_the_label_do_not_count() -> None:
     y = bell(300, 100, 5) + bell(300, 200, 5)
     trace = labelled(y, (88.0, 112.0), candidates=[(88.0, 112.0), (188.0, 212.0)])
     shape = visible.shape_of(trace, trace.peaks[0])

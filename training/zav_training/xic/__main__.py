@@ -9,6 +9,7 @@ from pathlib import Path
 import numpy as np
 import tensorflow as tf
 
+from zav_training.contract import read_contract
 from zav_training.xic import (
     evaluate,
     evaluate_offsets,
@@ -50,6 +51,7 @@ def _parser() -> argparse.ArgumentParser:
         "train-limits": ((_train_limits,), "train the network of peak limits"),
         "train-split": ((_train_split,), "train the splitter, which starts from it"),
         "ship": ((_ship,), "write graphs and contracts of a run"),
+        "rewrite": ((_rewrite,), "write the limits graph anew around its weights: a new rule"),
         "evaluate": ((_evaluate,), "figures of shipped networks, as tables"),
         "picks": ((_picks,), "labels and found peaks of the sets as JSON lines in the run"),
     }
@@ -70,11 +72,17 @@ def _parser() -> argparse.ArgumentParser:
 def _train_limits(options: argparse.Namespace, parts: Parts) -> None:
     rng = np.random.default_rng(options.seed)
     known = parts["training"]
-    batches = detector_batches(rng, RealTraces(known), Backgrounds(known))
-    start = read_weights(options.start, network.DETECTOR) if options.start else None
-    trainer = Trainer(network.DETECTOR, options.seed, start)
-    schedule = recipe.CONTINUED_SCHEDULE if options.start else recipe.LIMITS_SCHEDULE
-    _train(options, trainer, schedule, batches, ship.LIMITS)
+    real, backgrounds = RealTraces(known), Backgrounds(known)
+    if options.start:
+        start = read_weights(options.start, network.DETECTOR)
+        trainer = Trainer(network.DETECTOR, options.seed, start, levelled=True)
+        shares = (recipe.LIFTED_SHARE, recipe.NEIGHBOUR_SHARE)
+        batches = detector_batches(rng, real, backgrounds, *shares)
+        _train(options, trainer, recipe.CONTINUED_SCHEDULE, batches, ship.LIMITS)
+        return
+    trainer = Trainer(network.DETECTOR, options.seed)
+    batches = detector_batches(rng, real, backgrounds)
+    _train(options, trainer, recipe.LIMITS_SCHEDULE, batches, ship.LIMITS)
 
 
 def _train_split(options: argparse.Namespace, parts: Parts) -> None:
@@ -114,6 +122,13 @@ def _ship(options: argparse.Namespace, parts: Parts) -> None:
     for name, write in ((ship.LIMITS, ship.ship_limits), (ship.SPLIT, ship.ship_split)):
         made = json.loads(_made(options, name).read_text())
         write(dict(np.load(_weights(options, name))), options.models, parts, made)
+
+
+def _rewrite(options: argparse.Namespace, parts: Parts) -> None:
+    path = options.models / f"{ship.LIMITS}.pb"
+    contract = read_contract(path)
+    made = {k: contract[k] for k in ("trainingSeed", "trainingSteps")}
+    ship.ship_limits(read_weights(path, network.DETECTOR), options.models, parts, made)
 
 
 def _picks(options: argparse.Namespace, parts: Parts) -> None:

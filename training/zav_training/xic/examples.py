@@ -23,10 +23,8 @@ WHOLE = 0.2
 #: Surroundings kept on each side of a real label, in its widths.
 ROOM = (0.15, 15.0)
 
-#: Share of simulated traces with a small neighbour on flat ground.
-NEIGHBOURS = 0.2
-#: Share of examples that are lifted as a whole, and by how much, over their largest value.
-LIFTED_SHARE, LIFT = 0.2, (0.05, 50.0)
+#: How far an example is lifted as a whole, over its largest value.
+LIFT = (0.05, 50.0)
 #: Of the lifted ones, the share in which points stay behind at 0, and how many do at most.
 BROKEN_SHARE, BROKEN = 0.75, 5
 
@@ -47,10 +45,13 @@ def conventions(drawn_width: float, valley_depth: float) -> np.ndarray:
 
 
 def simulated_example(
-    rng: np.random.Generator, length: int, background: np.ndarray | None = None
+    rng: np.random.Generator,
+    length: int,
+    background: np.ndarray | None = None,
+    neighbours: float = 0.0,
 ) -> Example:
-    """A simulated trace of the given length."""
-    trace = simulate.simulate(rng, length, background, neighbours=NEIGHBOURS)
+    """A simulated trace of the given length; `neighbours` as for `simulate`."""
+    trace = simulate.simulate(rng, length, background, neighbours=neighbours)
     intensity, gain = trace.intensity, 1.0
     if rng.random() < 0.08 and np.median(intensity) < 0.01 * intensity.max():
         gain = 10.0 ** int(rng.integers(1, 4))
@@ -65,7 +66,7 @@ def simulated_example(
         _paint_valley(targets, weights, place)
     weights[VALLEY, targets[INSIDE] == 0] = 0.0
     told = conventions(trace.drawn_width, trace.valley_depth)
-    return lift(rng, vary(rng, Example(intensity / top, targets, weights, told), scale=True))
+    return vary(rng, Example(intensity / top, targets, weights, told), scale=True)
 
 
 def _paint_region(
@@ -105,7 +106,7 @@ def real_example(rng: np.random.Generator, trace: Trace, shape: Shape) -> Exampl
     window = slice(low, high)
     told = conventions(min(max(shape.relative_width, 1.8), 6.0), USUAL_DEPTH)
     example = Example(y[window], targets[:, window], weights[:, window], told)
-    return lift(rng, vary(rng, stretch(rng, example), scale=False))
+    return vary(rng, stretch(rng, example), scale=False)
 
 
 def _real_targets(trace: Trace, shape: Shape) -> tuple[np.ndarray, np.ndarray]:
@@ -187,12 +188,12 @@ def roughened(rng: np.random.Generator, y: np.ndarray) -> np.ndarray:
     return y
 
 
-def lift(rng: np.random.Generator, example: Example) -> Example:
-    """The example, or in some cases its trace on a constant base, the noise kept.
+def lift(rng: np.random.Generator, example: Example, share: float) -> Example:
+    """The example, or in that share of cases its trace on a constant base, the noise kept.
 
     Points that stay behind at 0, at an end or anywhere, keep the base from being subtracted.
     """
-    if rng.random() >= LIFTED_SHARE:
+    if not share or rng.random() >= share:
         return example
     y = example.intensity
     lifted = y + y.max(initial=0.0) * np.exp(rng.uniform(*np.log(LIFT)))

@@ -21,6 +21,8 @@ VIEWS = 9
 SMOOTHED = ((3, 75), (7, 75), (17, 257), (41, 257))
 #: Last used points into which the smoothing mixes padding: they are no measure of the base.
 MIXED = 4
+#: A lower base stays: the network knows such traces from its training.
+LEAST_BASE = 0.1
 #: A trace that rises by less over its base is flat: its rounding is not to be blown up.
 LEAST_RISE = 1e-3
 
@@ -30,7 +32,7 @@ class Size:
     """Channels of the four levels, and the values per point that come out.
 
     A point of `least` or more is no padding. `dice` weighs the overlap in the loss. `levelled`:
-    the lowest point is subtracted before anything else.
+    the graph subtracts the base of a trace before anything else.
     """
 
     channels: tuple[int, int, int, int]
@@ -162,12 +164,13 @@ def used_points(x: tf.Tensor, least: float = 0.0) -> tf.Tensor:
 def levelled(x: tf.Tensor, used: tf.Tensor) -> tf.Tensor:
     """The trace [B, n] without its lowest used value, its largest 1 again; padding stays.
 
-    So a trace that is lifted as a whole looks as it did before.
+    So a trace that is lifted as a whole looks as it did before. A base below LEAST_BASE stays.
     """
     ordinal = tf.range(tf.shape(x)[1])[None]
     measured = tf.logical_and(ordinal < used[:, None] - MIXED, x >= 0.0)
     lowest = tf.reduce_min(tf.where(measured, x, 1.0), 1, keepdims=True)
-    base = tf.where(tf.reduce_any(measured, 1, keepdims=True), lowest, 0.0)
+    high = tf.logical_and(tf.reduce_any(measured, 1, keepdims=True), lowest >= LEAST_BASE)
+    base = tf.where(high, lowest, 0.0)
     risen = tf.maximum(x - base, 0.0) / tf.maximum(1.0 - base, LEAST_RISE)
     return tf.where(tf.logical_and(ordinal < used[:, None], x >= 0.0), risen, x)
 
