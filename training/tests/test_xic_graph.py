@@ -63,16 +63,58 @@ def test_length_of_the_padding_changes_nothing(limits: Run, splitter: Run, point
         assert long == pytest.approx(short, abs=FLOAT_TOLERANCE)
 
 
-def test_file_gives_what_training_computes(weights: dict[str, np.ndarray], limits: Run) -> None:
-    x = limits_input(some_trace(300), LimitsOptions())[None]
+@pytest.mark.parametrize("base", [0.0, 3e4])
+def test_file_gives_what_training_computes(
+    weights: dict[str, np.ndarray], limits: Run, base: float
+) -> None:
+    x = limits_input(some_trace(300) + base, LimitsOptions())[None]
     used = network.used_points(tf.constant(x))
+    x_levelled = network.levelled(tf.constant(x), used)
     told = tf.constant([TOLD])
-    logits = network.logits(weights, tf.constant(x), used, told, network.DETECTOR)
+    logits = network.logits(weights, x_levelled, used, told, network.DETECTOR)
     rule = LimitsRule(TOLD)
     joined = graph.part(logits[:, :, 0] - rule.inside, logits[:, :, 1] - rule.valley, used)
-    final = graph.combine_limits(joined, tf.constant(x), used, rule)
+    final = graph.combine_limits(joined, x_levelled, used, rule)
     expected = tf.sigmoid(final + rule.offset).numpy()
     assert limits(x) == pytest.approx(expected, abs=FLOAT_TOLERANCE)
+
+
+def test_levelling_subtracts_the_lowest_point_and_leaves_the_padding() -> None:
+    x = tf.constant([[0.6, 0.5, 1.0, 0.75, 0.5, 0.4, 0.3, 0.2, 0.1, -0.1, -0.2, -0.2]])
+    found = network.levelled(x, network.used_points(x)).numpy()[0]
+    # of nine used points the last four hold padding: 0.5 is the lowest of the others
+    expected = [0.2, 0.0, 1.0, 0.5, 0.0, 0.0, 0.0, 0.0, 0.0, -0.1, -0.2, -0.2]
+    assert found == pytest.approx(expected, abs=1e-6)
+
+
+@pytest.mark.parametrize(
+    "row",
+    [
+        [0.0, 0.3, 1.0, 0.2, 0.1, 0.1, 0.1, 0.1, -1.0],
+        [0.09, 0.3, 1.0, 0.2, 0.1, 0.1, 0.1, 0.1, -1.0],
+        [0.9, 1.0, 0.9, 0.7, -1.0],
+    ],
+    ids=["reaches 0", "low base", "too short to tell"],
+)
+def test_levelling_leaves_a_trace(row: list[float]) -> None:
+    x = tf.constant([row])
+    assert np.array_equal(network.levelled(x, network.used_points(x)), x)
+
+
+def test_rounding_of_a_flat_trace_is_not_blown_up() -> None:
+    x = tf.constant([[1.0, 1.0 - 1e-7] * 16])
+    assert np.max(network.levelled(x, network.used_points(x))) < 1e-3
+
+
+@pytest.mark.parametrize("base", [0.5, 5.0, 50.0])
+def test_trace_on_a_constant_base_looks_as_without_it(base: float) -> None:
+    y = some_trace(300)
+    y[:9] = 0.0  # the filter is five points wide: 0 is the lowest smoothed value, too
+    options = LimitsOptions(maxPointCount=512)
+    lifted = tf.constant(limits_input(y + base * y.max(), options)[None])
+    found = network.levelled(lifted, network.used_points(lifted)).numpy()[0, :298]
+    # of the 24 bits of a float the base takes up six
+    assert found == pytest.approx(limits_input(y, options)[:298], abs=1e-5)
 
 
 @pytest.mark.parametrize("fill", [0.0, -1.0, -np.inf, 1.0])

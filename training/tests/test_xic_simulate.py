@@ -91,6 +91,30 @@ def test_intensities_are_finite_and_not_negative() -> None:
             assert np.all(np.isfinite(y)) and np.all(y >= 0.0)
 
 
+def test_neighbour_is_smaller_and_stands_beyond_the_feet_of_both() -> None:
+    rng = np.random.default_rng(7)
+    large = gaussian(100.0, 5.0, 2.0)
+    sides = set()
+    for _ in range(50):
+        small = simulate.draw_neighbour(rng, large)
+        assert 0.06 <= small.height <= 1.0
+        assert 30.0 <= abs(small.apex - 100.0) <= 90.0
+        sides.add(small.apex > 100.0)
+    assert sides == {False, True}
+
+
+def test_each_trace_with_a_peak_gets_a_neighbour_where_all_are_to_have_one() -> None:
+    more = []
+    for seed in range(60):
+        without, beside = (
+            len(simulate.simulate(np.random.default_rng(seed), 200, neighbours=share).peaks)
+            for share in (0.0, 1.0)
+        )
+        more.append(beside - without)
+        assert more[-1] == (1 if without else 0)
+    assert sum(more) > 50
+
+
 def test_seed_fixes_the_clusters() -> None:
     first, second = clusters(101, 5), clusters(101, 5)
     for a, b in zip(first, second, strict=True):

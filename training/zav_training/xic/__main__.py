@@ -9,15 +9,26 @@ from pathlib import Path
 import numpy as np
 import tensorflow as tf
 
-from zav_training.xic import evaluate, evaluate_splits, network, picks, recipe, ship
+from zav_training.contract import read_contract
+from zav_training.xic import (
+    evaluate,
+    evaluate_offsets,
+    evaluate_splits,
+    network,
+    picks,
+    recipe,
+    ship,
+)
 from zav_training.xic.batches import Batch, detector_batches, splitter_batches
 from zav_training.xic.examples import Backgrounds, RealTraces
+from zav_training.xic.frozen import read_weights
 from zav_training.xic.sets import evaluation_sets
 from zav_training.xic.splits import RealNeighbours
 from zav_training.xic.traces import BACKGROUND, LABELLED, Trace, read_traces, split
 from zav_training.xic.training import Trainer, train
 
 Parts = dict[str, list[Trace]]
+START = "weights (.npz) or graph file (.pb) from which training of the limits network goes on"
 
 
 def main(arguments: list[str] | None = None) -> int:
@@ -40,6 +51,7 @@ def _parser() -> argparse.ArgumentParser:
         "train-limits": ((_train_limits,), "train the network of peak limits"),
         "train-split": ((_train_split,), "train the splitter, which starts from it"),
         "ship": ((_ship,), "write graphs and contracts of a run"),
+        "rewrite": ((_rewrite,), "write the limits graph anew around its weights: a new rule"),
         "evaluate": ((_evaluate,), "figures of shipped networks, as tables"),
         "picks": ((_picks,), "labels and found peaks of the sets as JSON lines in the run"),
     }
@@ -49,6 +61,7 @@ def _parser() -> argparse.ArgumentParser:
         command.add_argument("run", type=Path, help="folder of a training run: weights")
         command.add_argument("models", type=Path, help="folder of the graph files")
         command.add_argument("--seed", type=int, default=recipe.SEED)
+        command.add_argument("--start", type=Path, help=START)
         command.add_argument("--share", type=float, default=1.0, help="of the steps, for a trial")
         command.add_argument("--threads", type=int, default=0, help="0: as TensorFlow likes")
         command.add_argument("--openms", action="store_true", help="compare with pyopenms, too")
@@ -59,8 +72,16 @@ def _parser() -> argparse.ArgumentParser:
 def _train_limits(options: argparse.Namespace, parts: Parts) -> None:
     rng = np.random.default_rng(options.seed)
     known = parts["training"]
-    batches = detector_batches(rng, RealTraces(known), Backgrounds(known))
+    real, backgrounds = RealTraces(known), Backgrounds(known)
+    if options.start:
+        start = read_weights(options.start, network.DETECTOR)
+        trainer = Trainer(network.DETECTOR, options.seed, start, levelled=True)
+        shares = (recipe.LIFTED_SHARE, recipe.NEIGHBOUR_SHARE)
+        batches = detector_batches(rng, real, backgrounds, *shares)
+        _train(options, trainer, recipe.CONTINUED_SCHEDULE, batches, ship.LIMITS)
+        return
     trainer = Trainer(network.DETECTOR, options.seed)
+    batches = detector_batches(rng, real, backgrounds)
     _train(options, trainer, recipe.LIMITS_SCHEDULE, batches, ship.LIMITS)
 
 
@@ -103,6 +124,13 @@ def _ship(options: argparse.Namespace, parts: Parts) -> None:
         write(dict(np.load(_weights(options, name))), options.models, parts, made)
 
 
+def _rewrite(options: argparse.Namespace, parts: Parts) -> None:
+    path = options.models / f"{ship.LIMITS}.pb"
+    contract = read_contract(path)
+    made = {k: contract[k] for k in ("trainingSeed", "trainingSteps")}
+    ship.ship_limits(read_weights(path, network.DETECTOR), options.models, parts, made)
+
+
 def _picks(options: argparse.Namespace, parts: Parts) -> None:
     options.run.mkdir(parents=True, exist_ok=True)
     limits = options.models / f"{ship.LIMITS}.pb"
@@ -115,6 +143,7 @@ def _picks(options: argparse.Namespace, parts: Parts) -> None:
 def _evaluate(options: argparse.Namespace, parts: Parts) -> None:
     limits = options.models / f"{ship.LIMITS}.pb"
     evaluate.report(evaluation_sets(parts), limits, recipe.LIMITS_OPTIONS, options.openms)
+    evaluate_offsets.report(evaluate.network_picker(limits, recipe.LIMITS_OPTIONS))
     splitters = {
         "network": evaluate_splits.network_splitter(
             options.models / f"{ship.SPLIT}.pb", recipe.SPLIT_OPTIONS

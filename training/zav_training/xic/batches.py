@@ -10,6 +10,7 @@ from zav_training.xic.examples import (
     Backgrounds,
     Example,
     RealTraces,
+    lift,
     mirrored,
     simulated_example,
 )
@@ -44,17 +45,25 @@ class Batch:
 
 
 def detector_batches(
-    rng: np.random.Generator, real: RealTraces, backgrounds: Backgrounds
+    rng: np.random.Generator,
+    real: RealTraces,
+    backgrounds: Backgrounds,
+    lifted: float = 0.0,
+    neighbours: float = 0.0,
 ) -> Iterator[Batch]:
-    """Batches without end; every trace is padded with -1 and smoothed together with its padding."""
+    """Batches without end; every trace is padded with -1 and smoothed together with its padding.
+
+    `lifted` is the share of traces on a constant base, `neighbours` that of simulated ones with a
+    small neighbour on flat ground.
+    """
     options = LimitsOptions()
 
     def draw(points: int) -> Example:
         if len(real) and rng.random() > SIMULATED_SHARE:
-            return crop(rng, real.draw(rng), points)
+            return lift(rng, crop(rng, real.draw(rng), points), lifted)
         length = _length(rng, LEAST_POINTS, points)
         base = backgrounds.draw(rng, length) if rng.random() < BACKGROUND_SHARE else None
-        return simulated_example(rng, length, base)
+        return lift(rng, simulated_example(rng, length, base, neighbours), lifted)
 
     kernel = gaussian_filter(options.gaussianFilterSize)
     return _batches(rng, draw, kernel, PADDING)

@@ -23,6 +23,11 @@ WHOLE = 0.2
 #: Surroundings kept on each side of a real label, in its widths.
 ROOM = (0.15, 15.0)
 
+#: How far an example is lifted as a whole, over its largest value.
+LIFT = (0.05, 50.0)
+#: Of the lifted ones, the share in which points stay behind at 0, and how many do at most.
+BROKEN_SHARE, BROKEN = 0.75, 5
+
 
 @dataclass
 class Example:
@@ -40,10 +45,13 @@ def conventions(drawn_width: float, valley_depth: float) -> np.ndarray:
 
 
 def simulated_example(
-    rng: np.random.Generator, length: int, background: np.ndarray | None = None
+    rng: np.random.Generator,
+    length: int,
+    background: np.ndarray | None = None,
+    neighbours: float = 0.0,
 ) -> Example:
-    """A simulated trace of the given length."""
-    trace = simulate.simulate(rng, length, background)
+    """A simulated trace of the given length; `neighbours` as for `simulate`."""
+    trace = simulate.simulate(rng, length, background, neighbours=neighbours)
     intensity, gain = trace.intensity, 1.0
     if rng.random() < 0.08 and np.median(intensity) < 0.01 * intensity.max():
         gain = 10.0 ** int(rng.integers(1, 4))
@@ -178,6 +186,23 @@ def roughened(rng: np.random.Generator, y: np.ndarray) -> np.ndarray:
     if kind < 0.42:
         return np.maximum(y + top * rng.uniform(0.01, 0.12) * rng.standard_normal(len(y)), 0.0)
     return y
+
+
+def lift(rng: np.random.Generator, example: Example, share: float) -> Example:
+    """The example, or in that share of cases its trace on a constant base, the noise kept.
+
+    Points that stay behind at 0, at an end or anywhere, keep the base from being subtracted.
+    """
+    if not share or rng.random() >= share:
+        return example
+    y = example.intensity
+    lifted = y + y.max(initial=0.0) * np.exp(rng.uniform(*np.log(LIFT)))
+    if rng.random() < BROKEN_SHARE:
+        count = min(int(rng.integers(1, BROKEN + 1)), len(y) // 8)
+        first = np.arange(count)
+        places = (first, len(y) - 1 - first, rng.integers(0, len(y), count))
+        lifted[places[rng.integers(len(places))]] = 0.0
+    return Example(lifted, example.targets, example.weights, example.conventions)
 
 
 def mirrored(example: Example) -> Example:

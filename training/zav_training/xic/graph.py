@@ -178,7 +178,7 @@ def _told(conventions: tuple[float, float]) -> tf.Tensor:
 
 
 def _input(size: network.Size) -> tuple[tf.Tensor, tf.Tensor, tf.Tensor]:
-    """The whole input [1, n], used points [1], and the stretch that is computed."""
+    """The whole input [1, n], used points [1], and the stretch that is computed, levelled."""
     image = tf.compat.v1.placeholder(tf.float32, [None, network.STRIDE, 1, 1], name=INPUT)
     x = tf.reshape(image, [1, -1])
     n = tf.size(image)
@@ -186,7 +186,7 @@ def _input(size: network.Size) -> tuple[tf.Tensor, tf.Tensor, tf.Tensor]:
     blocks = (tf.reduce_max(used) - 1) // SHORTEST
     doubled = sum(tf.cast(blocks >= 2**i, tf.int32) * 2**i for i in range(8)) + 1
     short = tf.slice(x, [0, 0], tf.stack([-1, tf.minimum(SHORTEST * doubled, n)]))
-    return x, used, short
+    return x, used, network.levelled(short, used) if size.levelled else short
 
 
 def _output(logits: tf.Tensor, x: tf.Tensor) -> None:

@@ -19,23 +19,31 @@ CONVENTIONS = 2
 VIEWS = 9
 #: Views of smoothed traces, one value a place: places averaged, places whose largest counts.
 SMOOTHED = ((3, 75), (7, 75), (17, 257), (41, 257))
+#: Last used points into which the smoothing mixes padding: they are no measure of the base.
+MIXED = 4
+#: A lower base stays: the network knows such traces from its training.
+LEAST_BASE = 0.1
+#: A trace that rises by less over its base is flat: its rounding is not to be blown up.
+LEAST_RISE = 1e-3
 
 
 @dataclass(frozen=True)
 class Size:
     """Channels of the four levels, and the values per point that come out.
 
-    A point of `least` or more is no padding. `dice` weighs the overlap in the loss.
+    A point of `least` or more is no padding. `dice` weighs the overlap in the loss. `levelled`:
+    the graph subtracts the base of a trace before anything else.
     """
 
     channels: tuple[int, int, int, int]
     heads: int
     least: float
     dice: float
+    levelled: bool = False
 
 
 #: Padding is -1 before the smoothing.
-DETECTOR = Size((32, 48, 64, 96), heads=2, least=0.0, dice=0.3)
+DETECTOR = Size((32, 48, 64, 96), heads=2, least=0.0, dice=0.3, levelled=True)
 #: Padding is 0.
 SPLITTER = Size((32, 48, 64, 96), heads=1, least=1e-12, dice=0.0)
 
@@ -151,6 +159,20 @@ def used_points(x: tf.Tensor, least: float = 0.0) -> tf.Tensor:
     n = tf.shape(x)[1]
     ordinal = tf.cast(tf.range(1, n + 1), tf.float32)
     return tf.cast(tf.reduce_max(tf.where(x >= least, ordinal, 0.0), 1), tf.int32)
+
+
+def levelled(x: tf.Tensor, used: tf.Tensor) -> tf.Tensor:
+    """The trace [B, n] without its lowest used value, its largest 1 again; padding stays.
+
+    So a trace that is lifted as a whole looks as it did before. A base below LEAST_BASE stays.
+    """
+    ordinal = tf.range(tf.shape(x)[1])[None]
+    measured = tf.logical_and(ordinal < used[:, None] - MIXED, x >= 0.0)
+    lowest = tf.reduce_min(tf.where(measured, x, 1.0), 1, keepdims=True)
+    high = tf.logical_and(tf.reduce_any(measured, 1, keepdims=True), lowest >= LEAST_BASE)
+    base = tf.where(high, lowest, 0.0)
+    risen = tf.maximum(x - base, 0.0) / tf.maximum(1.0 - base, LEAST_RISE)
+    return tf.where(tf.logical_and(ordinal < used[:, None], x >= 0.0), risen, x)
 
 
 def logits(weights: dict, x: tf.Tensor, used: tf.Tensor, told: tf.Tensor, size: Size) -> tf.Tensor:

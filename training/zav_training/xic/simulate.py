@@ -19,6 +19,8 @@ DRAWN_WIDTH = (2.2, 5.5)
 VALLEY_DEPTH = (0.05, 0.6)
 #: Width at 1 % of the apex over the width at half height, for a Gaussian.
 GAUSSIAN_FOOT = 2.5776
+#: Width at half height over sigma, for a Gaussian.
+SIGMAS_AT_HALF = 2.3548
 #: Evidence of a peak: height over noise times the root of its half width. Below the first it counts
 #: as noise, from the second on it has to be found, between them neither answer is held against.
 EVIDENCE = (3.0, 6.0)
@@ -31,6 +33,9 @@ SHOULDER = 0.02
 NARROWEST, WIDEST, SHORT = (0.6, 0.9), 45.0, 40
 #: Distance of the apexes of a cluster, in sigma.
 APART = (2.0, 7.5)
+#: A small neighbour on flat ground: distance of the apexes in sigma of the large peak, beyond the
+#: feet of both; its height and its width over those of the large peak.
+BESIDE, BESIDE_HEIGHT, BESIDE_WIDTH = (6.0, 18.0), (0.03, 0.5), (0.5, 1.2)
 #: Share of traces in which single counts are seen one by one, between zeros.
 SPARSE_SHARE = 0.18
 
@@ -86,14 +91,18 @@ def simulate(
     background: np.ndarray | None = None,
     crowded: float = 0.35,
     apart: tuple[float, float] = APART,
+    neighbours: float = 0.0,
 ) -> Simulated:
     """A trace of the given number of points; background: a peak-free stretch of a real trace.
 
     `crowded` is the share of clusters with more than one peak, whose apexes lie `apart` sigma.
+    `neighbours` is the share of traces with a small peak on flat ground beside their first one.
     """
     drawn = float(rng.uniform(*DRAWN_WIDTH))
     depth = float(np.exp(rng.uniform(*np.log(VALLEY_DEPTH))))
     peaks = _draw_peaks(rng, length, crowded, apart)
+    if neighbours and peaks and rng.random() < neighbours:
+        peaks.append(draw_neighbour(rng, peaks[0]))
     t = np.arange(length, dtype=np.float64)
     curves = [p.height * p.curve(t) for p in peaks]
     clean = np.sum(curves, axis=0) if curves else np.zeros(length)
@@ -145,6 +154,15 @@ def _draw_cluster(
         height = scale * float(np.exp(rng.uniform(np.log(0.12), 0.0)) if count > 1 else 1.0)
         peaks.append(draw_peak(rng, at, sigma, height))
     return peaks
+
+
+def draw_neighbour(rng: np.random.Generator, peak: Peak) -> Peak:
+    """A smaller peak so far from another that the trace is flat between them."""
+    sigma = peak.half_width / SIGMAS_AT_HALF
+    side = 1.0 if rng.random() < 0.5 else -1.0
+    at = peak.apex + side * sigma * float(rng.uniform(*BESIDE))
+    height = peak.height * float(np.exp(rng.uniform(*np.log(BESIDE_HEIGHT))))
+    return draw_peak(rng, at, sigma * float(rng.uniform(*BESIDE_WIDTH)), height)
 
 
 def find_borders(peaks: list[Peak], clean: np.ndarray, curves: list[np.ndarray]) -> list[Border]:

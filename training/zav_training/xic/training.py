@@ -36,9 +36,11 @@ def loss(logits: tf.Tensor, targets: tf.Tensor, weights: tf.Tensor, dice: float)
 class Trainer:
     """Weights, their running average, and one step of AdamW (Loshchilov 2019) at a time."""
 
-    def __init__(self, size: network.Size, seed: int, start: dict | None = None) -> None:
+    def __init__(
+        self, size: network.Size, seed: int, start: dict | None = None, levelled: bool = False
+    ) -> None:
         initial = start or network.initial_weights(size, seed)
-        self.size = size
+        self.size, self._levelled = size, levelled
         self.variables = {k: tf.Variable(v, name=k.replace("/", "_")) for k, v in initial.items()}
         self._average = {k: v.copy() for k, v in initial.items()}
         self._optimizer = tf.keras.optimizers.AdamW(
@@ -56,6 +58,7 @@ class Trainer:
     ) -> tf.Tensor:
         with tf.GradientTape() as tape:
             used = network.used_points(x, self.size.least)
+            x = network.levelled(x, used) if self._levelled else x
             logits = network.logits(self.variables, x, used, told, self.size)
             value = loss(logits, targets, weights, self.size.dice)
         variables = list(self.variables.values())
