@@ -118,9 +118,11 @@ qsizetype TraceGrouping::partnersOf(const Chromatogram &trace, const QString &ke
 qsizetype TraceGrouping::begin(const QString &name, bool isOfPrecursor)
 {
     Group group{name, {}, isOfPrecursor};
-    for (int number = 2; m_names.contains(group.name); ++number)
-        group.name = QStringLiteral("%1#%2").arg(name, QString::number(number));
-    m_names.insert(group.name);
+    int number = m_names.value(name);
+    while (m_names.contains(group.name))
+        group.name = QStringLiteral("%1#%2").arg(name, QString::number(++number));
+    m_names.insert(name, std::max(1, number));
+    m_names.insert(group.name, std::max(1, m_names.value(group.name)));
     m_foundPrecursor = m_foundPrecursor || isOfPrecursor;
     m_groups.append(group);
     return m_groups.size() - 1;

@@ -8,7 +8,6 @@
 #include <QtCore/QHash>
 #include <QtCore/QList>
 #include <QtCore/QRegularExpression>
-#include <QtCore/QSet>
 #include <QtCore/QString>
 
 #include <map>
@@ -69,7 +68,7 @@ private:
 
     QRegularExpression m_idPattern;
     QList<Group> m_groups;
-    QSet<QString> m_names;
+    QHash<QString, int> m_names;                                  ///< that groups have, and the last number behind each
     QHash<QString, qsizetype> m_named;                            ///< groups by name and unit
     QHash<QString, std::multimap<double, qsizetype>> m_byPeptide; ///< groups by their first isolation target
     QHash<qsizetype, QList<Place>> m_places;                      ///< of the members of these groups
