@@ -108,8 +108,8 @@ TEST(TraceGrouping, PatternTakesTheFirstCaptureOfTheId)
 
 TEST(TraceGrouping, GroupOfTheFileComesBeforeThePatternAndThatBeforeThePrecursor)
 {
-    EXPECT_EQ(groupsOf({named("x_1", "P"), named("x_2"), ofPrecursor("x_3", 500, 0, 10),
-                        ofPrecursor("y", 500, 0, 10), ofPrecursor("z", 500, 0, 10)},
+    EXPECT_EQ(groupsOf({named("x_1", "P"), named("x_2"), ofPrecursor("x_3", 500, 0, 10), ofPrecursor("y", 500, 0, 10),
+                        ofPrecursor("z", 500, 0, 10)},
                        "(x)_"),
               (Groups{"P: 0", "x: 1 2", "m/z 500: 3 4"}));
 }

@@ -74,7 +74,8 @@ TEST_F(TraceStreaming, ScatteredTracesComeGroupByGroup)
 
 TEST_F(TraceStreaming, RowsOfATableComeGroupByGroup)
 {
-    files.write("a.tsv", "rt\tintensity\tid\tgroup\n1\t10\ta\tP\n2\t11\ta\tP\n\n1\t20\tb\tQ\n1\t30\tc\tP\n1\t40\td\t\n");
+    files.write("a.tsv",
+                "rt\tintensity\tid\tgroup\n1\t10\ta\tP\n2\t11\ta\tP\n\n1\t20\tb\tQ\n1\t30\tc\tP\n1\t40\td\t\n");
     EXPECT_EQ(groupsOf({"a.tsv"}), (Strings{"1 P: 1a=10 3c=30", "2 Q: 2b=20", "3 d: 4d=40"}));
 }
 
@@ -95,17 +96,15 @@ TEST_F(TraceStreaming, GroupsEndWithTheirFileAndNumbersGoOn)
 QByteArray mzMlTrace(const QByteArray &id, const QByteArray &target, double intensity, const QByteArray &peptide = {})
 {
     const QByteArray activation =
-        peptide.isEmpty()
-            ? QByteArray()
-            : "<activation><userParam name=\"peptide_sequence\" value=\"" + peptide + "\"/></activation>";
+        peptide.isEmpty() ? QByteArray()
+                          : "<activation><userParam name=\"peptide_sequence\" value=\"" + peptide + "\"/></activation>";
     const auto window = [](const QByteArray &mz) {
         return "<isolationWindow><cvParam cvRef=\"MS\" accession=\"MS:1000827\" name=\"isolation window target m/z\" "
                "value=\"" +
                mz + "\"/></isolationWindow>";
     };
     return "<chromatogram index=\"0\" id=\"" + id + "\" defaultArrayLength=\"2\"><precursor>" + window(target) +
-           activation + "</precursor><product>" + window("700") +
-           "</product><binaryDataArrayList count=\"2\">" +
+           activation + "</precursor><product>" + window("700") + "</product><binaryDataArrayList count=\"2\">" +
            dataArray("MS:1000595", "time array", {1, 2}, {}, "UO:0000031") +
            dataArray("MS:1000515", "intensity array", {intensity, 0}) + "</binaryDataArrayList></chromatogram>\n";
 }
