@@ -166,7 +166,8 @@ void LegendList::paint(QPainter *painter, const QList<LegendEntry> &entries) con
     const double width = (right - left) / columns;
     for (qsizetype i = 0; i < entries.size(); ++i) {
         const double x = left + static_cast<double>(i % columns) * width;
-        const double base = y + static_cast<double>(i / columns) * lineHeight;
+        const auto row = i / columns;
+        const double base = y + static_cast<double>(row) * lineHeight;
         for (const QPen &pen : entries[i].pens) {
             painter->setPen(pen);
             painter->drawLine(QPointF(x, base - metrics.capHeight() / 2),
