@@ -18,8 +18,8 @@ QList<QPointF> byTime(QList<QPointF> points);
 std::optional<double> intensityAt(double time, const QList<QPointF> &points);
 
 /// What the traces of one precursor show together: at each time of the trace with the most points (of equals, the
-/// first), the square of the sum of the square roots of all intensities. A peak that all traces have stands out; one
-/// that a single trace has, however high, does not.
+/// first), the square of the sum of the square roots of all intensities. A peak that all traces have stands out; one of
+/// the same height in a single trace does so much less.
 ///
 /// A trace counts only within its own range of time. Negative intensities count as 0. The result ascends in time.
 QList<QPointF> consensusOf(const QList<QList<QPointF>> &traces);
