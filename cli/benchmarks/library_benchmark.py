@@ -148,10 +148,9 @@ def main():
         if shutil.which("perf"):
             again = [arguments.zav, "library", arguments.proteins, "-o", f"{folder}/again.tsv", *settings]
             print(f"at least {share_of_tensorflow(again, folder):.0f} % of the processor time in TensorFlow")
-        chosen = first_precursors(path, arguments.precursors)
         for race, python in ((race_spectra, arguments.ms2pip), (race_times, arguments.deeplc)):
             if python:
-                compare(race, arguments.zav, python, chosen, folder)
+                compare(race, arguments.zav, python, first_precursors(path, arguments.precursors), folder)
 
 
 if __name__ == "__main__":
