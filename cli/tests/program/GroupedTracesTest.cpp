@@ -81,6 +81,40 @@ TEST_F(GroupedTraces, MembersShareTheirLimitsAndHaveMeasuresOfTheirOwn)
     EXPECT_EQ(traces[5].at("members"), 1);
 }
 
+/// The peaks of each trace of a JSON output, in the file's order.
+QList<json> peaksOf(const ProgramRun &found)
+{
+    QList<json> peaks;
+    const json output = json::parse(found.standardOutput);
+    for (const json &trace : output.at("traces"))
+        peaks.append(trace.at("peaks"));
+    return peaks;
+}
+
+bool holds(const json &peak, double time)
+{
+    return peak.at("start") < time && peak.at("end") > time;
+}
+
+TEST_F(GroupedTraces, PeakOfOneMemberAloneIsNotThatOfTheGroup)
+{
+    // Highest points of the recorded transitions: all five near 4236 s, and "y7 2+" once more at 3971.7 s.
+    constexpr double COMMON = 4236;
+    constexpr double FOREIGN = 3971.7;
+    const QString recorded = QStringLiteral(ZAV_TEST_DATA_DIR "/FTQAGSEVSALLGR.jsonl");
+    const QList<json> alone = peaksOf(run({"limits", recorded, "--format", "json"}));
+    ASSERT_EQ(alone.size(), 5);
+    ASSERT_EQ(alone[2].size(), 2);
+    EXPECT_TRUE(holds(alone[2][0], FOREIGN)) << alone[2];
+
+    const QList<json> grouped = peaksOf(run({"limits", recorded, "--group", "--format", "json"}));
+    ASSERT_EQ(grouped.size(), 5);
+    for (const json &peaks : grouped) {
+        ASSERT_EQ(peaks.size(), 1);
+        EXPECT_TRUE(holds(peaks[0], COMMON)) << peaks;
+    }
+}
+
 TEST_F(GroupedTraces, MemberWithoutSignalIsListedAndTold)
 {
     m_files.write("a.jsonl", twoGroups());
