@@ -163,6 +163,9 @@ Result<CommandLine> SpectrumArguments::options() const
         problem = convert(&options);
     if (!problem.isEmpty())
         return wrongArgument(problem);
+    if (Error error = checkNotOverwritten({text(m_peptides), text(m_against)}, {text(m_output), text(m_plot)});
+        error.hasError())
+        return error;
     options.peptide = text(m_peptide);
     options.peptideList = text(m_peptides);
     options.modelFolder = text(m_models);

@@ -144,7 +144,8 @@ Error TraceArguments::convert(TraceOptions *options) const
         if (Error error = (this->*part)(options); error.hasError())
             return error;
     }
-    return {};
+    return checkNotOverwritten(options->inputs + QStringList{options->targetList},
+                               {options->outputPath, options->picturePath});
 }
 
 Error TraceArguments::convertInputs(TraceOptions *options) const

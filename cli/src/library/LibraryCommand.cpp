@@ -318,8 +318,8 @@ QString LibraryCommand::leftOut() const
                                ? QStringLiteral("peptides with non-standard residues, or of another length")
                                : QStringLiteral("peptides with non-standard residues")},
         {digested.unreadable, QStringLiteral("peptides with modifications that cannot be read")},
-        {m_planned.cutPeptides,
-         QStringLiteral("peptides' peptidoforms beyond their first %1").arg(PeptidoformMaker::MOST_OF_A_PEPTIDE)},
+        {m_planned.cutPeptides, QStringLiteral("peptides with more than %1 peptidoforms (the first %1 are in)")
+                                    .arg(PeptidoformMaker::MOST_OF_A_PEPTIDE)},
         {digested.decoysEqualToTarget, QStringLiteral("decoys that equal a target")},
         {digested.decoysTooSimilar, QStringLiteral("decoys too similar to their target")},
         {m_counts.outOfRange, QStringLiteral("precursors outside %1 to %2 m/z")

@@ -38,6 +38,16 @@ Error checkResidues(const QString &peptide)
     return {};
 }
 
+/// Of a peptide without modifications and energy.
+Error unpredictedCharge(int charge)
+{
+    constexpr int HIGHEST = PeptidoformSpectrumPredictor::HIGHEST_CHARGE;
+    const QString message = QStringLiteral("charge %1 is not predicted, only 1 to 5").arg(charge);
+    if (charge != HIGHEST)
+        return Error(InvalidInput, message);
+    return Error(InvalidInput, message + QStringLiteral("; with --energy, 1 to %1").arg(HIGHEST));
+}
+
 constexpr int SHORTEST_PEPTIDOFORM = 2;
 
 Error checkPeptidoform(const Precursor &precursor)
@@ -104,7 +114,7 @@ Error checkPrecursor(const Precursor &precursor, const MaximumPeptideLength &max
         return checkPeptidoform(precursor);
     const int limit = maximumLength(precursor.charge);
     if (limit == 0)
-        return Error(InvalidInput, QStringLiteral("charge %1 is not predicted, only 1 to 5").arg(precursor.charge));
+        return unpredictedCharge(precursor.charge);
     if (Error error = checkResidues(precursor.peptide); error.hasError())
         return error;
     if (precursor.peptide.size() > limit)

@@ -27,9 +27,10 @@ TEST(PrecursorCheck, OneResidueOverTheLimitIsTooLong)
 
 TEST(PrecursorCheck, ChargeWithoutALimitIsNotPredicted)
 {
-    for (int charge : {0, 6, -1})
+    for (int charge : {0, 7, -1})
         EXPECT_EQ(problem(QStringLiteral("PEPTIDE"), charge),
                   "charge " + std::to_string(charge) + " is not predicted, only 1 to 5");
+    EXPECT_EQ(problem(QStringLiteral("PEPTIDE"), 6), "charge 6 is not predicted, only 1 to 5; with --energy, 1 to 6");
 }
 
 TEST(PrecursorCheck, EmptyPeptideIsRefused)

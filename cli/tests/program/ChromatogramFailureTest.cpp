@@ -55,6 +55,17 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Commands, ChromatogramFailure, ::testing::Values("limits", "split"));
 
+TEST_P(ChromatogramFailure, InputIsNotOverwritten)
+{
+    m_files.write("trace.tsv", tsvFile(TRACE));
+    m_files.write("trace.svg", tsvFile(TRACE));
+    m_files.write("targets.tsv", "mz\n500\n");
+    expectWrongUsage({"trace.tsv", "-o", "./trace.tsv"}, "trace.tsv would be overwritten");
+    expectWrongUsage({"trace.svg", "--plot", m_files.path("trace.svg")}, "trace.svg would be overwritten");
+    expectWrongUsage({"run.mzML", "--targets", "targets.tsv", "-o", "targets.tsv"}, "targets.tsv would be overwritten");
+    EXPECT_EQ(m_files.read("trace.tsv"), tsvFile(TRACE));
+}
+
 TEST_P(ChromatogramFailure, MissingFileIsNamed)
 {
     expectFailure({"nowhere.tsv"}, {"nowhere.tsv"});

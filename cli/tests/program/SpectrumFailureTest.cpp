@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
         Unpredictable{"PEPT*IDE", "2",
                       "PEPT*IDE/2: '*' at position 5 is not a residue; modifications are written as in AM[Oxidation]K"},
         Unpredictable{"PEPTIDE", "0", "PEPTIDE/0: charge 0 is not predicted, only 1 to 5"},
-        Unpredictable{"PEPTIDE", "6", "PEPTIDE/6: charge 6 is not predicted, only 1 to 5"},
+        Unpredictable{"PEPTIDE", "6", "PEPTIDE/6: charge 6 is not predicted, only 1 to 5; with --energy, 1 to 6"},
         Unpredictable{"AAAAAAAAAAAAAAAAAAAAAAAAAAAA", "1",
                       "AAAAAAAAAAAAAAAAAAAAAAAAAAAA/1: the peptide has 28 residues; charge 1 allows at most 27"}));
 
@@ -108,6 +108,24 @@ TEST(SpectrumFailure, WrongUsageIsExitCodeTwo)
                   "zav: CHARGE is missing\nzav: 'zav spectrum --help' explains the usage\n");
     expectFailure({"spectrm"}, 2,
                   "zav: unknown command 'spectrm', did you mean 'spectrum'?\nzav: 'zav --help' explains the usage\n");
+}
+
+TEST(SpectrumFailure, InputIsNotOverwritten)
+{
+    QTemporaryDir folder;
+    const QByteArray list = "PEPTIDEK\t2\n";
+    writeFile(folder.filePath("list.tsv"), list);
+    const auto refusal = [&folder](const QStringList &arguments) {
+        const ProgramRun run = runZav(QStringList{"spectrum"} + arguments, {}, folder.path());
+        EXPECT_EQ(run.exitCode, 2);
+        return linesOf(run.standardError).first().toStdString();
+    };
+    EXPECT_EQ(refusal({"--peptides", "list.tsv", "-o", "./list.tsv"}), "zav: list.tsv would be overwritten");
+    EXPECT_EQ(refusal({"PEPTIDEK", "2", "--against", "list.tsv", "-o", "list.tsv"}),
+              "zav: list.tsv would be overwritten");
+    QFile kept(folder.filePath("list.tsv"));
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    EXPECT_EQ(kept.readAll(), list);
 }
 
 TEST(SpectrumFailure, ListGoesOnPastEachPeptideThatFails)
