@@ -174,7 +174,8 @@ def extract_with_openms(run, targets, traces):
     """Runs in a process of its own; writes the seconds of its two parts, and the traces where a path is given."""
     import pyopenms
 
-    rows = list(csv.DictReader(open(targets, encoding="utf-8"), delimiter="\t"))
+    with open(targets, encoding="utf-8") as file:
+        rows = list(csv.DictReader(file, delimiter="\t"))
     start = time.process_time()
     experiment = pyopenms.MSExperiment()
     pyopenms.MzMLFile().load(run, experiment)
@@ -277,8 +278,9 @@ class Case:
         for name in programs:
             own = [runs[f"{name} extract"].computed - runs[f"{name} start"].computed for runs in rounds]
             ratios = [(runs["OpenMS"].load + runs["OpenMS"].extract) / spent for spent, runs in zip(own, rounds)]
-            print(f"{name}: reading and extracting {statistics.median(own):.2f} s, {traces / statistics.median(own):.0f}")
-            print(f"  traces / s, {spread(ratios)} times as fast as OpenMS")
+            rate = traces / statistics.median(own)
+            print(f"{name}: reading and extracting {statistics.median(own):.2f} s, {rate:.0f} traces / s of a core,")
+            print(f"  {spread(ratios)} times as fast as OpenMS")
         network = [runs["zav limits"].computed - runs["zav extract"].computed for runs in rounds]
         share = [spent / runs["zav limits"].computed for spent, runs in zip(network, rounds)]
         print(f"zav: finding the limits {statistics.median(network):.2f} s, {spread(share)} of the command")
