@@ -63,11 +63,15 @@ TEST(ExtractedTraces, AreThoseOfANaiveSearch)
     QList<ExtractionTarget> targets;
     for (int i = 0; i < 200; ++i) {
         const std::pair<double, double> times = std::minmax({time(random), time(random)});
-        const bool isOpen = i % 3 == 0;
-        targets.append(
-            {QString::number(i), mz(random), ppm(random), isOpen ? -INF : times.first, isOpen ? INF : times.second});
+        ExtractionTarget made{QString::number(i), mz(random), ppm(random)};
+        if (i % 3 != 0) {
+            made.rtFrom = times.first;
+            made.rtTo = times.second;
+        }
+        targets.append(made);
     }
     std::vector<TimedPeaks> spectra;
+    spectra.reserve(40);
     for (int i = 0; i < 40; ++i)
         spectra.push_back({double(i), randomPeaks(&random, i % 2 == 0 ? 3 : 2000)});
 
