@@ -16,7 +16,10 @@ constexpr char WALK[] = "walk";
 constexpr char EXAMPLES[] =
     R"(FILE holds chromatograms: those stored in mzML (also TIC and BPC), TSV with the columns rt, intensity and, for more
 than one trace, id, or JSON lines with id, rt and intensity. With --mz or --targets they are extracted from the MS1
-spectra of mzML; the list of targets has the columns mz and, optionally, id, ppm, rt_from and rt_to.
+spectra of mzML; the list of targets has the columns mz and, optionally, id, ppm, rt_from and rt_to. Without times the
+whole run is the trace of a target, in which --best 3 writes the three largest peaks. The file is read once for all
+targets. A trace is searched when its times are over and those in front of it in the list are done, so a list sorted by
+rt_to takes the least memory.
 
 One line per peak: start, end and apex are times in the unit of the file, which the header names (start_min; start where
 the file does not say; of several files, that of the first). height is the intensity at the apex; area, by the trapezoid
@@ -42,6 +45,7 @@ which no peak is found, or that is too short to have one, is not a failure; stan
 Examples:
   zav limits run.mzML -o peaks.tsv
   zav limits run.mzML --mz 524.2648 --ppm 10 --rt 12-18 --plot trace.png
+  zav limits run.mzML --targets targets.tsv --best 3 -o peaks.tsv
   zav limits run.mzML.gz --targets targets.tsv --plot pictures --plot-format pdf
   zav limits srm.mzML --group --plot pictures -o peaks.tsv
   zav limits *.mzML --threads 8 --format json -o peaks.json
@@ -63,6 +67,7 @@ private:
     XicBaselineLimitsDetectorOptions m_detector;
     std::string m_method;
     std::optional<double> m_hint;
+    std::optional<int> m_best;
 };
 
 } // namespace
@@ -81,6 +86,11 @@ void LimitsArguments::addTo(CLI::App *command)
                      "a retention time with a peak: where none is found there, the network looks again, with faint "
                      "peaks amplified")
         ->type_name("RT");
+    command
+        ->add_option("--best", m_best,
+                     "write at most N peaks of each trace, those of the largest area_above_line; with --group, of the "
+                     "sum of its traces")
+        ->type_name("N");
     addNetworkTo(command);
     addDetectorTo(command);
     addOutputTo(command, "its limits");
@@ -125,6 +135,9 @@ Error LimitsArguments::convertDetector(LimitsOptions *options) const
     if (m_hint && !(std::isfinite(*m_hint) && *m_hint > options->retentionTimeHint))
         return wrongArgument(QStringLiteral("--hint must be above %1").arg(options->retentionTimeHint));
     options->retentionTimeHint = m_hint.value_or(options->retentionTimeHint);
+    if (m_best.value_or(1) < 1)
+        return wrongArgument(QStringLiteral("--best must be 1 or more"));
+    options->bestPeaks = m_best;
 
     XicBaselineLimitsDetectorOptions checked = m_detector;
     checked.modelFilePath = QStringLiteral("chosen later");

@@ -53,6 +53,8 @@ Result<TraceFindings> LimitsAnalysis::analyse(const QList<QPointF> &points)
         findings.peaks.append(measurePeak(points, interval));
     std::stable_sort(findings.peaks.begin(), findings.peaks.end(),
                      [](const TracePeak &a, const TracePeak &b) { return a.start < b.start; });
+    if (m_options.bestPeaks)
+        keepBest(*m_options.bestPeaks, &findings);
     if (findings.peaks.isEmpty())
         findings.nothingFound = QStringLiteral("no peak found");
     return findings;

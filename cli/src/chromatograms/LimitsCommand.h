@@ -5,6 +5,8 @@
 
 #include <zav/XicBaselineLimitsDetectorOptions.h>
 
+#include <optional>
+
 namespace zav {
 
 /// What `zav limits` was asked for.
@@ -13,6 +15,7 @@ struct LimitsOptions : TraceOptions
     XicBaselineLimitsDetectorOptions detector; ///< without model file and `maxPointCount`
     bool usesNetwork = true;                   ///< or the walk from the local maxima
     double retentionTimeHint = -1.0;           ///< a time that should lie in a peak; -1: none
+    std::optional<int> bestPeaks;              ///< of each trace at most so many; unset: all
 };
 
 /// `zav limits`: finds where the peaks of chromatograms start and end, and measures them.

@@ -4,6 +4,7 @@
 #include "ConsensusTrace.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <limits>
 
@@ -30,6 +31,12 @@ double areaUnder(const QList<QPointF> &points)
     for (qsizetype i = 1; i < points.size(); ++i)
         area += trapezoid(points[i - 1], points[i]);
     return area;
+}
+
+/// Areas of huge intensities can be infinite, and then there is no area above the line.
+double orderedArea(const TracePeak &peak)
+{
+    return std::isnan(peak.areaAboveLine) ? -std::numeric_limits<double>::infinity() : peak.areaAboveLine;
 }
 
 TracePeak withoutSignal(const TracePeak &peak)
@@ -66,6 +73,19 @@ TracePeak measurePeak(const QList<QPointF> &points, const Interval<double> &limi
     return peak;
 }
 
+void keepBest(qsizetype count, TraceFindings *findings)
+{
+    QList<TracePeak> &peaks = findings->peaks;
+    if (peaks.size() <= count)
+        return;
+    std::stable_sort(peaks.begin(), peaks.end(),
+                     [](const TracePeak &a, const TracePeak &b) { return orderedArea(a) > orderedArea(b); });
+    findings->leftOut += peaks.size() - count;
+    peaks.resize(count);
+    std::stable_sort(peaks.begin(), peaks.end(),
+                     [](const TracePeak &a, const TracePeak &b) { return a.start < b.start; });
+}
+
 TraceFindings memberFindings(const TraceFindings &ofConsensus, const QList<QPointF> &points,
                              const QList<QPointF> &consensus)
 {
@@ -79,6 +99,7 @@ TraceFindings memberFindings(const TraceFindings &ofConsensus, const QList<QPoin
         silent += peak.height > 0 ? 0 : 1;
         findings.peaks.append(peak.height > 0 ? peak : withoutSignal(peak));
     }
+    findings.leftOut = ofConsensus.leftOut;
     findings.splits = ofConsensus.splits;
     findings.shape = shapeAgreement(points, consensus, {-INFINITE, INFINITE});
     findings.remark = silenceRemark(silent, ofConsensus.peaks.size());

@@ -14,6 +14,10 @@ namespace zav {
 /// are: nothing is smoothed, interpolated or cut off below 0. Where there are none, all but the limits is 0.
 TracePeak measurePeak(const QList<QPointF> &points, const Interval<double> &limits);
 
+/// Leaves at most `count` peaks, those of the largest area above the line, by their start as before; of equal ones the
+/// earlier stays. The others are counted in `leftOut`.
+void keepBest(qsizetype count, TraceFindings *findings);
+
 /// What was found in the consensus of a group, for one of its traces: the same limits and splits, measured on the
 /// trace's points and compared with the consensus.
 ///

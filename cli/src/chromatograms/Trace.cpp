@@ -29,10 +29,11 @@ QString TraceGroup::title() const
     return inputName(traces.first().file) + QStringLiteral(": group ") + displayText(name, ID_LENGTH);
 }
 
-void TraceTally::addTrace(qsizetype rows)
+void TraceTally::addTrace(qsizetype rows, qsizetype leftOut)
 {
     ++m_traces;
     m_rows += rows;
+    m_leftOut += leftOut;
     m_tracesWithRows += rows > 0 ? 1 : 0;
 }
 
@@ -52,6 +53,8 @@ QString TraceTally::text(const QString &rowsName) const
                        .arg(m_traces - m_tracesWithRows - m_failures);
     if (m_failures > 0)
         text += QStringLiteral(", %1 failed").arg(m_failures);
+    if (m_leftOut > 0)
+        text += QStringLiteral(", ") + counted(m_leftOut, rowsName) + QStringLiteral(" left out");
     return text;
 }
 

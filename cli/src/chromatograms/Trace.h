@@ -34,6 +34,7 @@ struct TraceSplit
 struct TraceFindings
 {
     QList<TracePeak> peaks;   ///< by their start
+    qsizetype leftOut = 0;    ///< peaks that were found, but are not among the best, which alone were asked for
     QList<TraceSplit> splits; ///< by time
     double shape = 0;         ///< in a group: agreement with the consensus over the whole trace
     QString nothingFound;     ///< why there is neither; empty when there is one
@@ -78,8 +79,8 @@ struct TraceGroup
 class TraceTally
 {
 public:
-    /// A trace that was searched, with the number of peaks or splits found in it, which may be 0.
-    void addTrace(qsizetype rows);
+    /// A trace that was searched, with the number of its peaks or splits, which may be 0, and of peaks left out.
+    void addTrace(qsizetype rows, qsizetype leftOut = 0);
 
     /// A group, whose traces are counted for themselves.
     void addGroup() { ++m_groups; }
@@ -89,7 +90,8 @@ public:
     qint64 traces() const { return m_traces; }
     qint64 failures() const { return m_failures; }
 
-    /// `12 traces: 14 peaks in 9, none in 2, 1 failed`, or `12 traces in 3 groups: ...`; `rowsName` is the plural.
+    /// `12 traces: 14 peaks in 9, none in 2, 1 failed`, or `12 traces in 3 groups: ...`; `rowsName` is the plural. What
+    /// was left out stands behind: `..., 7 peaks left out`.
     QString text(const QString &rowsName) const;
 
 private:
@@ -97,6 +99,7 @@ private:
     qint64 m_groups = 0;
     qint64 m_tracesWithRows = 0;
     qint64 m_rows = 0;
+    qint64 m_leftOut = 0;
     qint64 m_failures = 0;
 };
 

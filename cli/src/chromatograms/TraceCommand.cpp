@@ -192,7 +192,7 @@ Error TraceCommand::write(const Trace &trace)
     tell(trace.findings, trace.name());
     if (trace.pictureProblem.hasError())
         return trace.pictureProblem;
-    m_tally.addTrace(m_table.rows(trace.findings).size());
+    m_tally.addTrace(m_table.rows(trace.findings).size(), trace.findings.leftOut);
     return m_output.write(text.value());
 }
 

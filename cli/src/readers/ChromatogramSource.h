@@ -100,9 +100,11 @@ struct ChromatogramRequest
 ///
 /// **mzML with targets**: one chromatogram a target, in the order of the targets, with one point for each MS1 spectrum
 /// in the target's range of time, 0 where the spectrum has nothing in the window, profile or centroided as stored. The
-/// file is read once for all targets, at the first `next`; spectra of other levels are passed over without decoding
-/// their peaks. Memory holds the extracted traces. `Failure` for a file without MS1 spectra and for one with a damaged
-/// one: every trace would have a hole there.
+/// file is read once for all targets; spectra of other levels are passed over without decoding their peaks. `next`
+/// reads until a spectrum lies behind the range of the next target, or to the end of the file, and then gives its
+/// points away: memory holds the targets that are open and those that stand behind an open one in the list, 8 bytes a
+/// point. `Failure` for a file without MS1 spectra; for a damaged one, since every trace would have a hole there; and
+/// for one whose time goes back into the range of a trace that was yielded.
 ///
 /// **TSV**: a heading with the columns `rt`, `intensity` and optionally `id`, in any order and among others, separated
 /// by tabs; empty lines and lines that begin with `#` are passed over. The rows of an id follow each other; an id that

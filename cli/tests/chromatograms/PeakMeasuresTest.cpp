@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 namespace zav {
 namespace {
@@ -53,6 +54,56 @@ TEST(PeakMeasures, LimitsBetweenPointsCountOnlyThePointsWithin)
     EXPECT_EQ(peak.points, 2);
     EXPECT_EQ(peak.area, 50);
     EXPECT_EQ(peak.start, 1.5);
+}
+
+TraceFindings findingsOf(const QList<double> &areasAboveLine)
+{
+    TraceFindings findings;
+    for (const double area : areasAboveLine) {
+        TracePeak peak;
+        peak.start = double(findings.peaks.size());
+        peak.areaAboveLine = area;
+        findings.peaks.append(peak);
+    }
+    return findings;
+}
+
+/// Where the peaks that stay start: the number of each in the list.
+QList<double> bestOf(const QList<double> &areasAboveLine, qsizetype count)
+{
+    TraceFindings findings = findingsOf(areasAboveLine);
+    keepBest(count, &findings);
+    EXPECT_EQ(findings.leftOut, areasAboveLine.size() - findings.peaks.size());
+    QList<double> starts;
+    for (const TracePeak &peak : findings.peaks)
+        starts.append(peak.start);
+    return starts;
+}
+
+TEST(PeakMeasures, BestPeaksAreThoseOfTheLargestAreaAboveTheLine)
+{
+    EXPECT_EQ(bestOf({3, 9, -1, 7}, 1), (QList<double>{1}));
+    EXPECT_EQ(bestOf({7, 3, -1, 9}, 2), (QList<double>{0, 3})) << "by their start";
+    EXPECT_EQ(bestOf({3, 9, -1, 7}, 3), (QList<double>{0, 1, 3}));
+    EXPECT_EQ(bestOf({3, 9}, 2), (QList<double>{0, 1}));
+    EXPECT_EQ(bestOf({3, 9}, 5), (QList<double>{0, 1}));
+    EXPECT_EQ(bestOf({}, 1), QList<double>());
+}
+
+TEST(PeakMeasures, EarlierOfEqualPeaksIsBetter)
+{
+    EXPECT_EQ(bestOf({1, 5, 5, 5}, 2), (QList<double>{1, 2}));
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(bestOf({nan, -2, nan}, 2), (QList<double>{0, 1})) << "an area that is no number comes last";
+}
+
+TEST(PeakMeasures, MemberCountsWhatItsGroupLeftOut)
+{
+    TraceFindings common = findingsOf({3, 9, 7});
+    keepBest(1, &common);
+    const TraceFindings member = memberFindings(common, TRACE, TRACE);
+    EXPECT_EQ(member.peaks.size(), 1);
+    EXPECT_EQ(member.leftOut, 2);
 }
 
 TEST(PeakMeasures, OnePointHasAHeightAndNoArea)

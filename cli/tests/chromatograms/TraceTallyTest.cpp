@@ -36,5 +36,14 @@ TEST(TraceTally, CountsGroupsWhereThereAreSome)
     EXPECT_EQ(tally.text("peaks"), "3 traces in 2 groups: 2 peaks in 2, none in 1");
 }
 
+TEST(TraceTally, CountsWhatWasLeftOut)
+{
+    TraceTally tally;
+    tally.addTrace(2, 3);
+    tally.addTrace(1);
+    tally.addFailure();
+    EXPECT_EQ(tally.text("peaks"), "3 traces: 3 peaks in 2, none in 0, 1 failed, 3 peaks left out");
+}
+
 } // namespace
 } // namespace zav

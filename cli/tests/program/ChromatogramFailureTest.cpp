@@ -236,6 +236,8 @@ TEST(LimitsFailure, WrongUsageOfItsOwnOptionsIsExitCodeTwo)
     EXPECT_EQ(refused({"--method", "guess"}), "zav: --method 'guess' is neither network nor walk");
     EXPECT_EQ(refused({"--method", "walk", "--hint", "5"}), "zav: --hint needs --method network");
     EXPECT_EQ(refused({"--hint", "-3"}), "zav: --hint must be above -1");
+    EXPECT_EQ(refused({"--best", "0"}), "zav: --best must be 1 or more");
+    EXPECT_EQ(refused({"--best", "-2"}), "zav: --best must be 1 or more");
     EXPECT_EQ(refused({"--dbscan-epsilon", "0"}), "zav: --dbscan-epsilon is 0, must be greater than 0");
     EXPECT_EQ(refused({"--dbscan-min-points", "0"}), "zav: --dbscan-min-points is 0, must be 1 or more");
     EXPECT_EQ(refused({"--min-point-count", "-1"}), "zav: --min-point-count is -1, must be 0 or more");

@@ -11,6 +11,8 @@
 
 #include <QtCore/QFileInfo>
 
+#include <utility>
+
 namespace zav {
 namespace {
 
@@ -21,9 +23,9 @@ constexpr SimulatedPeak SECOND = {200, 20000, 6};
 class ChromatogramRun : public ::testing::Test
 {
 protected:
-    ProgramRun limits(const QStringList &arguments) const
+    ProgramRun limits(const QStringList &arguments, const QByteArray &standardInput = {}) const
     {
-        return runZav(QStringList{"limits"} + arguments, {}, m_files.path(QString()));
+        return runZav(QStringList{"limits"} + arguments, standardInput, m_files.path(QString()));
     }
 
     TemporaryFiles m_files;
@@ -97,6 +99,29 @@ TEST_F(ChromatogramRun, TargetsAreExtractedInTheirOrder)
     EXPECT_EQ(traces[0].at("peaks").size(), 1);
     EXPECT_EQ(traces[1].at("id"), "nothing");
     EXPECT_TRUE(traces[1].at("peaks").empty());
+}
+
+TEST_F(ChromatogramRun, AllTargetsAreReadInOnePassThroughAPipe)
+{
+    m_files.write("run.mzML", runWithPeakAt500());
+    m_files.write("targets.tsv", "id\tmz\tppm\trt_from\trt_to\n"
+                                 "whole\t500\t5\t\t\nlate\t500\t5\t200\t300\nthe peak\t500\t5\t60\t140\n"
+                                 "before\t500\t5\t-9\t-1\nbehind\t500\t5\t900\t901\n");
+    const QStringList options = {"--targets", "targets.tsv", "--format", "json", "--threads"};
+    const ProgramRun piped = limits(QStringList{"-"} + options + QStringList{"1"}, runWithPeakAt500());
+    EXPECT_EQ(piped.exitCode, 0) << piped.standardError;
+    const nlohmann::json traces = nlohmann::json::parse(piped.standardOutput).at("traces");
+    ASSERT_EQ(traces.size(), 5);
+    const QList<std::pair<const char *, int>> expected = {
+        {"whole", 300}, {"late", 100}, {"the peak", 81}, {"before", 0}, {"behind", 0}};
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(traces[i].at("id"), expected[qsizetype(i)].first);
+        EXPECT_EQ(traces[i].at("points"), expected[qsizetype(i)].second);
+    }
+    EXPECT_EQ(traces[0].at("peaks").size(), 1);
+    EXPECT_EQ(traces[2].at("peaks").size(), 1);
+    EXPECT_NE(piped.standardError.find("zav: 5 traces: "), std::string::npos) << piped.standardError;
+    EXPECT_EQ(limits(QStringList{"run.mzML"} + options + QStringList{"4"}).standardOutput, piped.standardOutput);
 }
 
 TEST_F(ChromatogramRun, TruncatedFileLeavesNoOutput)

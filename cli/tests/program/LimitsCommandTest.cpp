@@ -100,6 +100,77 @@ TEST_F(LimitsOfTent, SmoothingWidensTheWalk)
     EXPECT_GT(wider.points, walk({"--smoothing-pass-count", "0"}).points);
 }
 
+/// Three tents on 0 with the areas 40, 120 and 200, one point a minute.
+const QList<double> TENTS = {0, 0, 0, 10, 20, 10, 0, 0, 0, 0, 30, 60, 30, 0, 0, 0, 0, 50, 100, 50, 0, 0, 0};
+
+QList<QPointF> pointsOf(const QList<double> &intensities)
+{
+    QList<QPointF> points;
+    for (const double intensity : intensities)
+        points.append({double(points.size()), intensity});
+    return points;
+}
+
+class BestOfTents : public LimitsCommand
+{
+protected:
+    ProgramRun best(const QStringList &options, const QByteArray &lines) const
+    {
+        return limits(QStringList{"-", "--method", "walk", "--smoothing-pass-count", "0"} + options, lines);
+    }
+
+    QByteArray m_tents = jsonLine(pointsOf(TENTS), "a", "min");
+};
+
+TEST_F(BestOfTents, PeaksOfTheLargestAreaAreWrittenByTheirStart)
+{
+    const auto areas = [&](const QStringList &options, const char *summary) {
+        const ProgramRun run = best(options, m_tents);
+        EXPECT_EQ(run.exitCode, 0);
+        EXPECT_EQ(run.standardError, "zav: 1 trace: " + std::string(summary) + '\n');
+        QList<double> found;
+        for (const PeakRow &row : peakRowsOf(run.standardOutput))
+            found.append(row.areaAboveLine);
+        return found;
+    };
+    EXPECT_EQ(areas({"--best", "1"}, "1 peak in 1, none in 0, 2 peaks left out"), (QList<double>{200}));
+    EXPECT_EQ(areas({"--best", "2"}, "2 peaks in 1, none in 0, 1 peak left out"), (QList<double>{120, 200}));
+    EXPECT_EQ(areas({"--best", "3"}, "3 peaks in 1, none in 0"), (QList<double>{40, 120, 200}));
+    EXPECT_EQ(best({"--best", "9"}, m_tents).standardOutput, best({}, m_tents).standardOutput);
+}
+
+TEST_F(BestOfTents, JsonHoldsThemAlone)
+{
+    const ProgramRun run = best({"--best", "2", "--format", "json"}, m_tents);
+    EXPECT_EQ(run.exitCode, 0) << run.standardError;
+    const nlohmann::json peaks = nlohmann::json::parse(run.standardOutput).at("traces").at(0).at("peaks");
+    ASSERT_EQ(peaks.size(), 2);
+    EXPECT_EQ(peaks[0].at("area_above_line"), 120);
+    EXPECT_EQ(peaks[1].at("area_above_line"), 200);
+}
+
+/// By itself "a" is highest at 18; together the traces are highest at 11: 4 * 60 against 100.
+TEST_F(BestOfTents, AGroupHasTheBestOfItsSum)
+{
+    QList<double> second(TENTS.size(), 0);
+    for (int i = 8; i < 15; ++i)
+        second[i] = TENTS[i];
+    const auto member = [](const QList<double> &intensities, const char *id) {
+        return "{\"group\": \"P\", " + jsonLine(pointsOf(intensities), id, "min").mid(1);
+    };
+    const ProgramRun run =
+        best({"--best", "1", "--group", "--format", "json"}, member(TENTS, "a") + member(second, "b"));
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.standardError, "zav: 2 traces in 1 group: 2 peaks in 2, none in 0, 4 peaks left out\n");
+    const nlohmann::json traces = nlohmann::json::parse(run.standardOutput).at("traces");
+    ASSERT_EQ(traces.size(), 2);
+    for (const nlohmann::json &trace : traces) {
+        ASSERT_EQ(trace.at("peaks").size(), 1) << trace;
+        EXPECT_EQ(trace.at("peaks")[0].at("apex"), 11);
+        EXPECT_EQ(trace.at("peaks")[0].at("area_above_line"), 120);
+    }
+}
+
 TEST_F(LimitsCommand, WalkFindsTheSamePeaksHoweverManyOthers)
 {
     m_files.write("trace.tsv", tsvFile(simulatedTrace(300, {FIRST, SECOND})));

@@ -17,6 +17,7 @@ struct SpectrumText
     QList<double> intensities;
     int msLevel = 1;
     QByteArray timeUnit = MINUTE;
+    ArrayEncoding encoding = {false, true, {}}; // of the intensities
 };
 
 QByteArray spectrumXml(const SpectrumText &spectrum, int number)
@@ -30,7 +31,7 @@ QByteArray spectrumXml(const SpectrumText &spectrum, int number)
            QByteArray::number(spectrum.msLevel) + "\"/><scanList count=\"1\"><scan>" +
            (spectrum.time.isEmpty() ? QByteArray() : start) + "</scan></scanList><binaryDataArrayList count=\"2\">" +
            dataArray("MS:1000514", "m/z array", spectrum.mzs) +
-           dataArray("MS:1000515", "intensity array", spectrum.intensities, {false, true, {}}, "MS:1000131") +
+           dataArray("MS:1000515", "intensity array", spectrum.intensities, spectrum.encoding, "MS:1000131") +
            "</binaryDataArrayList></spectrum>\n";
 }
 
@@ -95,6 +96,78 @@ TEST_F(MzMlExtraction, ReadsAllTargetsInOnePassAndInTheirOrder)
     EXPECT_EQ(list.outcomes[1].chromatogram.points, (QList<QPointF>{{1, 30}, {2, 70}}));
     EXPECT_EQ(list.outcomes[2].chromatogram.id, "none");
     EXPECT_TRUE(list.outcomes[2].chromatogram.points.isEmpty());
+}
+
+TEST_F(MzMlExtraction, TargetWithoutTimesIsTheWholeRun)
+{
+    const TraceList list = extract(run(SPECTRA), {{"whole", 500, 10}, {"before", 500, 10, -INF, 0.5}});
+    ASSERT_EQ(list.outcomes.size(), 2) << list.error;
+    EXPECT_EQ(list.outcomes[0].chromatogram.points.size(), 4);
+    EXPECT_TRUE(list.outcomes[1].chromatogram.points.isEmpty()) << "its range lies before the run";
+    EXPECT_EQ(list.outcomes[1].chromatogram.timeUnit, "min");
+}
+
+TEST_F(MzMlExtraction, TraceIsYieldedWhenItsRangeIsOver)
+{
+    const QByteArray whole = run(SPECTRA);
+    const QByteArray torn = whole.left(whole.indexOf("scan=5") + 300);
+    const std::string error = "cannot read a.mzML: it ends within spectrum 'scan=5'";
+    const ExtractionTarget early = {"early", 500, 10, 1, 1.5};
+    const ExtractionTarget late = {"late", 500, 10, 2, 2.5};
+    const TraceList ascending = extract(torn, {early, late, {"whole", 500}});
+    EXPECT_EQ(ascending.summary(files), (std::vector<std::string>{"early", "late"}));
+    EXPECT_EQ(ascending.error, error);
+    const TraceList waiting = extract(torn, {late, {"whole", 500}, early});
+    EXPECT_EQ(waiting.summary(files), std::vector<std::string>{"late"}) << "those behind an open one wait";
+    EXPECT_EQ(waiting.error, error);
+    EXPECT_EQ(extract(torn, {early}).error, error) << "the rest of the file is read too";
+}
+
+TEST_F(MzMlExtraction, TargetsInNoOrderOfTimeKeepTheirOrder)
+{
+    const QList<ExtractionTarget> targets = {{"c", 500, 10, 3, 4}, {"a", 500, 10, 1, 1}, {"d", 500, 10, 9, 9},
+                                             {"b", 500, 10, 1, 2}, {"all", 500, 10},     {"z", 500, 10, 2, 3}};
+    EXPECT_EQ(extract(run(SPECTRA), targets).summary(files),
+              (std::vector<std::string>{"c", "a", "d", "b", "all", "z"}));
+}
+
+TEST_F(MzMlExtraction, SpectrumThatComesTooLateIsAnError)
+{
+    const QList<SpectrumText> spectra = {{"1", {500}, {1}}, {"3", {500}, {2}}, {"2", {500}, {3}}};
+    const TraceList list = extract(run(spectra), {{"t", 500, 10, 1, 2}});
+    EXPECT_EQ(list.summary(files), std::vector<std::string>{"t"});
+    EXPECT_EQ(list.error, "a.mzML: spectrum 'scan=3': its scan start time is before that of a spectrum in front of it, "
+                          "and the chromatogram of target 't' was closed there");
+    EXPECT_EQ(points(run(spectra), {"t", 500}), (QList<QPointF>{{1, 1}, {3, 2}, {2, 3}})) << "still open";
+}
+
+// The reader's own way and that of ProteoWizard, which takes what is stored otherwise.
+TEST_F(MzMlExtraction, EncodingMakesNoDifference)
+{
+    const auto pointsOf = [&](const ArrayEncoding &encoding) {
+        return points(run({{"1", {499.999, 500.001, 501}, {0.1, 3, 7}, 1, MINUTE, encoding}}), {"t", 500});
+    };
+    const QList<QPointF> exact = {{1, 0.1 + 3.0}};
+    const QList<QPointF> rounded = {{1, double(0.1F) + 3.0}};
+    EXPECT_EQ(pointsOf({false, false, {}}), exact);
+    EXPECT_EQ(pointsOf({true, false, {}}), exact);
+    EXPECT_EQ(pointsOf({false, true, {}}), rounded);
+    EXPECT_EQ(pointsOf({true, true, {}}), rounded);
+    const QByteArray stranger = "<cvParam cvRef=\"MS\" accession=\"MS:1000523\" name=\"64-bit float\"/>"
+                                "<cvParam cvRef=\"MS\" accession=\"MS:1000576\" name=\"no compression\"/>"
+                                "<cvParam cvRef=\"MS\" accession=\"MS:1000786\" name=\"non-standard\"/>";
+    EXPECT_EQ(pointsOf({false, false, stranger}), exact) << "by ProteoWizard";
+    QByteArray withLength = run({{"1", {500}, {3}}});
+    withLength.replace("<binaryDataArray ", "<binaryDataArray arrayLength=\"1\" ");
+    EXPECT_EQ(points(withLength, {"t", 500}), (QList<QPointF>{{1, 3}})) << "by ProteoWizard";
+}
+
+TEST_F(MzMlExtraction, ThirdArrayIsNotInTheWay)
+{
+    QByteArray content = run({{"1", {500}, {3}}});
+    const QByteArray third = dataArray("MS:1000786", "mobility", {9});
+    content.replace("</binaryDataArrayList>", third + "</binaryDataArrayList>");
+    EXPECT_EQ(points(content, {"t", 500}), (QList<QPointF>{{1, 3}}));
 }
 
 TEST_F(MzMlExtraction, OtherLevelsAreNotDecoded)

@@ -15,6 +15,7 @@ namespace {
 constexpr char GROUP[] = "referenceableParamGroup";
 constexpr char GROUP_REFERENCE[] = "referenceableParamGroupRef";
 constexpr char ARRAY[] = "binaryDataArray";
+constexpr char VALUES[] = "binary";
 constexpr char PARAMETER[] = "cvParam";
 constexpr char USER_PARAMETER[] = "userParam";
 constexpr char PRECURSOR[] = "precursor";
@@ -58,10 +59,13 @@ void append(QByteArrayView bytes, std::string *out)
 
 // ProteoWizard reads past the end of its copy of a reference such as `&#55;`, so it gets none. The numbers and
 // accessions that it decodes are never written so; ids are read here.
-void maskCharacterReferences(std::string *text)
+void maskCharacterReferences(MzMlElement *element)
 {
-    for (std::size_t at = text->find("&#"); at != std::string::npos; at = text->find("&#", at))
-        text->replace(at, 1, "&amp;");
+    std::string &text = element->text;
+    for (std::size_t at = text.find("&#"); at != std::string::npos; at = text.find("&#", at)) {
+        text.replace(at, 1, "&amp;");
+        element->arrays.clear(); // they have moved
+    }
 }
 
 } // namespace
@@ -159,11 +163,12 @@ Result<MzMlElement> MzMlElements::readElement()
         element.id = QString::number(m_number);
     const bool isEmpty = m_tags.isEmpty();
     m_isInArray = false;
+    m_arrayAt = 0;
     m_isInPrecursor = false;
     appendTag(&element);
     if (Error error = isEmpty ? Error() : readContent(&element); error.hasError())
         return error;
-    maskCharacterReferences(&element.text);
+    maskCharacterReferences(&element);
     return element;
 }
 
@@ -196,6 +201,8 @@ void MzMlElements::appendTag(MzMlElement *element)
     const QByteArrayView tagName = m_tags.tagName();
     if (tagName == ARRAY)
         m_isInArray = !m_tags.isEnd();
+    if (tagName == ARRAY || tagName == VALUES)
+        notePlace(element);
     if (tagName == PRECURSOR)
         m_isInPrecursor = !m_tags.isEnd() && !m_tags.isEmpty();
     if (tagName == GROUP_REFERENCE)
@@ -204,6 +211,20 @@ void MzMlElements::appendTag(MzMlElement *element)
         appendParameter(m_tags.tag(), element);
     else
         append(m_tags.tag(), &element->text);
+}
+
+// Called in front of the tag: at an end tag the text of its element has just been appended.
+void MzMlElements::notePlace(MzMlElement *element)
+{
+    const std::size_t at = element->text.size();
+    if (m_tags.isEmpty())
+        return;
+    if (m_tags.tagName() == ARRAY)
+        m_arrayAt = m_tags.isEnd() ? m_arrayAt : at;
+    else if (!m_tags.isEnd())
+        element->arrays.push_back({m_arrayAt, at + static_cast<std::size_t>(m_tags.tag().size()), 0});
+    else if (!element->arrays.empty())
+        element->arrays.back().end = at;
 }
 
 void MzMlElements::appendGroup(MzMlElement *element) const

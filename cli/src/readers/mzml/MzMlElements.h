@@ -6,6 +6,7 @@
 
 #include <zav/Result.h>
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>
@@ -14,14 +15,24 @@
 
 namespace zav {
 
+/// Where a data array stands in the text of an element: from its start tag at `array` on, with its encoded values from
+/// `begin` to `end`.
+struct MzMlArrayPlace
+{
+    std::size_t array = 0;
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
 /// One `<chromatogram>` or `<spectrum>` of an mzML file as text.
 struct MzMlElement
 {
-    QString id;         ///< its native id; its number in the file, from 1, where it has none
-    std::string text;   ///< from start to end tag, see below
-    QString problem;    ///< empty, or why the text is of no use
-    TraceOrigin origin; ///< of a chromatogram, as far as it was read
-    TracePlace place;   ///< for `MzMlElements::seek`
+    QString id;                         ///< its native id; its number in the file, from 1, where it has none
+    std::string text;                   ///< from start to end tag, see below
+    QString problem;                    ///< empty, or why the text is of no use
+    TraceOrigin origin;                 ///< of a chromatogram, as far as it was read
+    TracePlace place;                   ///< for `MzMlElements::seek`
+    std::vector<MzMlArrayPlace> arrays; ///< in the text, ascending; those without values are left out
 };
 
 /// The chromatograms or the spectra of an mzML file from first to last, one in memory at a time.
@@ -62,6 +73,7 @@ private:
     Error readContent(MzMlElement *element);
     bool endsUnclosed() const;
     void appendTag(MzMlElement *element);
+    void notePlace(MzMlElement *element);
     void appendGroup(MzMlElement *element) const;
     void appendParameter(QByteArrayView tag, MzMlElement *element) const;
     void noteOrigin(QByteArrayView parameter, TraceOrigin *origin) const;
@@ -78,6 +90,7 @@ private:
     qint64 m_number = 0;
     bool m_isTagPending = false;  // the tag of `m_tags` is still to be looked at
     bool m_isInArray = false;     // a data array of the element that is being read
+    std::size_t m_arrayAt = 0;    // where it begins in the element's text
     bool m_isInPrecursor = false; // likewise
     bool m_isDone = false;
 };
