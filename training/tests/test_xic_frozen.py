@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+from dataclasses import replace
 from pathlib import Path
 
 import numpy as np
@@ -34,8 +35,11 @@ def test_run_gives_back_its_weights(tmp_path: Path) -> None:
     assert all(np.array_equal(found[k], weights[k]) for k in weights)
 
 
-def test_weights_of_another_network_are_refused(tmp_path: Path) -> None:
+def test_weights_of_another_network_are_refused(
+    tmp_path: Path, monkeypatch: pytest.MonkeyPatch
+) -> None:
     path = tmp_path / "split.pb"
+    monkeypatch.setattr(network, "SPLITTER", replace(network.SPLITTER, channels=(8, 8, 8, 8)))
     graphs.write_graph(graph.split_graph(varied(network.SPLITTER), SplitRule((0.1, 0.4))), path)
     with pytest.raises(ValueError, match=r"split\.pb"):
         read_weights(path, network.DETECTOR)

@@ -69,7 +69,7 @@ def test_file_gives_what_training_computes(
 ) -> None:
     x = limits_input(some_trace(300) + base, LimitsOptions())[None]
     used = network.used_points(tf.constant(x))
-    x_levelled = network.levelled(tf.constant(x), used)
+    x_levelled = network.levelled(tf.constant(x), used, network.DETECTOR)
     told = tf.constant([TOLD])
     logits = network.logits(weights, x_levelled, used, told, network.DETECTOR)
     rule = LimitsRule(TOLD)
@@ -79,9 +79,13 @@ def test_file_gives_what_training_computes(
     assert limits(x) == pytest.approx(expected, abs=FLOAT_TOLERANCE)
 
 
+def levelled(x: tf.Tensor, size: network.Size = network.DETECTOR) -> tf.Tensor:
+    return network.levelled(x, network.used_points(x, size.least), size)
+
+
 def test_levelling_subtracts_the_lowest_point_and_leaves_the_padding() -> None:
     x = tf.constant([[0.6, 0.5, 1.0, 0.75, 0.5, 0.4, 0.3, 0.2, 0.1, -0.1, -0.2, -0.2]])
-    found = network.levelled(x, network.used_points(x)).numpy()[0]
+    found = levelled(x).numpy()[0]
     # of nine used points the last four hold padding: 0.5 is the lowest of the others
     expected = [0.2, 0.0, 1.0, 0.5, 0.0, 0.0, 0.0, 0.0, 0.0, -0.1, -0.2, -0.2]
     assert found == pytest.approx(expected, abs=1e-6)
@@ -98,12 +102,21 @@ def test_levelling_subtracts_the_lowest_point_and_leaves_the_padding() -> None:
 )
 def test_levelling_leaves_a_trace(row: list[float]) -> None:
     x = tf.constant([row])
-    assert np.array_equal(network.levelled(x, network.used_points(x)), x)
+    assert np.array_equal(levelled(x), x)
+
+
+def test_trace_below_0_is_levelled_for_the_splitter_alone() -> None:
+    x = tf.constant([[0.5, -0.25, 1.0, 0.0, 0.0, 0.0]])
+    # three used points: 0.75 and 1.25 over 1.25; the padding stays
+    expected = [0.6, 0.0, 1.0, 0.0, 0.0, 0.0]
+    assert levelled(x, network.SPLITTER).numpy()[0] == pytest.approx(expected, abs=1e-6)
+    smoothed = tf.constant([[0.5, -0.25, 1.0, *[0.0] * 8, -1.0]])
+    assert np.array_equal(levelled(smoothed), smoothed)
 
 
 def test_rounding_of_a_flat_trace_is_not_blown_up() -> None:
     x = tf.constant([[1.0, 1.0 - 1e-7] * 16])
-    assert np.max(network.levelled(x, network.used_points(x))) < 1e-3
+    assert np.max(levelled(x)) < 1e-3
 
 
 @pytest.mark.parametrize("base", [0.5, 5.0, 50.0])
@@ -112,7 +125,7 @@ def test_trace_on_a_constant_base_looks_as_without_it(base: float) -> None:
     y[:9] = 0.0  # the filter is five points wide: 0 is the lowest smoothed value, too
     options = LimitsOptions(maxPointCount=512)
     lifted = tf.constant(limits_input(y + base * y.max(), options)[None])
-    found = network.levelled(lifted, network.used_points(lifted)).numpy()[0, :298]
+    found = levelled(lifted).numpy()[0, :298]
     # of the 24 bits of a float the base takes up six
     assert found == pytest.approx(limits_input(y, options)[:298], abs=1e-5)
 
@@ -221,10 +234,31 @@ def test_nothing_is_found_behind_the_used_points() -> None:
     assert np.flatnonzero(found > 0).tolist() == [0, 1, 2, 3, 4]
 
 
+def split_logits(valleys: list[float], shoulders: list[float]) -> tf.Tensor:
+    return tf.constant([list(zip(valleys, shoulders, strict=True))])
+
+
 def test_split_is_one_strict_maximum() -> None:
-    row = tf.constant([[0.0, 1.0, 2.0, 1.5, 1.8, 0.0, -3.0, -3.0, -3.0, -3.0, 2.5, 0.0]])
-    found = graph.combine_splits(row, tf.constant([12]), SplitRule(TOLD, apart=3)).numpy()[0]
-    assert np.flatnonzero(found > 0).tolist() == [2, 10]
+    row = [0.0, 1.0, 2.0, 1.5, 1.8, 0.0, -3.0, 0.5, 2.5, 2.5, 0.1, -1.0]
+    logits = split_logits(row, [-9.0] * 12)
+    found = graph.combine_splits(logits, tf.constant([12]), SplitRule(TOLD, apart=3)).numpy()[0]
+    assert np.flatnonzero(found > 0).tolist() == [2, 8]  # of two equally sure ones the first
+    assert found[2] == 2.0
+    assert np.all(found[[1, 3, 7, 9]] <= -4.0)
+
+
+def test_valley_and_shoulder_have_thresholds_of_their_own() -> None:
+    logits = split_logits([1.0, -9.0, -9.0, 0.2, -9.0, -9.0], [-9.0, -9.0, 1.0, -9.0, -9.0, 3.0])
+    rule = SplitRule(TOLD, valley=0.5, shoulder=2.0, apart=2)
+    found = graph.combine_splits(logits, tf.constant([6]), rule).numpy()[0]
+    assert found[np.flatnonzero(found > 0)].tolist() == [0.5, 1.0]
+    assert np.flatnonzero(found > 0).tolist() == [0, 5]
+
+
+def test_no_split_lies_behind_the_used_points() -> None:
+    logits = split_logits([-1.0, 2.0, -1.0, 3.0], [-9.0] * 4)
+    found = graph.combine_splits(logits, tf.constant([3]), SplitRule(TOLD, apart=1)).numpy()[0]
+    assert np.flatnonzero(found > 0).tolist() == [1]
 
 
 def test_splitter_starts_from_the_valleys(weights: dict[str, np.ndarray]) -> None:
@@ -232,5 +266,6 @@ def test_splitter_starts_from_the_valleys(weights: dict[str, np.ndarray]) -> Non
     used, told = network.used_points(x), tf.constant([TOLD])
     both = network.logits(weights, x, used, told, network.DETECTOR)
     start = network.splitter_start(weights)
-    one = network.logits(start, x, used, told, network.SPLITTER)
-    assert one.numpy()[0, :, 0] == pytest.approx(both.numpy()[0, :, 1], abs=FLOAT_TOLERANCE)
+    split = network.logits(start, x, used, told, network.SPLITTER).numpy()[0]
+    for head in range(network.SPLITTER.heads):
+        assert split[:, head] == pytest.approx(both.numpy()[0, :, 1], abs=FLOAT_TOLERANCE)

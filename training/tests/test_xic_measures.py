@@ -4,6 +4,7 @@ import pytest
 
 from zav_training.xic import evaluate_splits, measures
 from zav_training.xic.evaluate_splits import SplitCase
+from zav_training.xic.visible import noise_level
 
 RT = np.arange(0.0, 101.0)
 #: Sums of a few doubles.
@@ -80,3 +81,28 @@ def test_minima_between_two_clean_peaks_are_found() -> None:
     t = np.arange(100.0)
     y = np.exp(-0.5 * ((t - 40) / 5) ** 2) + np.exp(-0.5 * ((t - 60) / 5) ** 2)
     assert evaluate_splits.minima_splitter(y) == [50]
+    assert evaluate_splits.minima_of(99)(y) == []  # a curve of so many points has one top
+
+
+def test_split_of_a_wide_valley_may_lie_as_far_away_as_the_case_says() -> None:
+    case = SplitCase(np.zeros(400), [100.0, 300.0], [], [], [100.0], {100.0: 12.0})
+    result = evaluate_splits.score([case], lambda _: [111, 309])
+    assert result["recall"] == 0.5
+    assert result["deep_recall"] == 1.0
+    assert result["precision"] == 0.5
+
+
+def test_scaled_clusters_have_peaks_of_the_width_asked_for() -> None:
+    for points in evaluate_splits.SCALES:
+        cases = evaluate_splits.scaled_clusters(7, points, 20)
+        due = sum(len(c.due) + len(c.doubtful) for c in cases)
+        length = sum(len(c.intensity) for c in cases) / due
+        assert 0.5 * points[0] < length < 4.0 * points[1]
+        assert sum(len(c.deep) for c in cases) > 20
+
+
+def test_calm_clusters_have_splits_and_little_noise() -> None:
+    cases = evaluate_splits.calm_clusters(7, (20.0, 160.0), 20)
+    assert len(cases) == 20
+    assert all(c.due for c in cases)
+    assert np.median([noise_level(c.intensity) / np.ptp(c.intensity) for c in cases]) < 0.01

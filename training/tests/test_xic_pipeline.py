@@ -144,3 +144,52 @@ def test_split_times_come_from_the_thinned_trace() -> None:
     assert pipeline.split(np.arange(1300.0), y, network, options) == [
         (float(kept[1000]), pytest.approx(0.9))
     ]
+
+
+class LowestPoints:
+    """A splitter without a network: points below half of the tops within some points of them."""
+
+    def __init__(self, room: int) -> None:
+        self.room, self.asked = room, []
+
+    def __call__(self, x: np.ndarray) -> np.ndarray:
+        y = x[0]
+        self.asked.append(int(np.flatnonzero(y)[-1]) + 1)
+        p = np.zeros_like(x)
+        for i in range(self.room, len(y) - self.room):
+            left, right = y[i - self.room : i].max(), y[i + 1 : i + self.room + 1].max()
+            if y[i - 1] > y[i] <= y[i + 1] and 0.0 < y[i] < 0.5 * min(left, right):
+                p[0, i] = 0.9
+        return p
+
+
+def crowd(peaks: int, spacing: int) -> np.ndarray:
+    """Valleys lie at the multiples of `spacing`."""
+    i = np.arange(peaks * spacing)
+    return np.sin(np.pi * (i + 0.01) / spacing) ** 2 + 0.01
+
+
+def test_all_splits_of_a_crowd_are_found_though_a_look_gives_four() -> None:
+    found = pipeline.search_splits(crowd(12, 40), LowestPoints(12), SplitOptions())
+    assert [place for place, _ in found] == [40 * i for i in range(1, 12)]
+
+
+def test_long_trace_is_read_averaged_first_and_its_pieces_at_all_scales() -> None:
+    network = LowestPoints(20)
+    found = pipeline.search_splits(crowd(2, 1000), network, SplitOptions())
+    assert [place for place, _ in found] == [pytest.approx(1000, abs=4)]
+    assert network.asked == [500, 500, 1000, 501, 1001]  # the later piece comes first
+
+
+def test_trace_longer_than_the_network_is_read_in_windows_that_overlap() -> None:
+    network = LowestPoints(10)
+    found = pipeline.search_splits(crowd(400, 30), network, SplitOptions())
+    assert [place for place, _ in found] == [30 * i for i in range(1, 400)]
+    assert max(network.asked) <= 4096
+
+
+def test_split_settles_in_the_lowest_place_and_stays_on_a_slope() -> None:
+    y = np.abs(np.arange(100.0) - 53.0)
+    assert pipeline.settled(y, 50, 6) == 53
+    assert pipeline.settled(y, 30, 6) == 30
+    assert pipeline.averaged(np.arange(7.0), 3).tolist() == [1.0, 4.0, 6.0]

@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+from dataclasses import replace
 from itertools import pairwise
 
 import numpy as np
@@ -127,20 +128,82 @@ def test_split_examples_are_cut_to_a_region_with_its_targets() -> None:
     lengths = set()
     for _ in range(60):
         example = splits.simulated_split(rng, 200)
-        assert example.targets.shape == example.weights.shape == (1, len(example.intensity))
+        assert example.targets.shape == example.weights.shape == (2, len(example.intensity))
         assert 12 <= len(example.intensity) <= 200
         lengths.add(len(example.intensity))
     assert min(lengths) < 150 and max(lengths) == 200
 
 
+def trace_of(each: simulate.Border, length: int = 150) -> simulate.Simulated:
+    return simulate.Simulated(np.zeros(length), [], [each], 3.0, 0.05, [], 1e-6)
+
+
 def test_bump_of_a_shoulder_is_wider_and_counts_more_than_that_of_a_valley() -> None:
     valley, shoulder = border(30.0), border(12.0, (1.0, 0.25))
     width, weight = [], []
-    for each in (valley, shoulder):
-        trace = simulate.Simulated(np.zeros(150), [], [each], 3.0, 0.05, [], 1e-6)
-        targets, weights = splits.split_targets(trace, 150)
-        assert targets[0].argmax() == round(each.place)
-        width.append(float((targets[0] > 0.5).sum()) / each.distance)
-        weight.append(float(weights[0, round(each.place)]))
+    for row, each in enumerate((valley, shoulder)):
+        targets, weights = splits.split_targets(trace_of(each), slice(0, 150))
+        assert targets[row].argmax() == round(each.place)
+        assert not targets[1 - row].any()
+        assert weights[1 - row, round(each.place)] == 0.0
+        width.append(float((targets[row] > 0.5).sum()) / each.distance)
+        weight.append(float(weights[row, round(each.place)]))
     assert width[1] > width[0]
     assert weight[1] > weight[0] > 1.0
+
+
+def test_no_split_is_due_where_a_trace_is_cut() -> None:
+    each = border(30.0)
+    at_end = slice(0, round(each.place) + 2)
+    targets, weights = splits.split_targets(trace_of(each), at_end)
+    assert not targets.any()
+    assert np.all(weights == 1.0)
+    # the second apex is missing, but the valley has been passed: nobody could tell
+    beyond = slice(0, round(each.place) + 8)
+    targets, weights = splits.split_targets(trace_of(each), beyond)
+    assert not targets.any()
+    assert weights[0, round(each.place)] == 0.0
+
+
+def test_split_of_a_flat_ground_is_due_in_its_middle() -> None:
+    rng = np.random.default_rng(1)
+    first, second = shapes.draw_peak(rng, 40.0, 4.0, 1.0), shapes.draw_peak(rng, 160.0, 4.0, 0.5)
+    t = np.arange(200.0)
+    curves = [p.height * p.curve(t) for p in (first, second)]
+    (found,) = simulate.find_borders([first, second], sum(curves), curves)
+    left = np.flatnonzero(curves[0] > 0.005)[-1]
+    right = np.flatnonzero(curves[1] > 0.005)[0]
+    assert found.place == pytest.approx(0.5 * (left + right), abs=1.5)
+    assert found.fall > 0.99
+
+
+def test_crowds_have_any_width_and_number_of_peaks() -> None:
+    rng = np.random.default_rng(3)
+    widths, numbers = [], []
+    for _ in range(300):
+        peaks = splits.draw_crowd(rng, 4096)
+        widths.append(np.median([p.half_width for p in peaks]))
+        numbers.append(len(peaks))
+        apexes = [p.apex for p in peaks]
+        assert apexes == sorted(apexes)
+    assert min(widths) < 3.0 and max(widths) > 120.0
+    assert set(numbers) == set(range(1, 13))
+
+
+def test_shoulder_hidden_under_another_peak_is_not_held_against_anyone() -> None:
+    hidden = replace(border(12.0, (1.0, 0.25)), share=0.2)
+    targets, weights = splits.split_targets(trace_of(hidden), slice(0, 150))
+    assert not targets.any()
+    assert np.all(weights[:, round(hidden.place)] == 0.0)
+
+
+def test_calm_detector_leaves_the_peaks_and_may_fall_below_0() -> None:
+    lowest = []
+    for seed in range(40):
+        rng = np.random.default_rng(seed)
+        peak = shapes.draw_peak(rng, 100.0, 8.0, 1.0)
+        trace = simulate.observe(rng, [peak], 200, None, (3.7, 0.05), calm=1.0)
+        assert trace.noise <= 1.0 / 30.0
+        assert abs(int(np.argmax(trace.intensity)) - 100) <= 12
+        lowest.append(trace.intensity.min())
+    assert min(lowest) < 0.0 and max(lowest) > 0.1

@@ -9,7 +9,7 @@ from zav_training.xic.examples import simulated_example
 from zav_training.xic.pipeline import PADDING, gaussian_filter
 from zav_training.xic.training import WARM_UP, Trainer, learning_rate, train
 
-SMALL = network.Size((8, 8, 8, 8), heads=2, least=0.0, dice=0.3)
+SMALL = network.Size((8, 8, 8, 8), heads=2, least=0.0, dice=0.3, lowest=0.0, mixed=4)
 
 
 def test_learning_rate_rises_then_falls_to_a_hundredth() -> None:

@@ -28,7 +28,7 @@ from zav_training.xic.traces import BACKGROUND, LABELLED, Trace, read_traces, sp
 from zav_training.xic.training import Trainer, train
 
 Parts = dict[str, list[Trace]]
-START = "weights (.npz) or graph file (.pb) from which training of the limits network goes on"
+START = "weights (.npz) or graph file (.pb) of a limits network from which the training goes on"
 
 
 def main(arguments: list[str] | None = None) -> int:
@@ -50,7 +50,7 @@ def _parser() -> argparse.ArgumentParser:
         "build": ((_train_limits, _train_split, _ship, _evaluate), "train, ship and evaluate both"),
         "train-limits": ((_train_limits,), "train the network of peak limits"),
         "train-split": ((_train_split,), "train the splitter, which starts from it"),
-        "ship": ((_ship,), "write graphs and contracts of a run"),
+        "ship": ((_ship,), "write graphs and contracts of what a run holds"),
         "rewrite": ((_rewrite,), "write the limits graph anew around its weights: a new rule"),
         "evaluate": ((_evaluate,), "figures of shipped networks, as tables"),
         "picks": ((_picks,), "labels and found peaks of the sets as JSON lines in the run"),
@@ -89,8 +89,9 @@ def _train_split(options: argparse.Namespace, parts: Parts) -> None:
     rng = np.random.default_rng(options.seed)
     known = parts["training"]
     batches = splitter_batches(rng, RealNeighbours(known), Backgrounds(known))
-    start = network.splitter_start(dict(np.load(_weights(options, ship.LIMITS))))
-    trainer = Trainer(network.SPLITTER, options.seed, start)
+    limits = options.start or _weights(options, ship.LIMITS)
+    start = network.splitter_start(read_weights(limits, network.DETECTOR))
+    trainer = Trainer(network.SPLITTER, options.seed, start, levelled=True)
     _train(options, trainer, recipe.SPLIT_SCHEDULE, batches, ship.SPLIT)
 
 
@@ -120,6 +121,8 @@ def _made(options: argparse.Namespace, name: str) -> Path:
 def _ship(options: argparse.Namespace, parts: Parts) -> None:
     options.models.mkdir(parents=True, exist_ok=True)
     for name, write in ((ship.LIMITS, ship.ship_limits), (ship.SPLIT, ship.ship_split)):
+        if not _made(options, name).exists():
+            continue
         made = json.loads(_made(options, name).read_text())
         write(dict(np.load(_weights(options, name))), options.models, parts, made)
 
@@ -148,7 +151,10 @@ def _evaluate(options: argparse.Namespace, parts: Parts) -> None:
         "network": evaluate_splits.network_splitter(
             options.models / f"{ship.SPLIT}.pb", recipe.SPLIT_OPTIONS
         ),
-        "Savitzky-Golay minima": evaluate_splits.minima_splitter,
+        **{
+            f"Savitzky-Golay minima, {width} points": evaluate_splits.minima_of(width)
+            for width in evaluate_splits.WIDTHS
+        },
     }
     evaluate_splits.report(ship.split_sets(parts), splitters)
 

@@ -27,6 +27,16 @@ SHAPES = (
     (2048, 8, 0.06),
     (4096, 4, 0.04),
 )
+#: The same for the splitter, which meets every scale.
+SPLIT_SHAPES = (
+    (64, 96, 0.1),
+    (128, 64, 0.14),
+    (256, 48, 0.2),
+    (512, 32, 0.22),
+    (1024, 16, 0.16),
+    (2048, 8, 0.11),
+    (4096, 4, 0.07),
+)
 SIMULATED_SHARE = 0.6
 SPLIT_SIMULATED_SHARE = 0.65
 BACKGROUND_SHARE = 0.45
@@ -66,7 +76,7 @@ def detector_batches(
         return lift(rng, simulated_example(rng, length, base, neighbours), lifted)
 
     kernel = gaussian_filter(options.gaussianFilterSize)
-    return _batches(rng, draw, kernel, PADDING)
+    return _batches(rng, draw, SHAPES, kernel, PADDING)
 
 
 def splitter_batches(
@@ -81,7 +91,7 @@ def splitter_batches(
         base = backgrounds.draw(rng, length) if rng.random() < BACKGROUND_SHARE else None
         return simulated_split(rng, length, base)
 
-    return _batches(rng, draw, None, 0.0)
+    return _batches(rng, draw, SPLIT_SHAPES, None, 0.0)
 
 
 def _length(rng: np.random.Generator, least: int, points: int) -> int:
@@ -92,13 +102,14 @@ def _length(rng: np.random.Generator, least: int, points: int) -> int:
 def _batches(
     rng: np.random.Generator,
     draw: Callable[[int], Example],
+    shapes: tuple[tuple[int, int, float], ...],
     kernel: np.ndarray | None,
     padding: float,
 ) -> Iterator[Batch]:
-    share = [s[2] for s in SHAPES]
-    pools: dict[int, list[Example]] = {s[0]: [] for s in SHAPES}
+    share = [s[2] for s in shapes]
+    pools: dict[int, list[Example]] = {s[0]: [] for s in shapes}
     while True:
-        points, count, _ = SHAPES[rng.choice(len(SHAPES), p=share)]
+        points, count, _ = shapes[rng.choice(len(shapes), p=share)]
         examples = [_reuse(rng, pools[points], draw, points) for _ in range(count)]
         yield collate(examples, points, kernel, padding)
 

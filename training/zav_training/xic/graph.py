@@ -61,10 +61,15 @@ class LimitsRule:
 
 @dataclass(frozen=True)
 class SplitRule:
-    """How the splitter's output becomes a probability with one strict maximum a split."""
+    """How the two outputs of the splitter become a probability with one strict maximum a split.
+
+    A point counts where the surer of the two logits, over `valley` or `shoulder`, is above 0. Of
+    those within `apart` points the surest is the split.
+    """
 
     told: tuple[float, float]
-    bias: float = 0.0
+    valley: float = 0.0
+    shoulder: float = 0.0
     apart: int = 5
 
 
@@ -159,18 +164,26 @@ def split_graph(weights: dict[str, np.ndarray], rule: SplitRule) -> tf.Graph:
     with graph.as_default():
         x, used, short = _input(network.SPLITTER)
         logits = network.logits(weights, short, used, _told(rule.told), network.SPLITTER)
-        _output(combine_splits(logits[:, :, 0] + rule.bias, used, rule), x)
+        _output(combine_splits(logits, used, rule), x)
     return graph
 
 
 def combine_splits(logits: tf.Tensor, used: tf.Tensor, rule: SplitRule) -> tf.Tensor:
-    """Lowers what is not the largest within a few points, so that each split is found once."""
-    points = tf.range(tf.shape(logits)[1])
-    logits = tf.where(points < used[:, None], logits, NOTHING)
-    largest = logits
+    """Final logits [1, n], 0 at the cut, from both outputs [1, n, 2].
+
+    What is not the largest within a few points is lowered, so that each split is found once; of
+    equal ones the first stays.
+    """
+    joined = tf.reduce_max(logits - tf.constant([rule.valley, rule.shoulder]), 2)
+    points = tf.range(tf.shape(joined)[1])
+    joined = tf.where(points < used[:, None], joined, NOTHING)
+    largest = joined
     for _ in range(rule.apart):
         largest = _extreme(largest, tf.maximum)
-    return tf.where(logits >= largest, logits, tf.minimum(logits, 0.0) - 4.0)
+    repeats = tf.equal(joined[:, 1:], joined[:, :-1])
+    again = tf.concat([tf.zeros_like(joined[:, :1], tf.bool), repeats], 1)
+    chosen = tf.logical_and(joined >= largest, ~again)
+    return tf.where(chosen, joined, tf.minimum(joined, 0.0) - 4.0)
 
 
 def _told(conventions: tuple[float, float]) -> tf.Tensor:
@@ -186,7 +199,7 @@ def _input(size: network.Size) -> tuple[tf.Tensor, tf.Tensor, tf.Tensor]:
     blocks = (tf.reduce_max(used) - 1) // SHORTEST
     doubled = sum(tf.cast(blocks >= 2**i, tf.int32) * 2**i for i in range(8)) + 1
     short = tf.slice(x, [0, 0], tf.stack([-1, tf.minimum(SHORTEST * doubled, n)]))
-    return x, used, network.levelled(short, used) if size.levelled else short
+    return x, used, network.levelled(short, used, size)
 
 
 def _output(logits: tf.Tensor, x: tf.Tensor) -> None:

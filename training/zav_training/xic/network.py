@@ -19,8 +19,6 @@ CONVENTIONS = 2
 VIEWS = 9
 #: Views of smoothed traces, one value a place: places averaged, places whose largest counts.
 SMOOTHED = ((3, 75), (7, 75), (17, 257), (41, 257))
-#: Last used points into which the smoothing mixes padding: they are no measure of the base.
-MIXED = 4
 #: A lower base stays: the network knows such traces from its training.
 LEAST_BASE = 0.1
 #: A trace that rises by less over its base is flat: its rounding is not to be blown up.
@@ -31,21 +29,23 @@ LEAST_RISE = 1e-3
 class Size:
     """Channels of the four levels, and the values per point that come out.
 
-    A point of `least` or more is no padding. `dice` weighs the overlap in the loss. `levelled`:
-    the graph subtracts the base of a trace before anything else.
+    A point of `least` or more is no padding. `dice` weighs the overlap in the loss. Before anything
+    else the graph subtracts the base of a trace, which is its lowest point of at least `lowest`;
+    the last `mixed` used points, into which the smoothing mixes padding, are no measure of it.
     """
 
     channels: tuple[int, int, int, int]
     heads: int
     least: float
     dice: float
-    levelled: bool = False
+    lowest: float
+    mixed: int
 
 
 #: Padding is -1 before the smoothing.
-DETECTOR = Size((32, 48, 64, 96), heads=2, least=0.0, dice=0.3, levelled=True)
-#: Padding is 0.
-SPLITTER = Size((32, 48, 64, 96), heads=1, least=1e-12, dice=0.0)
+DETECTOR = Size((32, 48, 64, 96), heads=2, least=0.0, dice=0.3, lowest=0.0, mixed=4)
+#: Padding is 0, nothing is smoothed, and a trace may fall below 0.
+SPLITTER = Size((32, 48, 64, 96), heads=2, least=1e-12, dice=0.0, lowest=-1e6, mixed=0)
 
 
 def convolutions(size: Size) -> dict[str, tuple[int, int, int]]:
@@ -86,11 +86,11 @@ def initial_weights(size: Size, seed: int) -> dict[str, np.ndarray]:
 
 
 def splitter_start(weights: dict[str, np.ndarray]) -> dict[str, np.ndarray]:
-    """Weights from which the splitter learns: the limits network, of its outputs the valleys."""
+    """Weights from which the splitter learns: the limits network, its valleys for both outputs."""
     valleys = slice(1, None, DETECTOR.heads)
     result = {k: v.copy() for k, v in weights.items()}
-    result["out/w"] = weights["out/w"][..., valleys].copy()
-    result["out/b"] = weights["out/b"][valleys].copy()
+    result["out/w"] = np.repeat(weights["out/w"][..., valleys], SPLITTER.heads, -1)
+    result["out/b"] = np.repeat(weights["out/b"][valleys], SPLITTER.heads)
     return result
 
 
@@ -161,18 +161,19 @@ def used_points(x: tf.Tensor, least: float = 0.0) -> tf.Tensor:
     return tf.cast(tf.reduce_max(tf.where(x >= least, ordinal, 0.0), 1), tf.int32)
 
 
-def levelled(x: tf.Tensor, used: tf.Tensor) -> tf.Tensor:
+def levelled(x: tf.Tensor, used: tf.Tensor, size: Size) -> tf.Tensor:
     """The trace [B, n] without its lowest used value, its largest 1 again; padding stays.
 
-    So a trace that is lifted as a whole looks as it did before. A base below LEAST_BASE stays.
+    So a trace that is lifted as a whole looks as it did before. A base from 0 to LEAST_BASE stays.
     """
-    ordinal = tf.range(tf.shape(x)[1])[None]
-    measured = tf.logical_and(ordinal < used[:, None] - MIXED, x >= 0.0)
+    counted = tf.range(tf.shape(x)[1])[None] < used[:, None]
+    known = x >= size.lowest
+    measured = tf.logical_and(tf.range(tf.shape(x)[1])[None] < used[:, None] - size.mixed, known)
     lowest = tf.reduce_min(tf.where(measured, x, 1.0), 1, keepdims=True)
-    high = tf.logical_and(tf.reduce_any(measured, 1, keepdims=True), lowest >= LEAST_BASE)
-    base = tf.where(high, lowest, 0.0)
+    far = tf.logical_or(lowest >= LEAST_BASE, lowest < 0.0)
+    base = tf.where(tf.logical_and(tf.reduce_any(measured, 1, keepdims=True), far), lowest, 0.0)
     risen = tf.maximum(x - base, 0.0) / tf.maximum(1.0 - base, LEAST_RISE)
-    return tf.where(tf.logical_and(ordinal < used[:, None], x >= 0.0), risen, x)
+    return tf.where(tf.logical_and(counted, known), risen, x)
 
 
 def logits(weights: dict, x: tf.Tensor, used: tf.Tensor, told: tf.Tensor, size: Size) -> tf.Tensor:

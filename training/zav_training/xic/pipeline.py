@@ -2,7 +2,8 @@
 """What the library does around the networks, in numpy, so that figures are of the whole path."""
 
 from collections.abc import Callable
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
+from itertools import pairwise
 
 import numpy as np
 
@@ -19,8 +20,14 @@ SELECTED = 0.9
 GAIN, RETRIES = 10.0, 3
 #: The splitter: most splits of a trace, and points below which none is looked for.
 MOST_SPLITS, LEAST_SPLIT_POINTS = 4, 5
+#: The program: points of its coarsest view of a trace, and lengths of the network's input.
+COARSEST, NETWORK_SIZES = 512, (512, 1024, 2048, 4096)
+#: How much of the tolerance a split of a finer view may use.
+SURER = 0.4
 
 Network = Callable[[np.ndarray], np.ndarray]
+#: Points to split at, with their probabilities.
+Found = list[tuple[int, float]]
 
 
 @dataclass(frozen=True)
@@ -215,3 +222,79 @@ def split(
     return [
         (float(rt[kept[i]]), float(probability[i])) for i in split_indices(probability, options)
     ]
+
+
+def averaged(y: np.ndarray, neighbours: int) -> np.ndarray:
+    """Means of so many neighbouring values; the last may be one of fewer."""
+    first = np.arange(0, len(y), neighbours)
+    return np.add.reduceat(y, first) / np.diff(np.append(first, len(y)))
+
+
+def settled(y: np.ndarray, place: int, reach: int) -> int:
+    """The lowest smoothed place within reach, or the place itself where the trace only falls."""
+    first, last = max(place - reach, 0), min(place + reach, len(y) - 1)
+    half, total = reach // 2, np.concatenate([[0.0], np.cumsum(y)])
+    at = np.arange(first, last + 1)
+    low, high = np.maximum(at - half, 0), np.minimum(at + half + 1, len(y))
+    lowest = first + int(np.argmin((total[high] - total[low]) / (high - low)))
+    return place if lowest in (first, last) else lowest
+
+
+def search_splits(y: np.ndarray, network: Network, options: SplitOptions) -> Found:
+    """What the program finds: points to split at, with their probabilities.
+
+    A long trace is averaged and read coarsely first. The pieces between the splits are searched
+    again: at the same scale where a look gave all it can, else at finer ones, and then what is
+    found must be surer.
+    """
+    sure = replace(options, probabilityTolerance=SURER * options.probabilityTolerance)
+    found: Found = []
+    pieces = [(0, len(y), max(1, -(-len(y) // COARSEST)), False)]
+    while pieces:
+        first, count, neighbours, must_be_sure = pieces.pop()
+        if count < LEAST_SPLIT_POINTS:
+            continue
+        chosen = sure if must_be_sure else options
+        here, whole, neighbours = _look(y[first : first + count], neighbours, network, chosen)
+        found += [(first + place, probability) for place, probability in here]
+        if not here or (whole and neighbours == 1):
+            continue
+        ends = [0, *(place for place, _ in here), count - 1]
+        scale = (neighbours + 1) // 2 if whole else neighbours
+        pieces += [(first + a, b - a + 1, scale, must_be_sure or whole) for a, b in pairwise(ends)]
+    return sorted(found)
+
+
+def _look(
+    piece: np.ndarray, neighbours: int, network: Network, options: SplitOptions
+) -> tuple[Found, bool, int]:
+    """Splits of a piece at the coarsest scale that shows any, whether that is all, the scale."""
+    while True:
+        here, whole = _look_at_scale(averaged(piece, neighbours), network, options)
+        if neighbours == 1:
+            return here, whole, neighbours
+        kept: Found = []
+        for i, probability in here:
+            middle = min(i * neighbours + neighbours // 2, len(piece) - 1)
+            place = settled(piece, middle, neighbours)
+            if (kept[-1][0] if kept else 0) < place < len(piece) - 1:
+                kept.append((place, probability))
+        if kept:
+            return kept, whole, neighbours
+        neighbours = (neighbours + 1) // 2
+
+
+def _look_at_scale(y: np.ndarray, network: Network, options: SplitOptions) -> tuple[Found, bool]:
+    """Splits of values that are read in overlapping windows where they are too many."""
+    largest = NETWORK_SIZES[-1]
+    found: Found = []
+    for first in range(0, max(len(y) - largest // 2, 1), largest // 2):
+        end = min(first + largest, len(y))
+        low = 1 if first == 0 else first + largest // 4
+        high = end - 1 if end == len(y) else first + 3 * largest // 4
+        points = next((s for s in NETWORK_SIZES if s >= end - first), largest)
+        fitting = replace(options, maxPointCount=points)
+        places = np.arange(first, end, dtype=float)
+        here = split(places, y[first:end], network, fitting)
+        found += sorted((int(p), q) for p, q in here if low <= p < high)
+    return found, len(y) <= largest and len(found) < MOST_SPLITS

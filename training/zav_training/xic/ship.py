@@ -77,10 +77,20 @@ def ship_split(
 def split_sets(traces: dict[str, list[Trace]]) -> dict[str, list[evaluate_splits.SplitCase]]:
     """Cases of the splitter's figures: simulated, real neighbours, real single peaks."""
     held_out = traces["test"] + traces["validation"]
+    scales = {
+        f"simulated{low:g}To{high:g}": evaluate_splits.scaled_clusters(
+            evaluate_splits.SCALE_SEED, (low, high)
+        )
+        for low, high in evaluate_splits.SCALES
+    }
     return {
         "simulated": [c for s in evaluate_splits.SEEDS for c in evaluate_splits.clusters(s)],
         "heldOutNeighbours": evaluate_splits.real_neighbours(held_out),
         "heldOutWhole": evaluate_splits.whole_peaks(held_out),
+        **scales,
+        "simulatedCalm": evaluate_splits.calm_clusters(
+            evaluate_splits.CALM_SEED, evaluate_splits.CALM_POINTS
+        ),
     }
 
 

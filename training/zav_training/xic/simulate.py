@@ -36,6 +36,10 @@ APART = (2.0, 7.5)
 #: A small neighbour on flat ground: distance of the apexes in sigma of the large peak, beyond the
 #: feet of both; its height and its width over those of the large peak.
 BESIDE, BESIDE_HEIGHT, BESIDE_WIDTH = (6.0, 18.0), (0.03, 0.5), (0.5, 1.2)
+#: A calm detector: largest drift and noise over the largest peak.
+CALM_DRIFT, CALM_SIGNAL_TO_NOISE = (1e-3, 0.4), (30.0, 3e6)
+#: What lies this little (of the lower top) over the lowest point between two apexes is its ground.
+GROUND = 0.01
 #: Share of traces in which single counts are seen one by one, between zeros.
 SPARSE_SHARE = 0.18
 
@@ -55,9 +59,11 @@ class Region:
 class Border:
     """Where one peak passes into the next.
 
-    The place is the lowest point between the apexes, or where the two curves cross when the signal
-    does not fall between them (a shoulder). `fall` is relative to the lower top, `resolution` the
-    distance of the apexes over the mean width at half height, `height` that of the lower peak.
+    The place is the lowest point between the apexes, the middle of the ground where that is flat,
+    or where the two curves cross when the signal does not fall between them (a shoulder). `fall` is
+    relative to the lower top, `resolution` the distance of the apexes over the mean width at half
+    height, `height` that of the lower peak, `share` what the peak that is more covered by others
+    has of the signal at its own apex, `left` the place of the earlier apex.
     """
 
     place: float
@@ -65,6 +71,12 @@ class Border:
     fall: float
     resolution: float
     height: float
+    share: float = 1.0
+    left: float = 0.0
+
+    def apexes(self) -> tuple[float, float]:
+        """Places of the two apexes."""
+        return self.left, self.left + self.distance
 
 
 @dataclass
@@ -103,11 +115,31 @@ def simulate(
     peaks = _draw_peaks(rng, length, crowded, apart)
     if neighbours and peaks and rng.random() < neighbours:
         peaks.append(draw_neighbour(rng, peaks[0]))
+    return observe(rng, peaks, length, background, (drawn, depth))
+
+
+def observe(
+    rng: np.random.Generator,
+    peaks: list[Peak],
+    length: int,
+    background: np.ndarray | None,
+    conventions: tuple[float, float],
+    calm: float = 0.0,
+) -> Simulated:
+    """What an instrument would report of the peaks; limits by the width and depth that are drawn.
+
+    `calm` is the share of traces as of a detector whose noise is low and does not grow with the
+    signal, as in ultraviolet light; they may stand on a base and fall below 0.
+    """
+    drawn, depth = conventions
     t = np.arange(length, dtype=np.float64)
     curves = [p.height * p.curve(t) for p in peaks]
     clean = np.sum(curves, axis=0) if curves else np.zeros(length)
     top = max((p.height for p in peaks), default=1.0)
-    if rng.random() < SPARSE_SHARE:
+    if calm and rng.random() < calm:
+        signal, clean, noise = _measure_calm(rng, clean, top)
+        count = 1e9 / max(top, 1e-12)
+    elif rng.random() < SPARSE_SHARE:
         signal, noise, count = _measure_sparse(rng, clean, top)
     else:
         signal, noise, count = _measure(rng, clean, background, top)
@@ -178,11 +210,15 @@ def find_borders(peaks: list[Peak], clean: np.ndarray, curves: list[np.ndarray])
         fall = 1.0 - between[low] / max(top, 1e-12)
         span = slice(left, right + 1)
         cross = int(np.argmin(np.abs(curves[i][span] - curves[i + 1][span])))
-        place = left + (low if fall > SHOULDER else cross)
+        ground = np.flatnonzero(between <= between[low] + GROUND * top)
+        middle = 0.5 * float(ground[0] + ground[-1])
+        place = left + (middle if fall > SHOULDER else cross)
         width = 0.5 * (a.half_width + b.half_width)
         resolution = (b.apex - a.apex) / max(width, 1e-9)
         lower = min(a.height, b.height)
-        borders.append(Border(float(place), b.apex - a.apex, fall, resolution, lower))
+        share = min(a.height / max(clean[left], 1e-12), b.height / max(clean[right], 1e-12))
+        apart = b.apex - a.apex
+        borders.append(Border(float(place), apart, fall, resolution, lower, share, a.apex))
     return borders
 
 
@@ -260,6 +296,27 @@ def _measure_sparse(
     heights = rng.lognormal(0.0, rng.uniform(0.1, 0.8), len(clean))
     noise = np.sqrt(stray * kept) / (count * kept)
     return counts * heights / count, float(noise), count * kept
+
+
+def _measure_calm(
+    rng: np.random.Generator, clean: np.ndarray, top: float
+) -> tuple[np.ndarray, np.ndarray, float]:
+    """Signal, signal without its noise and its base, and the noise.
+
+    Neighbouring points hang together, as behind the filter of a detector.
+    """
+    n = len(clean)
+    drift = _drift(rng, n) * top * float(np.exp(rng.uniform(*np.log(CALM_DRIFT))))
+    risen = clean + (drift - drift.min() if rng.random() < 0.6 else 0.0)
+    noise = top / float(np.exp(rng.uniform(*np.log(CALM_SIGNAL_TO_NOISE))))
+    taps = int(rng.integers(1, 8))
+    white = rng.standard_normal(n + taps - 1)
+    filtered = np.convolve(white, np.full(taps, taps**-0.5), "valid")
+    base = top * float(rng.choice((0.0, 1.0, -0.05), p=(0.6, 0.3, 0.1)))
+    signal = risen + noise * filtered + base * float(np.exp(rng.uniform(np.log(0.01), 0.0)))
+    if rng.random() < 0.4:
+        signal = np.maximum(signal, 0.0)
+    return signal, risen, noise
 
 
 def _drift(rng: np.random.Generator, n: int) -> np.ndarray:

@@ -58,7 +58,7 @@ class Trainer:
     ) -> tf.Tensor:
         with tf.GradientTape() as tape:
             used = network.used_points(x, self.size.least)
-            x = network.levelled(x, used) if self._levelled else x
+            x = network.levelled(x, used, self.size) if self._levelled else x
             logits = network.logits(self.variables, x, used, told, self.size)
             value = loss(logits, targets, weights, self.size.dice)
         variables = list(self.variables.values())
