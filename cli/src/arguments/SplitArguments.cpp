@@ -11,15 +11,16 @@ constexpr char EXAMPLES[] =
     R"(FILE holds chromatograms, as for zav limits ('zav limits --help' tells which); a trace should hold one peak or a few
 that overlap, and a --rt range cuts one out of a long trace.
 
-One line per split, at most four per trace: its time in the unit of the file, which the header names (split_min; split
-where the file does not say; of several files, that of the first), and its probability.
+One line per split: its time in the unit of the file, which the header names (split_min; split where the file does not
+say; of several files, that of the first), and its probability.
 
 With --group the traces of a precursor share their splits ('zav limits --help' tells which belong together). Each trace
 has its own lines, with the columns group, members (traces of the group) and shape (how alike the trace and the sum of
 all are, Pearson's r).
 
-The length of the network's input sets the cost of a trace. A longer trace is thinned to it, with a note. Without
---format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON
+A trace of more than 512 points is first read with neighbouring points averaged, then more closely where nothing is
+found; the pieces between splits are searched again. Times are always those of the trace's own points. Without --format
+the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON
 lists every trace, with or without splits. A file that cannot be read to its end ends the run, and the -o FILE does
 not appear.
 

@@ -2,10 +2,10 @@
 #include "SplitCommand.h"
 
 #include "PredictorPool.h"
+#include "SplitSearch.h"
 
 #include <zav/XicPeakSplitter.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace zav {
@@ -14,28 +14,28 @@ namespace {
 
 constexpr int FEWEST_POINTS = 5; // of XicPeakSplitter
 
-QList<TraceSplit> byTime(const QList<std::pair<double, double>> &pairs)
-{
-    QList<TraceSplit> splits;
-    for (const auto &[time, probability] : pairs)
-        splits.append({time, probability});
-    std::stable_sort(splits.begin(), splits.end(),
-                     [](const TraceSplit &a, const TraceSplit &b) { return a.time < b.time; });
-    return splits;
-}
+/// How much of the tolerance a split of a finer view may use: from 0.8 on, with the default of 0.5.
+constexpr double SURER = 0.4;
 
 /// Finds where the peaks of a trace are to be split from each other.
 class SplitAnalysis : public TraceAnalysis
 {
 public:
     SplitAnalysis(const SplitOptions &options, const QString &modelFilePath)
-        : m_splitters(options.splitter, modelFilePath, options.maxPointCount.value_or(0))
+        : m_coarsest(options.maxPointCount.value_or(NETWORK_SIZES.front())),
+          m_largest(options.maxPointCount.value_or(NETWORK_SIZES.back())),
+          m_leastSure(1 - SURER * options.splitter.probabilityTolerance),
+          m_splitters(options.splitter, modelFilePath, options.maxPointCount.value_or(0))
     {}
 
     Error load() override { return m_splitters.load(); }
     Result<TraceFindings> analyse(const QList<QPointF> &points) override;
 
 private:
+    Result<QList<std::pair<double, double>>> splitOnce(const QList<QPointF> &points, QList<QString> *warnings);
+
+    int m_coarsest, m_largest; // numbers of points
+    double m_leastSure;
     PredictorPool<XicPeakSplitter, XicPeakSplitterOptions> m_splitters;
 };
 
@@ -48,20 +48,33 @@ Result<TraceFindings> SplitAnalysis::analyse(const QList<QPointF> &points)
                              : QStringLiteral("fewer than %1 points, too few for the network").arg(FEWEST_POINTS);
         return findings;
     }
+    const SplitSearch search(m_coarsest, m_largest, m_leastSure, [this, &findings](const QList<QPointF> &view) {
+        return splitOnce(view, &findings.warnings);
+    });
+    Result<QList<TraceSplit>> splits = search.splitsOf(points);
+    if (splits.hasError())
+        return splits.error();
+    findings.splits = std::move(splits).value();
+    if (findings.splits.isEmpty())
+        findings.nothingFound = QStringLiteral("no split found");
+    return findings;
+}
+
+Result<QList<std::pair<double, double>>> SplitAnalysis::splitOnce(const QList<QPointF> &points,
+                                                                  QList<QString> *warnings)
+{
     const int size = m_splitters.sizeFor(points.size());
     const Result<XicPeakSplitter *> splitter = m_splitters.predictor(size);
     if (splitter.hasError())
         return splitter.error();
-    const auto splits = splitter.value()->splitXIC(thinnedTo(size, points));
+    auto splits = splitter.value()->splitXIC(points);
     if (splits.hasError())
         return runError(splits.error(), m_splitters.modelFilePath(), size);
-
-    findings.splits = byTime(splits.value());
-    findings.warnings = splits.warnings();
-    findings.remark = thinningRemark(points.size(), size);
-    if (findings.splits.isEmpty())
-        findings.nothingFound = QStringLiteral("no split found");
-    return findings;
+    for (const QString &warning : splits.warnings()) {
+        if (!warnings->contains(warning))
+            warnings->append(warning);
+    }
+    return splits;
 }
 
 } // namespace

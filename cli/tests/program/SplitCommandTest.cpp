@@ -86,16 +86,39 @@ TEST_F(SplitCommand, SmoothingIsAppliedBeforeTheNetwork)
     EXPECT_EQ(linesOf(run.standardOutput).size(), 1) << run.standardOutput;
 }
 
-TEST_F(SplitCommand, LongTraceIsThinnedAndSplitAtATimeOfItsOwn)
+TEST_F(SplitCommand, LongTraceIsSplitAtATimeOfItsOwn)
 {
-    const QList<QPointF> trace = simulatedTrace(6000, {{2900, 5000, 50}, {3100, 5000, 50}});
-    const ProgramRun run = split({"-", "--max-point-count", "1024"}, tsvFile(trace));
-    EXPECT_EQ(run.exitCode, 0);
-    EXPECT_NE(run.standardError.find("6000 points thinned to 1024"), std::string::npos);
-    bool isFound = false;
-    for (const QString &line : linesOf(run.standardOutput).mid(1))
-        isFound = isFound || std::abs(line.section('\t', 1, 1).toDouble() - 3000) <= 20;
-    EXPECT_TRUE(isFound) << run.standardOutput;
+    const QList<QPointF> trace = simulatedTrace(6000, {{2900, 5000, 50}, {3150, 5000, 50}});
+    for (const QStringList &size : {QStringList(), QStringList{"--max-point-count", "1024"}}) {
+        const ProgramRun run = split(QStringList{"-"} + size, tsvFile(trace));
+        EXPECT_EQ(run.exitCode, 0);
+        EXPECT_EQ(run.standardError, "zav: 1 trace: 1 split in 1, none in 0\n");
+        const QStringList lines = linesOf(run.standardOutput);
+        ASSERT_EQ(lines.size(), 2) << run.standardOutput;
+        EXPECT_NEAR(lines[1].section('\t', 1, 1).toDouble(), 3025, 15);
+    }
+}
+
+TEST_F(SplitCommand, MoreSplitsAreFoundThanTheNetworkTellsAtOnce)
+{
+    QList<SimulatedPeak> peaks;
+    for (int i = 0; i < 10; ++i)
+        peaks.append({50.0 + 30 * i, 5000, 6});
+    const ProgramRun run = split({"-"}, tsvFile(simulatedTrace(370, peaks)));
+    const QStringList lines = linesOf(run.standardOutput);
+    ASSERT_EQ(lines.size(), 10) << run.standardOutput;
+    for (int i = 1; i < 10; ++i)
+        EXPECT_NEAR(lines[i].section('\t', 1, 1).toDouble(), 35 + 30 * i, 3);
+}
+
+TEST_F(SplitCommand, TraceThatFallsBelow0IsSplit)
+{
+    QList<QPointF> trace = NEIGHBOURS;
+    for (QPointF &point : trace)
+        point.ry() -= 2000;
+    const QStringList lines = linesOf(split({"-"}, tsvFile(trace)).standardOutput);
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_NEAR(lines[1].section('\t', 1, 1).toDouble(), 100, 2);
 }
 
 TEST_F(SplitCommand, OutputIsTheSameWhateverTheNumberOfThreads)
