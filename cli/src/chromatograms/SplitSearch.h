@@ -18,8 +18,8 @@ namespace zav {
 ///
 /// A trace of up to `coarsest` points is read as it is. In a longer one, neighbouring points are averaged to so many
 /// first: a valley is seen best where it is some dozens of points wide. Where that shows nothing, half as many points
-/// are averaged, and so on until the trace's own are read. More than `largest` are read in windows that overlap by half,
-/// and of each window only the middle counts.
+/// are averaged, and so on until the trace's own are read. More than `largest` are read in windows that overlap by
+/// half, and of each window only the middle counts.
 ///
 /// The splits part the trace, and the pieces between them are searched again: at the same scale where the splitter gave
 /// all it can, else at the finer ones. What a finer view shows must be surer, since it was there before and not seen.
@@ -29,8 +29,8 @@ public:
     /// Pairs (x of a point, probability) for at most `largest` points.
     using Splitter = std::function<Result<QList<std::pair<double, double>>>(const QList<QPointF> &)>;
 
-    /// Both numbers are above 4, `coarsest` is at most `largest`. `leastSure` is the probability from which on a split of
-    /// a finer view counts.
+    /// Both numbers are above 4, `coarsest` is at most `largest`. `leastSure` is the probability from which on a split
+    /// of a finer view counts.
     SplitSearch(int coarsest, int largest, double leastSure, Splitter splitter);
 
     /// The splits by time, each at the time of a point; the splitter's first error. None for fewer than 5 points.
