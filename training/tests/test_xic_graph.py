@@ -80,7 +80,7 @@ def test_file_gives_what_training_computes(
 
 
 def levelled(x: tf.Tensor, size: network.Size = network.DETECTOR) -> tf.Tensor:
-    return network.levelled(x, network.used_points(x, size.least), size)
+    return network.levelled(x, network.used_points(x, size), size)
 
 
 def test_levelling_subtracts_the_lowest_point_and_leaves_the_padding() -> None:
@@ -110,6 +110,8 @@ def test_trace_below_0_is_levelled_for_the_splitter_alone() -> None:
     # three used points: 0.75 and 1.25 over 1.25; the padding stays
     expected = [0.6, 0.0, 1.0, 0.0, 0.0, 0.0]
     assert levelled(x, network.SPLITTER).numpy()[0] == pytest.approx(expected, abs=1e-6)
+    behind = tf.constant([[0.5, 1.0, -0.25, 0.0, 0.0, 0.0]])
+    assert levelled(behind, network.SPLITTER).numpy()[0, :3] == pytest.approx([0.6, 1.0, 0.0])
     smoothed = tf.constant([[0.5, -0.25, 1.0, *[0.0] * 8, -1.0]])
     assert np.array_equal(levelled(smoothed), smoothed)
 

@@ -113,12 +113,14 @@ TEST_F(SplitCommand, MoreSplitsAreFoundThanTheNetworkTellsAtOnce)
 
 TEST_F(SplitCommand, TraceThatFallsBelow0IsSplit)
 {
-    QList<QPointF> trace = NEIGHBOURS;
+    // The two small neighbours lie below 0 as a whole.
+    QList<QPointF> trace = simulatedTrace(160, {{40, 5000, 5}, {90, 1000, 5}, {110, 1000, 5}});
     for (QPointF &point : trace)
-        point.ry() -= 2000;
+        point.ry() -= 1200;
     const QStringList lines = linesOf(split({"-"}, tsvFile(trace)).standardOutput);
-    ASSERT_EQ(lines.size(), 2);
-    EXPECT_NEAR(lines[1].section('\t', 1, 1).toDouble(), 100, 2);
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_NEAR(lines[1].section('\t', 1, 1).toDouble(), 65, 5);
+    EXPECT_NEAR(lines[2].section('\t', 1, 1).toDouble(), 100, 2);
 }
 
 TEST_F(SplitCommand, OutputIsTheSameWhateverTheNumberOfThreads)

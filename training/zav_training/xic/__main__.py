@@ -120,9 +120,11 @@ def _made(options: argparse.Namespace, name: str) -> Path:
 
 def _ship(options: argparse.Namespace, parts: Parts) -> None:
     options.models.mkdir(parents=True, exist_ok=True)
-    for name, write in ((ship.LIMITS, ship.ship_limits), (ship.SPLIT, ship.ship_split)):
-        if not _made(options, name).exists():
-            continue
+    writers = {ship.LIMITS: ship.ship_limits, ship.SPLIT: ship.ship_split}
+    trained = {n: w for n, w in writers.items() if _made(options, n).exists()}
+    if not trained:
+        raise SystemExit(f"{options.run} holds no trained weights")
+    for name, write in trained.items():
         made = json.loads(_made(options, name).read_text())
         write(dict(np.load(_weights(options, name))), options.models, parts, made)
 

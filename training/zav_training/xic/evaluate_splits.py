@@ -191,7 +191,10 @@ def minima_splitter(y: np.ndarray, width: int = 9) -> list[int]:
 
 
 def score(cases: list[SplitCase], splitter: Splitter) -> dict[str, float]:
-    """Precision, recall and F1 within REACH points, recall of shoulders, share of traces split."""
+    """Precision, recall, F1, recall by kind of split, share of traces split.
+
+    A split is right as its case says.
+    """
     right = found = due = touched = shoulders = shoulders_found = deep = deep_found = 0
     for case in cases:
         places = splitter(case.intensity)

@@ -195,7 +195,7 @@ def _input(size: network.Size) -> tuple[tf.Tensor, tf.Tensor, tf.Tensor]:
     image = tf.compat.v1.placeholder(tf.float32, [None, network.STRIDE, 1, 1], name=INPUT)
     x = tf.reshape(image, [1, -1])
     n = tf.size(image)
-    used = network.used_points(x, size.least)
+    used = network.used_points(x, size)
     blocks = (tf.reduce_max(used) - 1) // SHORTEST
     doubled = sum(tf.cast(blocks >= 2**i, tf.int32) * 2**i for i in range(8)) + 1
     short = tf.slice(x, [0, 0], tf.stack([-1, tf.minimum(SHORTEST * doubled, n)]))

@@ -29,9 +29,10 @@ LEAST_RISE = 1e-3
 class Size:
     """Channels of the four levels, and the values per point that come out.
 
-    A point of `least` or more is no padding. `dice` weighs the overlap in the loss. Before anything
-    else the graph subtracts the base of a trace, which is its lowest point of at least `lowest`;
-    the last `mixed` used points, into which the smoothing mixes padding, are no measure of it.
+    A point of `least` or more is no padding; where a trace may fall below 0, so is one that lies as
+    far below. `dice` weighs the overlap in the loss. Before anything else the graph subtracts the
+    base of a trace, which is its lowest point of at least `lowest`; the last `mixed` used points,
+    into which the smoothing mixes padding, are no measure of it.
     """
 
     channels: tuple[int, int, int, int]
@@ -154,11 +155,12 @@ def _spread(x: tf.Tensor, times: int) -> tf.Tensor:
     return tf.reshape(repeated, [-1, 1, shape[2] * times, channels])
 
 
-def used_points(x: tf.Tensor, least: float = 0.0) -> tf.Tensor:
-    """Number of points of each trace up to its last value of `least` or more, int32 [B]."""
+def used_points(x: tf.Tensor, size: Size = DETECTOR) -> tf.Tensor:
+    """Number of points of each trace up to its last one that is no padding, int32 [B]."""
     n = tf.shape(x)[1]
     ordinal = tf.cast(tf.range(1, n + 1), tf.float32)
-    return tf.cast(tf.reduce_max(tf.where(x >= least, ordinal, 0.0), 1), tf.int32)
+    value = tf.abs(x) if size.lowest < 0.0 else x
+    return tf.cast(tf.reduce_max(tf.where(value >= size.least, ordinal, 0.0), 1), tf.int32)
 
 
 def levelled(x: tf.Tensor, used: tf.Tensor, size: Size) -> tf.Tensor:
@@ -166,9 +168,9 @@ def levelled(x: tf.Tensor, used: tf.Tensor, size: Size) -> tf.Tensor:
 
     So a trace that is lifted as a whole looks as it did before. A base from 0 to LEAST_BASE stays.
     """
-    counted = tf.range(tf.shape(x)[1])[None] < used[:, None]
-    known = x >= size.lowest
-    measured = tf.logical_and(tf.range(tf.shape(x)[1])[None] < used[:, None] - size.mixed, known)
+    ordinal, known = tf.range(tf.shape(x)[1])[None], x >= size.lowest
+    counted = ordinal < used[:, None]
+    measured = tf.logical_and(ordinal < used[:, None] - size.mixed, known)
     lowest = tf.reduce_min(tf.where(measured, x, 1.0), 1, keepdims=True)
     far = tf.logical_or(lowest >= LEAST_BASE, lowest < 0.0)
     base = tf.where(tf.logical_and(tf.reduce_any(measured, 1, keepdims=True), far), lowest, 0.0)

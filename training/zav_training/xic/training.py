@@ -57,7 +57,7 @@ class Trainer:
         self, x: tf.Tensor, targets: tf.Tensor, weights: tf.Tensor, told: tf.Tensor
     ) -> tf.Tensor:
         with tf.GradientTape() as tape:
-            used = network.used_points(x, self.size.least)
+            used = network.used_points(x, self.size)
             x = network.levelled(x, used, self.size) if self._levelled else x
             logits = network.logits(self.variables, x, used, told, self.size)
             value = loss(logits, targets, weights, self.size.dice)
