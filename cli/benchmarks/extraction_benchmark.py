@@ -23,7 +23,6 @@ zav writes are computed again from OpenMS's traces. With --before another build 
 import argparse
 import base64
 import csv
-import os
 import pathlib
 import statistics
 import subprocess
@@ -33,6 +32,7 @@ import time
 import zlib
 
 import numpy
+from measured_run import Run
 
 SECONDS = 3600.0  # the run
 SIGMA = 6.0  # of an eluting peak, in seconds
@@ -77,22 +77,6 @@ ARRAY = """<binaryDataArray encodedLength="{length}">
 unitName="{unit_name}"/>
 <binary>{text}</binary></binaryDataArray>
 """
-
-
-class Run:
-    """One run of a command on one core: seconds of the processor and by the clock, MiB resident at most."""
-
-    def __init__(self, command, core, **streams):
-        start = time.monotonic()
-        process = subprocess.Popen(["taskset", "-c", str(core), *command], **streams)
-        _, status, usage = os.wait4(process.pid, 0)
-        process.returncode = os.waitstatus_to_exitcode(status)
-        if process.returncode != 0:
-            sys.exit(f"{command[0]} ended with {process.returncode}: nothing is measured")
-        self.wall = time.monotonic() - start
-        self.computed = usage.ru_utime + usage.ru_stime
-        self.memory = usage.ru_maxrss / 1024
-
 
 MZ = ("MS:1000514", "m/z array", "MS:1000040", "m/z")
 INTENSITY = ("MS:1000515", "intensity array", "MS:1000131", "number of detector counts")

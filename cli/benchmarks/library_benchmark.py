@@ -20,32 +20,18 @@ import pathlib
 import re
 import shutil
 import subprocess
-import sys
 import tempfile
-import time
+
+from measured_run import Run
 
 PEERS = pathlib.Path(__file__).resolve().parents[2] / "training" / "peers"
 
 
-class Run:
-    """One run of a command: seconds by the wall clock, seconds computed by all its threads, MiB resident at most."""
-
-    def __init__(self, command, **streams):
-        start = time.monotonic()
-        process = subprocess.Popen(command, **streams)
-        _, status, usage = os.wait4(process.pid, 0)
-        process.returncode = os.waitstatus_to_exitcode(status)
-        if process.returncode != 0:
-            sys.exit(f"{command[0]} ended with {process.returncode}: nothing is measured")
-        self.wall = time.monotonic() - start
-        self.computed = usage.ru_utime + usage.ru_stime
-        self.memory = usage.ru_maxrss / 1024
-
-    def report(self, name, precursors):
-        print(
-            f"{name:<28}{precursors:>9} precursors  {precursors / self.computed:>8.0f} / s of a core"
-            f"  {precursors / self.wall:>8.0f} / s by the clock  {self.memory:>6.0f} MiB"
-        )
+def print_rates(name, run, precursors):
+    print(
+        f"{name:<28}{precursors:>9} precursors  {precursors / run.computed:>8.0f} / s of a core"
+        f"  {precursors / run.wall:>8.0f} / s by the clock  {run.memory:>6.0f} MiB"
+    )
 
 
 def library(zav, source, folder, name, *more):
@@ -97,10 +83,10 @@ def race_spectra(zav, python, precursors, folder):
     table.write_text("peptide\tcharge\n" + rows, encoding="utf-8")
     with open(table, encoding="utf-8") as source, open(os.devnull, "w", encoding="utf-8") as nowhere:
         peer = Run([python, str(PEERS / "ms2pip_predict.py")], stdin=source, stdout=nowhere, stderr=nowhere)
-    peer.report("MS2PIP", len(precursors))
+    print_rates("MS2PIP", peer, len(precursors))
     peptides = peptide_list(precursors, folder)
     ours, _, written = library(zav, ["--peptides", str(peptides)], folder, "same.tsv", "--threads", "1")
-    ours.report("zav, the same peptides", written)
+    print_rates("zav, the same peptides", ours, written)
     return peer.computed, ours.computed
 
 
@@ -111,8 +97,8 @@ def race_times(zav, python, precursors, folder):
     with open(peptides, encoding="utf-8") as source, open(os.devnull, "w", encoding="utf-8") as nowhere:
         peer = Run([python, str(PEERS / "deeplc_predict.py")], stdin=source, stdout=nowhere, stderr=nowhere)
         ours = Run([zav, "retention", "--peptides", str(peptides)], stdout=nowhere, stderr=nowhere)
-    peer.report("DeepLC", count)
-    ours.report("zav retention, the same", count)
+    print_rates("DeepLC", peer, count)
+    print_rates("zav retention, the same", ours, count)
     return peer.computed, ours.computed
 
 
@@ -144,7 +130,7 @@ def main():
     settings = ["--shard", arguments.shard, "--threads", arguments.threads]
     with tempfile.TemporaryDirectory() as folder:
         run, path, precursors = library(arguments.zav, [arguments.proteins], folder, "library.tsv", *settings)
-        run.report(f"zav, shard {arguments.shard}", precursors)
+        print_rates(f"zav, shard {arguments.shard}", run, precursors)
         if shutil.which("perf"):
             again = [arguments.zav, "library", arguments.proteins, "-o", f"{folder}/again.tsv", *settings]
             print(f"at least {share_of_tensorflow(again, folder):.0f} % of the processor time in TensorFlow")
