@@ -18,11 +18,11 @@ With --group the traces of a precursor share their splits ('zav limits --help' t
 has its own lines, with the columns group, members (traces of the group) and shape (how alike the trace and the sum of
 all are, Pearson's r).
 
-A trace of more than 512 points is first read with neighbouring points averaged, then more closely where nothing is
-found; the pieces between splits are searched again. Times are always those of the trace's own points. Without --format
-the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV otherwise; JSON
-lists every trace, with or without splits. A file that cannot be read to its end ends the run, and the -o FILE does
-not appear.
+A trace of more than 512 points (or than --max-point-count) is first read with neighbouring points averaged, then more
+closely where nothing is found; the pieces between splits are searched again. Times are always those of the trace's own
+points. Without --format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV
+otherwise; JSON lists every trace, with or without splits. A file that cannot be read to its end ends the run, and the
+-o FILE does not appear.
 
 Exit code: 0 every trace was searched, 1 something failed (standard error says what and why), 2 wrong usage. A trace
 without a split, or too short to have one, is not a failure; standard error says which.

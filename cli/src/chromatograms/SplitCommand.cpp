@@ -12,8 +12,6 @@ namespace zav {
 
 namespace {
 
-constexpr int FEWEST_POINTS = 5; // of XicPeakSplitter
-
 /// How much of the tolerance a split of a finer view may use: from 0.8 on, with the default of 0.5.
 constexpr double SURER = 0.4;
 
@@ -42,10 +40,11 @@ private:
 Result<TraceFindings> SplitAnalysis::analyse(const QList<QPointF> &points)
 {
     TraceFindings findings;
-    if (points.size() < FEWEST_POINTS) {
+    if (points.size() < SplitSearch::FEWEST_POINTS) {
         findings.nothingFound =
-            points.isEmpty() ? QStringLiteral("no points")
-                             : QStringLiteral("fewer than %1 points, too few for the network").arg(FEWEST_POINTS);
+            points.isEmpty()
+                ? QStringLiteral("no points")
+                : QStringLiteral("fewer than %1 points, too few for the network").arg(SplitSearch::FEWEST_POINTS);
         return findings;
     }
     const SplitSearch search(m_coarsest, m_largest, m_leastSure, [this, &findings](const QList<QPointF> &view) {

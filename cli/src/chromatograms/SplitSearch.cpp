@@ -7,8 +7,7 @@ namespace zav {
 
 namespace {
 
-constexpr int FEWEST_POINTS = 5; // of XicPeakSplitter
-constexpr int MOST_SPLITS = 4;   // of XicPeakSplitter
+constexpr int MOST_SPLITS = 4; // of XicPeakSplitter
 
 /// Means of so many neighbouring intensities; the last may be one of fewer.
 QList<double> averaged(const QList<QPointF> &points, qsizetype neighbours)

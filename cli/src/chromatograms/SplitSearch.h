@@ -29,6 +29,9 @@ public:
     /// Pairs (x of a point, probability) for at most `largest` points.
     using Splitter = std::function<Result<QList<std::pair<double, double>>>(const QList<QPointF> &)>;
 
+    /// In fewer points XicPeakSplitter looks for no split.
+    static constexpr int FEWEST_POINTS = 5;
+
     /// Both numbers are above 4, `coarsest` is at most `largest`. `leastSure` is the probability from which on a split
     /// of a finer view counts.
     SplitSearch(int coarsest, int largest, double leastSure, Splitter splitter);
