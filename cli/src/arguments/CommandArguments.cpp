@@ -3,6 +3,8 @@
 
 #include "PrintableText.h"
 
+#include <CLI/CLI.hpp>
+
 #include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
 #include <QtCore/QSet>
@@ -31,6 +33,18 @@ bool isSameFile(const QString &a, const QString &b)
 } // namespace
 
 CommandArguments::~CommandArguments() = default;
+
+void NetworkArguments::addTo(CLI::App *command)
+{
+    command->add_option("--models", m_folder, "folder of the networks")->type_name("DIR");
+    command->add_flag("--trust-networks", m_isTrusted,
+                      "also load networks that are not those of their contracts, or that may do more than compute");
+}
+
+NetworkChoice NetworkArguments::choice() const
+{
+    return {text(m_folder), m_isTrusted};
+}
 
 std::string withDefault(const std::string &description, double value)
 {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "ModelFolder.h"
 
 #include <zav/Result.h>
 
@@ -36,6 +37,19 @@ public:
 
     /// What was asked for; `InvalidInput` with the message for the user where the arguments contradict the manual.
     virtual Result<CommandLine> options() const = 0;
+};
+
+/// Where the networks are and whether they are checked, as all commands that load them ask.
+class NetworkArguments
+{
+public:
+    void addTo(CLI::App *command);
+
+    NetworkChoice choice() const;
+
+private:
+    std::string m_folder;
+    bool m_isTrusted = false;
 };
 
 std::unique_ptr<CommandArguments> spectrumArguments();

@@ -24,7 +24,8 @@ public:
     Result<CommandLine> options() const override;
 
 private:
-    std::string m_folder, m_models;
+    std::string m_folder;
+    NetworkArguments m_networks;
     bool m_verbose = false;
 };
 
@@ -33,16 +34,19 @@ private:
 void InspectArguments::addTo(CLI::App *command)
 {
     command->add_option("DIR", m_folder, "folder of the networks; default: the installed ones")->type_name("");
-    command->add_option("--models", m_models, "the same as DIR")->type_name("DIR");
+    m_networks.addTo(command);
     command->add_flag("-v,--verbose", m_verbose, "also show where in the program each failure occurred");
     command->footer(EXAMPLES);
 }
 
 Result<CommandLine> InspectArguments::options() const
 {
-    if (!m_folder.empty() && !m_models.empty())
+    NetworkChoice networks = m_networks.choice();
+    if (!m_folder.empty() && !networks.folder.isEmpty())
         return wrongArgument(QStringLiteral("DIR and --models cannot be used together"));
-    return CommandLine(InspectOptions{text(m_folder.empty() ? m_models : m_folder), m_verbose});
+    if (!m_folder.empty())
+        networks.folder = text(m_folder);
+    return CommandLine(InspectOptions{networks, m_verbose});
 }
 
 std::unique_ptr<CommandArguments> inspectArguments()

@@ -93,8 +93,9 @@ private:
 
     CLI::App *m_merge = nullptr;
     LibraryOptions m_given; ///< the numbers and flags; texts are below until they are converted
-    std::string m_proteins, m_peptides, m_models, m_output, m_format, m_skipped, m_shard;
+    std::string m_proteins, m_peptides, m_output, m_format, m_skipped, m_shard;
     std::string m_enzyme, m_cleavagePattern, m_charges, m_decoys;
+    NetworkArguments m_networks;
     CLI::Option *m_cysteine = nullptr;
     double m_cysteineMass = 0.0;
     CLI::Option *m_energy = nullptr;
@@ -161,7 +162,7 @@ void LibraryArguments::addOutputTo(CLI::App *command)
     command->add_option("--shard", m_shard, "make the I-th of N parts of equal size")->type_name("I/N");
     command->add_flag("--resume", m_given.resume,
                       "do nothing if LIB is complete and made from the same input and settings");
-    command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
+    m_networks.addTo(command);
     command->add_flag("-v,--verbose", m_given.verbose, "also show where in the program each failure occurred");
 }
 
@@ -282,7 +283,7 @@ Result<CommandLine> LibraryArguments::options() const
 Result<CommandLine> LibraryArguments::libraryOptions() const
 {
     LibraryOptions options = m_given;
-    options.modelFolder = text(m_models);
+    options.networks = m_networks.choice();
     options.peaks.neutralLosses = !m_noLosses;
     options.retentionTimes = !m_noRetentionTimes;
     options.observedTimes = text(m_calibrate);

@@ -35,7 +35,8 @@ public:
     Result<CommandLine> options() const override;
 
 private:
-    std::string m_peptides, m_models, m_output, m_calibrate, m_plot;
+    std::string m_peptides, m_output, m_calibrate, m_plot;
+    NetworkArguments m_networks;
     bool m_verbose = false;
 };
 
@@ -44,7 +45,7 @@ private:
 void RetentionArguments::addTo(CLI::App *command)
 {
     command->add_option("--peptides", m_peptides, "a list of peptides; - is standard input")->type_name("LIST");
-    command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
+    m_networks.addTo(command);
     command->add_option("--calibrate", m_calibrate, "observed times of a run: also predict the times in that run")
         ->type_name("OBSERVED.tsv");
     command->add_option("--plot", m_plot, "draw the calibration: .svg, .png or .pdf")->type_name("FILE");
@@ -68,8 +69,8 @@ Result<CommandLine> RetentionArguments::options() const
     if (Error error = checkNotOverwritten({text(m_peptides), text(m_calibrate)}, {text(m_output), text(m_plot)});
         error.hasError())
         return error;
-    return CommandLine(
-        RetentionOptions{text(m_peptides), text(m_models), text(m_output), text(m_calibrate), text(m_plot), m_verbose});
+    return CommandLine(RetentionOptions{text(m_peptides), m_networks.choice(), text(m_output), text(m_calibrate),
+                                        text(m_plot), m_verbose});
 }
 
 std::unique_ptr<CommandArguments> retentionArguments()

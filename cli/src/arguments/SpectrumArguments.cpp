@@ -65,9 +65,9 @@ private:
     QString contradiction() const;
     QString convert(SpectrumOptions *options) const;
 
-    std::string m_peptide, m_charge, m_energy, m_peptides, m_models, m_format, m_output, m_plot, m_against, m_scan,
-        m_tolerance;
+    std::string m_peptide, m_charge, m_energy, m_peptides, m_format, m_output, m_plot, m_against, m_scan, m_tolerance;
     double m_cysteine = SpectrumOptions().cysteineMass;
+    NetworkArguments m_networks;
     bool m_noIsotopes = false, m_annotate = false, m_verbose = false;
 };
 
@@ -80,7 +80,7 @@ void SpectrumArguments::addTo(CLI::App *command)
     command->add_option("--energy", m_energy, "normalised collision energy, 10 to 60")->type_name("NCE");
     command->add_option("--peptides", m_peptides, "a list of peptides and charges; - is standard input")
         ->type_name("FILE.tsv");
-    command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
+    m_networks.addTo(command);
     command
         ->add_option("--cysteine", m_cysteine,
                      withDefault("added to every cysteine of a peptide without modifications, in Da", m_cysteine))
@@ -168,7 +168,7 @@ Result<CommandLine> SpectrumArguments::options() const
         return error;
     options.peptide = text(m_peptide);
     options.peptideList = text(m_peptides);
-    options.modelFolder = text(m_models);
+    options.networks = m_networks.choice();
     options.cysteineMass = m_cysteine;
     options.outputPath = text(m_output);
     options.isotopes = !m_noIsotopes;

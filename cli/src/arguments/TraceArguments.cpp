@@ -92,7 +92,7 @@ void TraceArguments::addGroupsTo(CLI::App *command, const char *found)
 
 void TraceArguments::addNetworkTo(CLI::App *command)
 {
-    command->add_option("--models", m_models, "folder of the networks")->type_name("DIR");
+    m_networks.addTo(command);
     command->add_option("--max-point-count", m_maxPointCount, "length of the network's input " + sizesText())
         ->type_name("N");
 }
@@ -127,7 +127,7 @@ void TraceArguments::addField(CLI::App *command, const char *name, int *field, c
 
 Error TraceArguments::convert(TraceOptions *options) const
 {
-    options->modelFolder = text(m_models);
+    options->networks = m_networks.choice();
     options->outputPath = text(m_output);
     options->verbose = m_verbose;
     options->threads = m_threads.value_or(usableCores());

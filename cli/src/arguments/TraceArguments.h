@@ -37,7 +37,8 @@ private:
     Error convertPictures(TraceOptions *options) const;
 
     std::vector<std::string> m_inputs;
-    std::string m_timeRange, m_targets, m_groupBy, m_models, m_format, m_output, m_plot, m_plotFormat;
+    NetworkArguments m_networks;
+    std::string m_timeRange, m_targets, m_groupBy, m_format, m_output, m_plot, m_plotFormat;
     std::optional<double> m_mz, m_ppm;
     std::optional<int> m_threads, m_maxPointCount;
     bool m_groups = false;

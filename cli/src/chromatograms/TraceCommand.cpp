@@ -3,6 +3,7 @@
 
 #include "ByteStream.h"
 #include "ConsensusTrace.h"
+#include "NetworkLoading.h"
 #include "OrderedPipeline.h"
 #include "PeakMeasures.h"
 #include "PrintableText.h"
@@ -82,9 +83,12 @@ Error TraceCommand::openTraces()
 /// while nothing else writes to the terminal can the runtime's messages be kept off it.
 Error TraceCommand::loadNetwork()
 {
-    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder, networkUse());
+    noteTrust(m_options.networks, &messages());
+    const Result<ModelFolder> folder = ModelFolder::find(m_options.networks, networkUse());
     if (folder.hasError())
         return folder.error();
+    if (Error error = folder.value().checkNetwork(networkUse()); error.hasError())
+        return error;
     for (int thread = 0; thread < m_options.threads; ++thread)
         m_analyses.push_back(makeAnalysis(folder.value().network(networkUse())));
     keepRuntimeInCallingThreads();

@@ -30,14 +30,14 @@ struct TraceOptions
     std::optional<ExtractionTarget> target; ///< extract this chromatogram instead of reading those that are stored
     QString targetList;                     ///< or those of this file; empty: none
     double targetPpm = 0;                   ///< for the rows of that file that name no tolerance
-    QString modelFolder;                    ///< empty: where the networks are installed
-    std::optional<int> maxPointCount;       ///< length of the network's input; unset: by the length of each trace
-    std::optional<TraceFormat> format;      ///< unset: a table on a terminal, else TSV
-    QString outputPath;                     ///< empty: standard output
-    QString picturePath;                    ///< a picture, or a folder for one of every trace; empty: none
-    QString pictureFolderFormat;            ///< of the pictures in a folder; empty: `picturePath` is a picture
-    bool groupsTraces = false;              ///< search the traces of a precursor together
-    QString groupPattern;                   ///< with that: of the part of an id that names the group; may be empty
+    NetworkChoice networks;
+    std::optional<int> maxPointCount;  ///< length of the network's input; unset: by the length of each trace
+    std::optional<TraceFormat> format; ///< unset: a table on a terminal, else TSV
+    QString outputPath;                ///< empty: standard output
+    QString picturePath;               ///< a picture, or a folder for one of every trace; empty: none
+    QString pictureFolderFormat;       ///< of the pictures in a folder; empty: `picturePath` is a picture
+    bool groupsTraces = false;         ///< search the traces of a precursor together
+    QString groupPattern;              ///< with that: of the part of an id that names the group; may be empty
     int threads = 1;
     bool verbose = false;
 

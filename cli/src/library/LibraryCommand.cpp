@@ -75,7 +75,8 @@ Error LibraryCommand::work()
 /// Finds out what the library is made from, before anything is made.
 Error LibraryCommand::identify()
 {
-    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder, NetworkUse::Peptidoforms);
+    noteTrust(m_options.networks, &messages());
+    const Result<ModelFolder> folder = ModelFolder::find(m_options.networks, NetworkUse::Peptidoforms);
     if (folder.hasError())
         return folder.error();
     m_folder = folder.value();
@@ -182,7 +183,7 @@ Result<FittedTimes> LibraryCommand::fit(const ObservedTimes &observed) const
     keepRuntimeInCallingThreads();
     const QuietStandardError quiet(!m_options.verbose);
     RetentionTimePredictor predictor;
-    if (Error error = loadRetentionTimes(*m_folder, &predictor); error.hasError())
+    if (Error error = loadNetwork(*m_folder, NetworkUse::RetentionTimes, &predictor); error.hasError())
         return error;
     return fitTimes(observed, m_options.observedTimes, &predictor);
 }

@@ -93,6 +93,8 @@ Result<Json> networkSettings(const LibraryOptions &options, const ModelFolder &f
         used.append({"retention_times", NetworkUse::RetentionTimes});
     Json networks = Json::object();
     for (const auto &[name, use] : used) {
+        if (Error error = folder.checkNetwork(use); error.hasError())
+            return error;
         const Result<QByteArray> digest = fileSha256(folder.network(use));
         if (digest.hasError())
             return digest.error();

@@ -5,6 +5,7 @@
 #include "Digestion.h"
 #include "LibraryFormat.h"
 #include "LibraryShard.h"
+#include "ModelFolder.h"
 #include "PeakFilter.h"
 #include "PeptidoformMaker.h"
 
@@ -21,7 +22,7 @@ struct LibraryOptions
 {
     QString proteins;    ///< path of a FASTA file, or empty and `peptideList` instead
     QString peptideList; ///< path
-    QString modelFolder; ///< empty: where the networks are installed
+    NetworkChoice networks;
     QString outputPath;  ///< "-" for standard output
     QString skippedPath; ///< empty: the skipped peptides are only counted
     LibraryFileKind kind = LibraryFileKind::Tsv;

@@ -79,8 +79,8 @@ int mostCharges(const QList<LibraryPrecursors> &precursors)
 
 Error LibraryPredictor::load(const ModelFolder &folder, bool withTimes)
 {
-    Error error = loadNetwork(folder.network(NetworkUse::Peptidoforms), &m_spectra);
-    return error.hasError() || !withTimes ? error : loadRetentionTimes(folder, &m_times);
+    Error error = loadNetwork(folder, NetworkUse::Peptidoforms, &m_spectra);
+    return error.hasError() || !withTimes ? error : loadNetwork(folder, NetworkUse::RetentionTimes, &m_times);
 }
 
 Error LibraryPredictor::predictSpectra(const QList<LibraryPrecursors> &precursors, double energy, const Visitor &visit)

@@ -2,15 +2,14 @@
 #pragma once
 
 #include "Command.h"
-
-#include <QtCore/QString>
+#include "ModelFolder.h"
 
 namespace zav {
 
 /// What `zav inspect` was asked for.
 struct InspectOptions
 {
-    QString modelFolder; ///< empty: where the networks are installed
+    NetworkChoice networks;
     bool verbose = false;
 
     bool drawsPictures() const { return false; }

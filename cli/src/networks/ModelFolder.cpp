@@ -2,6 +2,7 @@
 #include "ModelFolder.h"
 
 #include "ByteStream.h"
+#include "NetworkCheck.h"
 #include "PrintableText.h"
 
 #include <QtCore/QCoreApplication>
@@ -47,11 +48,11 @@ QString ModelFolder::pathFor(const QString &asked)
                : QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/" ZAV_MODELS_FROM_PROGRAM));
 }
 
-Result<ModelFolder> ModelFolder::find(const QString &asked, NetworkUse use)
+Result<ModelFolder> ModelFolder::find(const NetworkChoice &asked, NetworkUse use)
 {
-    ModelFolder folder(pathFor(asked));
+    ModelFolder folder(pathFor(asked.folder), asked.trusted);
     const QString shown = displayText(folder.path(), 300);
-    const QString hint = asked.isEmpty() ? QStringLiteral("; --models names another folder") : QString();
+    const QString hint = asked.folder.isEmpty() ? QStringLiteral("; --models names another folder") : QString();
     if (!QFileInfo(folder.path()).isDir())
         return Error(Failure, QStringLiteral("no folder of networks at %1%2").arg(shown, hint));
     if (!folder.holds(use))
@@ -83,9 +84,20 @@ Error ModelFolder::checkFragmentationNetwork(int charge) const
     if (!file.exists())
         return Error(Failure,
                      QStringLiteral("no network for charge %1 in %2").arg(charge).arg(displayText(m_path, 300)));
+    return checkFile(file.fileName());
+}
+
+Error ModelFolder::checkNetwork(NetworkUse use) const
+{
+    return checkFile(network(use));
+}
+
+Error ModelFolder::checkFile(const QString &path) const
+{
+    QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return cannotRead(displayText(file.fileName(), 300), file.errorString());
-    return {};
+        return cannotRead(displayText(path, 300), file.errorString());
+    return m_isTrusted ? Error() : zav::checkNetwork(path);
 }
 
 bool ModelFolder::holds(NetworkUse use) const

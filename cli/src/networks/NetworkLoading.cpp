@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NetworkLoading.h"
 
-#include "Messages.h"
-
 #include <QtCore/QFileInfo>
 
 namespace zav {
@@ -21,6 +19,12 @@ Error checkFiles(const ModelFolder &folder, const QList<int> &charges, int *fail
 }
 
 } // namespace
+
+void noteTrust(const NetworkChoice &asked, Messages *messages)
+{
+    if (asked.trusted)
+        messages->note(QStringLiteral("the networks are loaded unchecked"));
+}
 
 Error loadingError(const Error &error, const QString &path)
 {
@@ -50,17 +54,6 @@ Error loadFragmentationNetworks(const ModelFolder &folder, const QList<int> &cha
     const int reached = predictor->maxPredictionChargeState() + 1;
     *failed = charges.contains(reached) ? reached : charges.first();
     return loadingError(error, folder.fragmentationNetwork(*failed));
-}
-
-Error loadRetentionTimes(const ModelFolder &folder, RetentionTimePredictor *predictor)
-{
-    return loadRetentionTimes(folder.network(NetworkUse::RetentionTimes), predictor);
-}
-
-Error loadRetentionTimes(const QString &path, RetentionTimePredictor *predictor)
-{
-    const Error error = predictor->init(path);
-    return error.hasError() ? loadingError(error, path) : Error();
 }
 
 } // namespace zav

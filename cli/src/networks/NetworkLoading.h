@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "Messages.h"
 #include "ModelFolder.h"
 
 #include <zav/Error.h>
 #include <zav/MsMsFragmentationPredictomatic.h>
-#include <zav/RetentionTimePredictor.h>
 
 #include <QtCore/QList>
 #include <QtCore/QString>
 
 namespace zav {
+
+/// Says so when the networks are loaded unchecked.
+void noteTrust(const NetworkChoice &asked, Messages *messages);
 
 /// The failure to load a network, in the user's terms: `cannot load msms_charge2.pb: REASON`. Code and trail are those
 /// of `error`.
@@ -25,7 +28,7 @@ Error predictionError(const Error &error, int charge);
 Error loadFragmentationNetworks(const ModelFolder &folder, const QList<int> &charges,
                                 MsMsFragmentationPredictomatic *predictor, int *failedCharge = nullptr);
 
-/// Loads the network of a predictor that needs its path alone; the error names the file.
+/// Loads the network of a predictor that needs its path alone, unchecked; the error names the file.
 template <typename Predictor>
 Error loadNetwork(const QString &path, Predictor *predictor)
 {
@@ -33,12 +36,16 @@ Error loadNetwork(const QString &path, Predictor *predictor)
     return error.hasError() ? loadingError(error, path) : Error();
 }
 
-/// Loads the network for retention times of the folder, or of a file. The error names the file.
-Error loadRetentionTimes(const ModelFolder &folder, RetentionTimePredictor *predictor);
-Error loadRetentionTimes(const QString &path, RetentionTimePredictor *predictor);
+/// Likewise, the network of the folder for that use, once it has passed the folder's check.
+template <typename Predictor>
+Error loadNetwork(const ModelFolder &folder, NetworkUse use, Predictor *predictor)
+{
+    Error error = folder.checkNetwork(use);
+    return error.hasError() ? error : loadNetwork(folder.network(use), predictor);
+}
 
-/// Loads the network of a predictor for chromatograms. `Options` is the predictor's record of options; the error names
-/// the file.
+/// Loads the network of a predictor for chromatograms, unchecked. `Options` is the predictor's record of options; the
+/// error names the file.
 template <typename Predictor, typename Options>
 Error loadNetwork(const Options &options, Predictor *predictor)
 {

@@ -65,7 +65,7 @@ Error tryPeptidoforms(const QString &path)
 Error tryRetentionTimes(const QString &path)
 {
     RetentionTimePredictor predictor;
-    if (Error error = loadRetentionTimes(path, &predictor); error.hasError())
+    if (Error error = loadNetwork(path, &predictor); error.hasError())
         return error;
     // 0 and 100 on the iRT scale.
     const QList<Peptidoform> anchors{Peptidoform(QStringLiteral("GAGSSEPVTGLDAK")),

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RetentionCommand.h"
 
-#include "ModelFolder.h"
 #include "NetworkLoading.h"
 #include "PictureFile.h"
 #include "PrintableText.h"
@@ -52,11 +51,12 @@ Error RetentionCommand::openList()
 
 Error RetentionCommand::loadNetwork()
 {
-    const Result<ModelFolder> folder = ModelFolder::find(m_options.modelFolder, NetworkUse::RetentionTimes);
+    noteTrust(m_options.networks, &messages());
+    const Result<ModelFolder> folder = ModelFolder::find(m_options.networks, NetworkUse::RetentionTimes);
     if (folder.hasError())
         return folder.error();
     const QuietStandardError quiet(!m_options.verbose);
-    return loadRetentionTimes(folder.value(), &m_predictor);
+    return zav::loadNetwork(folder.value(), NetworkUse::RetentionTimes, &m_predictor);
 }
 
 Error RetentionCommand::calibrate()

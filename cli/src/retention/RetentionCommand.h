@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Command.h"
+#include "ModelFolder.h"
 #include "ObservedTimes.h"
 #include "RetentionTable.h"
 
@@ -18,8 +19,8 @@ namespace zav {
 /// What `zav retention` was asked for.
 struct RetentionOptions
 {
-    QString peptideList;  ///< path, "-" for standard input
-    QString modelFolder;  ///< empty: where the networks are installed
+    QString peptideList; ///< path, "-" for standard input
+    NetworkChoice networks;
     QString outputPath;   ///< empty: standard output
     QString observedPath; ///< observed times to calibrate with; empty: none
     QString picturePath;  ///< of the calibration; empty: none

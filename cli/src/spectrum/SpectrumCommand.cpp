@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumCommand.h"
 
+#include "NetworkLoading.h"
 #include "ObservedSpectrumFile.h"
 #include "PictureFile.h"
 #include "PrintableText.h"
@@ -97,10 +98,11 @@ Error SpectrumCommand::loadNetworks()
     }
     if (precursors.isEmpty())
         return {};
+    noteTrust(m_options.networks, &messages());
     m_predictor = std::make_unique<SpectrumPredictor>(
         m_options.cysteineMass, m_options.isotopes ? IsotopePeaks::Included : IsotopePeaks::LeftOut);
     const QuietStandardError quiet(!m_options.verbose);
-    return m_predictor->load(m_options.modelFolder, precursors);
+    return m_predictor->load(m_options.networks, precursors);
 }
 
 Error SpectrumCommand::predictAll()

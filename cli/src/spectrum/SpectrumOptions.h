@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "ModelFolder.h"
 #include "PeptideMasses.h"
 #include "SpectrumComparison.h"
 #include "SpectrumWriter.h"
@@ -17,9 +18,9 @@ struct SpectrumOptions
 {
     QString peptide; ///< with `charge`, or empty and `peptideList` instead
     int charge = 0;
-    double collisionEnergy = std::numeric_limits<double>::quiet_NaN();  ///< normalised; NaN: none was asked for
-    QString peptideList;                                                ///< path, "-" for standard input
-    QString modelFolder;                                                ///< empty: where the networks are installed
+    double collisionEnergy = std::numeric_limits<double>::quiet_NaN(); ///< normalised; NaN: none was asked for
+    QString peptideList;                                               ///< path, "-" for standard input
+    NetworkChoice networks;
     double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION; ///< Da, for peptides in one-letter code
     std::optional<OutputFormat> format;
     QString outputPath; ///< empty: standard output

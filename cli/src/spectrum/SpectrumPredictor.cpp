@@ -32,7 +32,7 @@ SpectrumPredictor::SpectrumPredictor(double cysteineMass, IsotopePeaks isotopes)
 
 SpectrumPredictor::~SpectrumPredictor() = default;
 
-Error SpectrumPredictor::load(const QString &asked, const QList<Precursor> &precursors)
+Error SpectrumPredictor::load(const NetworkChoice &asked, const QList<Precursor> &precursors)
 {
     QList<int> groups;
     for (const Precursor &precursor : precursors) {
@@ -51,7 +51,7 @@ Error SpectrumPredictor::load(const QString &asked, const QList<Precursor> &prec
 }
 
 /// Fails when the network of none of the charges, which ascend, could be loaded.
-Error SpectrumPredictor::loadCharges(const QString &asked, QList<int> charges)
+Error SpectrumPredictor::loadCharges(const NetworkChoice &asked, QList<int> charges)
 {
     const Result<ModelFolder> folder = ModelFolder::find(asked);
     if (folder.hasError()) {
@@ -73,11 +73,11 @@ Error SpectrumPredictor::loadCharges(const QString &asked, QList<int> charges)
     return m_unavailable.value(lowest);
 }
 
-Error SpectrumPredictor::loadPeptidoforms(const QString &asked)
+Error SpectrumPredictor::loadPeptidoforms(const NetworkChoice &asked)
 {
     const Result<ModelFolder> folder = ModelFolder::find(asked, NetworkUse::Peptidoforms);
-    Error error = folder.hasError() ? folder.error()
-                                    : loadNetwork(folder.value().network(NetworkUse::Peptidoforms), &m_peptidoforms);
+    Error error =
+        folder.hasError() ? folder.error() : loadNetwork(folder.value(), NetworkUse::Peptidoforms, &m_peptidoforms);
     if (error.hasError())
         m_unavailable.insert(PEPTIDOFORMS, error);
     return error;

@@ -31,10 +31,9 @@ public:
     SpectrumPredictor(const SpectrumPredictor &) = delete;
     SpectrumPredictor &operator=(const SpectrumPredictor &) = delete;
 
-    /// Loads the networks that the precursors need, one precursor at least. `asked` is the folder that the user named,
-    /// or empty. Fails when none of them could be loaded, with the reason of the lowest charge; otherwise the
-    /// precursors of the others fail in `predict`.
-    Error load(const QString &asked, const QList<Precursor> &precursors);
+    /// Loads the networks that the precursors need, one precursor at least. Fails when none of them could be loaded,
+    /// with the reason of the lowest charge; otherwise the precursors of the others fail in `predict`.
+    Error load(const NetworkChoice &asked, const QList<Precursor> &precursors);
 
     /// One outcome per precursor, in order. The precursors have passed `checkPrecursor`. Without isotopes the network
     /// of a charge runs once per block of peptides; with them once per precursor, whose spectrum then does not depend
@@ -45,8 +44,8 @@ public:
     QStringList takeRemarks();
 
 private:
-    Error loadCharges(const QString &asked, QList<int> charges);
-    Error loadPeptidoforms(const QString &asked);
+    Error loadCharges(const NetworkChoice &asked, QList<int> charges);
+    Error loadPeptidoforms(const NetworkChoice &asked);
     QList<Result<PredictedSpectrum>> predictGroup(int charge, const QList<Precursor> &precursors);
     QList<Result<PredictedSpectrum>> predictCharge(const QList<Precursor> &precursors);
     QList<Result<PredictedSpectrum>> predictPeptidoforms(const QList<Precursor> &precursors);

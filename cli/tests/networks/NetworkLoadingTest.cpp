@@ -16,17 +16,17 @@ class LoadedFolder : public testing::Test
 protected:
     void SetUp() override
     {
-        for (const char *name : {"msms_charge1.pb", "msms_charge2.pb"})
+        for (const char *name : {"msms_charge1.pb", "msms_charge1.json", "msms_charge2.pb", "msms_charge2.json"})
             ASSERT_TRUE(QFile::copy(QStringLiteral(ZAV_MODELS "/") + name, m_folder.filePath(name)));
         QFile broken(m_folder.filePath("msms_charge3.pb"));
         ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
         broken.write("no graph");
     }
 
-    Error load(const QList<int> &charges)
+    Error load(const QList<int> &charges, bool trusted = false)
     {
         m_failedCharge = 0;
-        return loadFragmentationNetworks(ModelFolder(m_folder.path()), charges, &m_predictor, &m_failedCharge);
+        return loadFragmentationNetworks(ModelFolder(m_folder.path(), trusted), charges, &m_predictor, &m_failedCharge);
     }
 
     QTemporaryDir m_folder;
@@ -50,14 +50,24 @@ TEST_F(LoadedFolder, MissingFileFailsItsCharge)
     EXPECT_EQ(m_failedCharge, 5);
 }
 
-TEST_F(LoadedFolder, BrokenFileIsNamedAndFailsItsCharge)
+TEST_F(LoadedFolder, BrokenFileThatIsTrustedIsNamedAndFailsItsCharge)
 {
     for (const QList<int> &charges : {QList<int>{3}, QList<int>{2, 3}}) {
-        const Error error = load(charges);
+        const Error error = load(charges, true);
         EXPECT_TRUE(error.message().startsWith("cannot load msms_charge3.pb: ")) << error.message().toStdString();
         EXPECT_FALSE(error.trail().isEmpty());
         EXPECT_EQ(m_failedCharge, 3);
     }
+}
+
+TEST_F(LoadedFolder, FileWithoutAContractIsNotLoadedUnlessItIsTrusted)
+{
+    ASSERT_TRUE(QFile::remove(m_folder.filePath("msms_charge2.json")));
+    const Error error = load({1, 2});
+    EXPECT_TRUE(error.message().startsWith("cannot load msms_charge2.pb: ")) << error.message().toStdString();
+    EXPECT_TRUE(error.message().contains("msms_charge2.json"));
+    EXPECT_EQ(m_failedCharge, 2);
+    EXPECT_FALSE(load({1, 2}, true).hasError());
 }
 
 TEST(NetworkLoading, FailureWithoutAMessageIsANetworkThatCannotBeUsed)

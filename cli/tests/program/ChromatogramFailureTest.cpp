@@ -131,7 +131,7 @@ TEST_P(ChromatogramFailure, BrokenNetworkIsSaidOnceAndInFullOnRequest)
     const QString network = GetParam() == std::string("limits") ? "xic_limits.pb" : "xic_split.pb";
     m_files.write("broken/" + network, "no graph");
     expectFailure({"traces.jsonl", "--models", "broken"}, {"cannot load " + network});
-    const ProgramRun verbose = run({"traces.jsonl", "--models", "broken", "--verbose"});
+    const ProgramRun verbose = run({"traces.jsonl", "--models", "broken", "--trust-networks", "--verbose"});
     EXPECT_NE(verbose.standardError.find("at ml/src/Model:"), std::string::npos) << verbose.standardError;
 }
 

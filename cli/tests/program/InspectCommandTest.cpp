@@ -71,19 +71,30 @@ TEST_F(InspectedCopy, ChangedGraphNoLongerHoldsItsHash)
     const ProgramRun run = inspect();
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.standardError, "zav: msms_charge2: the SHA-256 differs from the contract's\n");
+    EXPECT_TRUE(linesOf(run.standardOutput)[1].endsWith("  fails    not tried")) << run.standardOutput;
+}
+
+TEST_F(InspectedCopy, ChangedGraphThatIsTrustedIsTried)
+{
+    const QByteArray graph = readFile(m_folder.filePath("msms_charge2.pb"));
+    writeFile(m_folder.filePath("msms_charge2.pb"), graph + QByteArray("\x22\x00", 2));
+    const ProgramRun run = inspect({"--trust-networks"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.standardError, "zav: the networks are loaded unchecked\n"
+                                 "zav: msms_charge2: the SHA-256 differs from the contract's\n");
     EXPECT_TRUE(linesOf(run.standardOutput)[1].endsWith("  fails    runs")) << run.standardOutput;
 }
 
-TEST_F(InspectedCopy, BrokenGraphFailsBothChecksOnOneLineEach)
+TEST_F(InspectedCopy, BrokenGraphThatIsTrustedFailsBothChecksOnOneLineEach)
 {
     writeFile(m_folder.filePath("msms_charge2.pb"), "no graph");
-    const ProgramRun run = inspect();
+    const ProgramRun run = inspect({"--trust-networks"});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(linesOf(run.standardOutput)[1].endsWith("  fails    fails"));
-    ASSERT_EQ(linesOf(run.standardError).size(), 2) << run.standardError;
-    EXPECT_TRUE(linesOf(run.standardError)[1].startsWith("zav: msms_charge2: cannot load msms_charge2.pb: "));
+    ASSERT_EQ(linesOf(run.standardError).size(), 3) << run.standardError;
+    EXPECT_TRUE(linesOf(run.standardError)[2].startsWith("zav: msms_charge2: cannot load msms_charge2.pb: "));
     EXPECT_EQ(run.standardError.find("ml/src"), std::string::npos);
-    EXPECT_NE(inspect({"--verbose"}).standardError.find("at ml/src/Model:"), std::string::npos);
+    EXPECT_NE(inspect({"--trust-networks", "--verbose"}).standardError.find("at ml/src/Model:"), std::string::npos);
 }
 
 TEST_F(InspectedCopy, GraphWithoutAContractIsListed)
@@ -101,7 +112,7 @@ TEST_F(InspectedCopy, ContractWithoutAGraphIsListed)
     const ProgramRun run = inspect();
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_NE(run.standardError.find("msms_charge2.pb: No such file or directory"), std::string::npos);
-    EXPECT_TRUE(linesOf(run.standardOutput)[1].endsWith("  fails    fails")) << run.standardOutput;
+    EXPECT_TRUE(linesOf(run.standardOutput)[1].endsWith("  fails    not tried")) << run.standardOutput;
 }
 
 TEST_F(InspectedCopy, ContractThatIsNoJsonIsSaid)

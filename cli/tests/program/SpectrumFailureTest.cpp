@@ -91,7 +91,12 @@ TEST_F(DamagedModels, MissingNetworkOfPeptidoformsFailsWhatNeedsIt)
 TEST_F(DamagedModels, BrokenNetworkOfPeptidoformsIsNamed)
 {
     writeFile(m_folder.filePath("peptidoform_spectrum.pb"), "no graph");
-    expectFailure({"spectrum", "AM[Oxidation]K", "2", "--models", m_folder.path()}, 1,
+    const QStringList arguments{"spectrum", "AM[Oxidation]K", "2", "--models", m_folder.path()};
+    expectFailure(arguments, 1,
+                  "zav: cannot load peptidoform_spectrum.pb: the SHA-256 differs from the contract's "
+                  "(--trust-networks loads it all the same)\n");
+    expectFailure(arguments + QStringList{"--trust-networks"}, 1,
+                  "zav: the networks are loaded unchecked\n"
                   "zav: cannot load peptidoform_spectrum.pb: not a usable network\n");
 }
 
@@ -211,6 +216,8 @@ TEST_F(DamagedModels, NetworkOfAnotherChargeIsRefusedWithoutInternals)
 {
     ASSERT_TRUE(QFile::remove(network(2)));
     ASSERT_TRUE(QFile::copy(network(3), network(2)));
+    ASSERT_TRUE(QFile::remove(m_folder.filePath("msms_charge2.json")));
+    ASSERT_TRUE(QFile::copy(m_folder.filePath("msms_charge3.json"), m_folder.filePath("msms_charge2.json")));
     for (const QStringList &options : {QStringList(), {"--no-isotopes"}}) {
         const ProgramRun run = runZav(QStringList{"spectrum", "PEPTIDEK", "2", "--models", m_folder.path()} + options);
         EXPECT_EQ(run.exitCode, 1);
@@ -222,11 +229,12 @@ TEST_F(DamagedModels, NetworkOfAnotherChargeIsRefusedWithoutInternals)
 TEST_F(DamagedModels, VerboseShowsTheWholeTrail)
 {
     breakNetwork(2);
-    const ProgramRun plain = runZav({"spectrum", "PEPTIDEK", "2", "--models", m_folder.path()});
-    EXPECT_EQ(linesOf(plain.standardError).size(), 1) << plain.standardError;
+    const QStringList arguments{"spectrum", "PEPTIDEK", "2", "--models", m_folder.path(), "--trust-networks"};
+    const ProgramRun plain = runZav(arguments);
+    EXPECT_EQ(linesOf(plain.standardError).size(), 2) << plain.standardError;
     EXPECT_EQ(plain.standardError.find("ml/src"), std::string::npos);
 
-    const ProgramRun verbose = runZav({"spectrum", "PEPTIDEK", "2", "--models", m_folder.path(), "--verbose"});
+    const ProgramRun verbose = runZav(arguments + QStringList{"--verbose"});
     const size_t model = verbose.standardError.find("at ml/src/Model:");
     const size_t loading = verbose.standardError.find("at ml/src/MsMsFragmentationPredictomatic:");
     const size_t init = verbose.standardError.find("at ml/src/MsMsFragmentationPredictomatic:123 in ");
