@@ -108,10 +108,11 @@ struct ChromatogramRequest
 ///
 /// **TSV**: a heading with the columns `rt`, `intensity` and optionally `id`, in any order and among others, separated
 /// by tabs; empty lines and lines that begin with `#` are passed over. The rows of an id follow each other; an id that
-/// comes back later is an error of the file. Without `id` the file is one trace. No units.
+/// comes back later is an error of the file. Without `id` the file is one trace. No units. A
+/// trace of more than 16,777,216 points is broken.
 ///
 /// **JSON lines**: an object a line, `{"id": "a", "rt": [1, 2], "intensity": [5, 7], "rt_unit": "min"}`; `id` (text or
-/// number) and `rt_unit` ("min" or "s") may be missing.
+/// number) and `rt_unit` ("min" or "s") may be missing. A line may have 64 MiB.
 ///
 /// **With `readsGroups`** a TSV file may have a column `group`, the same in all rows of a trace, and a JSON object a
 /// `group` (text or number). Gzipped content and standard input are copied to a temporary file, inflated: `seek` needs

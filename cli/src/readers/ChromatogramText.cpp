@@ -18,7 +18,8 @@ namespace {
 using nlohmann::json;
 
 constexpr qsizetype MAX_ROW_BYTES = 1 << 20;
-constexpr qsizetype MAX_JSON_LINE_BYTES = 1 << 30; // a whole chromatogram
+constexpr qsizetype MAX_JSON_LINE_BYTES = 1 << 26; // a whole chromatogram: four million points
+constexpr qsizetype MOST_POINTS = 1 << 24;         // of a trace: the longest input that a network can have
 
 constexpr char TIME[] = "rt";
 constexpr char INTENSITY[] = "intensity";
@@ -127,6 +128,8 @@ Error ChromatogramTable::readRow(Chromatogram *out) const
         return error;
     if (Error error = m_heading.readNumber(m_lines, INTENSITY, &point.ry()); error.hasError())
         return error;
+    if (out->points.size() == MOST_POINTS)
+        return m_lines.errorHere(QStringLiteral("the trace has more than %1 points").arg(MOST_POINTS));
     out->points.append(point);
     if (m_readsGroups && m_heading.text(m_lines.line(), GROUP) != out->origin.group)
         return m_lines.errorHere(QStringLiteral("the row names another group than the first of its trace"));

@@ -230,6 +230,44 @@ TEST_F(MzMlChromatograms, DamagedOneSpoilsNoOther)
     EXPECT_NE(problem(QByteArray(whole).replace("MS:1000523", "MS:1000574")), ""); // no precision
 }
 
+TEST_F(MzMlChromatograms, ArrayThatInflatesFarBeyondItsSizeIsNotDecoded)
+{
+    const QList<double> zeros(3'000'000, 0.0); // 24 MB in 24 KB
+    EXPECT_EQ(withMiddle(chromatogramXml({"b", zeros, zeros, {true, false, {}}}))[1],
+              "a.mzML: chromatogram 'b': an array of it inflates to more than 64 times its size");
+    // Whatever it is said to be.
+    QByteArray hidden = chromatogramXml({"b", zeros, zeros, {true, false, {}}});
+    hidden.replace("MS:1000574", "MS:1000576");
+    EXPECT_EQ(withMiddle(hidden)[1],
+              "a.mzML: chromatogram 'b': an array of it inflates to more than 64 times its size");
+}
+
+TEST_F(MzMlChromatograms, CharacterReferencesMoveNoArray)
+{
+    QByteArray xml = chromatogramXml({"b", {1.5, 2, 2.25}, {10, 0, 2000}, {true, false, {}}});
+    xml.replace("<userParam", "&#55;<userParam").replace("<binaryDataArrayList", "&#x37;&#<binaryDataArrayList");
+    EXPECT_EQ(withMiddle(xml)[1], "b");
+    const QList<double> zeros(3'000'000, 0.0);
+    xml = chromatogramXml({"b", zeros, zeros, {true, false, {}}}).replace("<userParam", "&#55;<userParam");
+    EXPECT_EQ(withMiddle(xml)[1], "a.mzML: chromatogram 'b': an array of it inflates to more than 64 times its size");
+}
+
+TEST_F(MzMlChromatograms, GroupsOfParametersHaveAnEnd)
+{
+    const auto group = [](const char *id, int count) {
+        return QByteArray("<referenceableParamGroup id=\"") + id + "\">" +
+               QByteArray("<cvParam accession=\"MS:1000576\"/>").repeated(count) + "</referenceableParamGroup>";
+    };
+    const QByteArray error = "cannot read a.mzML: it has parameter groups without end";
+    EXPECT_EQ(read(mzMlDocument(threeTraces(), group("g", 400))).error, "");
+    EXPECT_EQ(read(mzMlDocument(threeTraces(), group("g", 600))).error, error.toStdString());
+    EXPECT_EQ(read(mzMlDocument(threeTraces(), group("g", 400) + group("g", 400))).error, error.toStdString());
+    QByteArray many;
+    for (int i = 0; i < 10'001; ++i)
+        many += group(QByteArray::number(i).constData(), 1);
+    EXPECT_EQ(read(mzMlDocument(threeTraces(), many)).error, error.toStdString());
+}
+
 TEST_F(MzMlChromatograms, ArraysOfUnequalLengthAreTold)
 {
     // Each array says its own length, which a chromatogram allows.

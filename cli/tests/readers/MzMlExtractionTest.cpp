@@ -213,6 +213,9 @@ TEST_F(MzMlExtraction, Ms1SpectrumThatCannotBeUsedIsAnErrorOfTheFile)
     EXPECT_EQ(error({"2", {1, nan}, {1, 2}}), "a.mzML: spectrum 'scan=2': its peaks are not all finite");
     EXPECT_EQ(error({"2", {1, 2}, {1}}),
               "a.mzML: spectrum 'scan=2': expected array of size 2, but decoded array is actually size 1");
+    SpectrumText bomb{"2", QList<double>(3'000'000, 500.0), QList<double>(3'000'000, 0.0)};
+    bomb.encoding = {true, false, {}};
+    EXPECT_EQ(error(bomb), "a.mzML: spectrum 'scan=2': an array of it inflates to more than 64 times its size");
     const QByteArray whole = run(SPECTRA);
     EXPECT_EQ(extract(whole.left(whole.indexOf("scan=4") + 300), {{"t", 500}}).error,
               "cannot read a.mzML: it ends within spectrum 'scan=4'");

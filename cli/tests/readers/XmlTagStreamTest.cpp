@@ -33,7 +33,9 @@ TEST(XmlEntities, AreReplacedAndOthersStay)
 {
     EXPECT_EQ(withoutXmlEntities("&lt;a&gt; &amp;amp; &quot;&apos;"), "<a> &amp; \"'");
     EXPECT_EQ(withoutXmlEntities("&#65;&#x1F600;"), QString("A") + QString::fromUcs4(U"\U0001F600", 1));
-    for (const char *plain : {"", "a & b", "&unknown;", "&#0;", "&#x110000;", "&#;", "&#x;", "a;b&"})
+    EXPECT_EQ(withoutXmlEntities("&#0000000065;"), "A");
+    EXPECT_EQ(withoutXmlEntities("&" + QString(40, u'0') + ";&amp;"), "&" + QString(40, u'0') + ";&");
+    for (const char *plain : {"", "a & b", "&unknown;", "&#0;", "&#x110000;", "&#;", "&#x;", "a;b&", "&", "&&&;;"})
         EXPECT_EQ(withoutXmlEntities(plain), plain);
 }
 

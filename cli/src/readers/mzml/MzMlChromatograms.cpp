@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MzMlChromatograms.h"
 
+#include "InflatedSize.h"
 #include "MzMlElements.h"
 #include "PrintableText.h"
 #include "ProteoWizard.h"
@@ -92,8 +93,9 @@ private:
         outcome.chromatogram.origin = element.origin;
         outcome.place = element.place;
         outcome.problem = caughtAs(subject, [&]() -> Error {
-            if (!element.problem.isEmpty())
-                return {Failure, subject + QStringLiteral(": ") + element.problem};
+            const QString why = element.problem.isEmpty() ? inflationProblem(element) : element.problem;
+            if (!why.isEmpty())
+                return {Failure, subject + QStringLiteral(": ") + why};
             std::istringstream text(std::move(element.text));
             pwiz::msdata::Chromatogram source;
             pwiz::msdata::IO::read(text, source, pwiz::msdata::IO::ReadBinaryData);

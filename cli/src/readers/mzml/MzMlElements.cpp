@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <string_view>
 #include <utility>
 
 namespace zav {
@@ -20,6 +21,8 @@ constexpr char PARAMETER[] = "cvParam";
 constexpr char USER_PARAMETER[] = "userParam";
 constexpr char PRECURSOR[] = "precursor";
 constexpr std::size_t MAX_DEPTH = 100; // mzML needs about ten
+constexpr std::size_t MAX_GROUPS = 10000;
+constexpr qsizetype MAX_GROUP_BYTES = 1 << 14; // which each reference to it repeats; real ones have 1,000
 
 // MS level, "MS1 spectrum" where no level is given, scan start time.
 bool isNeeded(QByteArrayView parameter)
@@ -61,10 +64,28 @@ void append(QByteArrayView bytes, std::string *out)
 // accessions that it decodes are never written so; ids are read here.
 void maskCharacterReferences(MzMlElement *element)
 {
-    std::string &text = element->text;
-    for (std::size_t at = text.find("&#"); at != std::string::npos; at = text.find("&#", at)) {
-        text.replace(at, 1, "&amp;");
-        element->arrays.clear(); // they have moved
+    constexpr std::string_view REFERENCE = "&#", MASK = "amp;";
+    std::vector<std::size_t> found;
+    for (std::size_t at = element->text.find(REFERENCE); at != std::string::npos;
+         at = element->text.find(REFERENCE, at + 1))
+        found.push_back(at);
+    if (found.empty())
+        return;
+    std::string masked;
+    std::size_t done = 0;
+    for (const std::size_t at : found) {
+        masked.append(element->text, done, at + 1 - done).append(MASK);
+        done = at + 1;
+    }
+    element->text = masked.append(element->text, done);
+    const auto move = [&](std::size_t *place) {
+        *place += MASK.size() *
+                  static_cast<std::size_t>(std::lower_bound(found.begin(), found.end(), *place) - found.begin());
+    };
+    for (MzMlArrayPlace &place : element->arrays) {
+        move(&place.array);
+        move(&place.begin);
+        move(&place.end);
     }
 }
 
@@ -145,10 +166,16 @@ Error MzMlElements::close(const QByteArray &tagName)
 Error MzMlElements::readGroup()
 {
     std::vector<QByteArray> &group = m_groups[m_tags.attribute("id")];
+    qsizetype size = 0;
+    for (const QByteArray &tag : group) // of one with the same id
+        size += tag.size();
     while (m_tags.next()) {
         if (m_tags.isEnd() && m_tags.tagName() == GROUP)
             return {};
         group.push_back(m_tags.tag().toByteArray());
+        size += m_tags.tag().size();
+        if (size > MAX_GROUP_BYTES || m_groups.size() > MAX_GROUPS)
+            return m_tags.failure(QStringLiteral("it has parameter groups without end"));
     }
     return endOfFile();
 }

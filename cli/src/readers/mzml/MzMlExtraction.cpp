@@ -2,6 +2,7 @@
 #include "MzMlChromatograms.h"
 
 #include "ExtractedTraces.h"
+#include "InflatedSize.h"
 #include "MzMlElements.h"
 #include "MzMlPeaks.h"
 #include "PrintableText.h"
@@ -128,6 +129,8 @@ private:
         pwiz::msdata::IO::read(tags, header, pwiz::msdata::IO::IgnoreBinaryData);
         if (!isMs1(header))
             return {};
+        if (QString problem = inflationProblem(element); !problem.isEmpty())
+            return problem;
         if (std::optional<MzMlPeaks> plain = plainPeaks(element, header.defaultArrayLength))
             return add(header, std::move(plain));
         std::istringstream text(element.text);

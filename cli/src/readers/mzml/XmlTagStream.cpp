@@ -3,6 +3,7 @@
 
 #include <QtCore/QChar>
 
+#include <algorithm>
 #include <utility>
 
 namespace zav {
@@ -12,8 +13,12 @@ namespace {
 // No tag is this long, but a binary file may seem to hold one.
 constexpr qsizetype MAX_MARKUP_BYTES = 1 << 20;
 
-// What is recorded may hold the arrays of one chromatogram or spectrum.
-constexpr std::size_t MAX_TEXT_BYTES = std::size_t{1} << 30;
+// What is recorded may hold the arrays of one chromatogram or spectrum: ten million points, a hundred times as many as
+// instruments store.
+constexpr std::size_t MAX_TEXT_BYTES = std::size_t{1} << 28;
+
+// `&#x10FFFF;` and some zeros in front of its digits.
+constexpr qsizetype LONGEST_ENTITY = 32;
 
 constexpr char BYTE_ORDER_MARKS_OF_UTF16[][3] = {"\xFE\xFF", "\xFF\xFE"};
 
@@ -123,11 +128,13 @@ QString withoutXmlEntities(const QString &text)
     qsizetype at = 0;
     for (;;) {
         const qsizetype ampersand = text.indexOf(QLatin1Char('&'), at);
-        const qsizetype semicolon = ampersand < 0 ? -1 : text.indexOf(QLatin1Char(';'), ampersand);
-        if (semicolon < 0)
+        if (ampersand < 0)
             return out + text.sliced(at);
-        const QString character = entityText(QStringView(text).sliced(ampersand + 1, semicolon - ampersand - 1));
-        const qsizetype taken = character.isEmpty() ? ampersand + 1 : semicolon + 1;
+        const QStringView entity =
+            QStringView(text).sliced(ampersand, std::min(LONGEST_ENTITY, text.size() - ampersand));
+        const qsizetype semicolon = entity.indexOf(QLatin1Char(';'));
+        const QString character = semicolon < 0 ? QString() : entityText(entity.sliced(1, semicolon - 1));
+        const qsizetype taken = ampersand + 1 + (character.isEmpty() ? 0 : semicolon);
         out += text.sliced(at, ampersand - at) + (character.isEmpty() ? QStringLiteral("&") : character);
         at = taken;
     }
