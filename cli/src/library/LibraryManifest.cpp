@@ -21,6 +21,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr qint64 MAX_MANIFEST_BYTES = 1 << 20; // real ones have 2,000
+
 /// The input's name without folder and endings: `human.fasta.gz` makes the library `human`.
 QString libraryName(const QString &inputPath)
 {
@@ -200,7 +202,7 @@ Result<LibraryManifest> LibraryManifest::readFor(const QString &libraryPath)
     if (!source.open(QIODevice::ReadOnly))
         return cannotRead(shown(path), source.errorString());
     try {
-        LibraryManifest manifest = fromJson(Json::parse(source.readAll().toStdString()));
+        LibraryManifest manifest = fromJson(Json::parse(source.read(MAX_MANIFEST_BYTES).toStdString()));
         const bool isInOrder = !LibraryShard::parse(manifest.shard.name()).hasError() && manifest.peptideCount >= 0 &&
                                manifest.file.precursors >= 0 && manifest.file.openingSize >= 0 &&
                                manifest.file.closingSize >= 0;

@@ -15,6 +15,8 @@ namespace {
 
 using Json = nlohmann::json;
 
+constexpr qint64 MAX_CONTRACT_BYTES = 1 << 20; // real ones have 2,000
+
 QString textField(const Json &object, const char *name)
 {
     const auto field = object.find(name);
@@ -75,7 +77,7 @@ Result<NetworkContract> readNetworkContract(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return cannotRead(shown, file.errorString());
-    const Json object = Json::parse(file.readAll().toStdString(), nullptr, false);
+    const Json object = Json::parse(file.read(MAX_CONTRACT_BYTES).toStdString(), nullptr, false);
     NetworkContract contract;
     if (object.is_object())
         contract.kind = textField(object, "kind");

@@ -112,7 +112,7 @@ struct ChromatogramRequest
 /// trace of more than 16,777,216 points is broken.
 ///
 /// **JSON lines**: an object a line, `{"id": "a", "rt": [1, 2], "intensity": [5, 7], "rt_unit": "min"}`; `id` (text or
-/// number) and `rt_unit` ("min" or "s") may be missing. A line may have 64 MiB.
+/// number) and `rt_unit` ("min" or "s") may be missing. A line may have 16 MiB.
 ///
 /// **With `readsGroups`** a TSV file may have a column `group`, the same in all rows of a trace, and a JSON object a
 /// `group` (text or number). Gzipped content and standard input are copied to a temporary file, inflated: `seek` needs

@@ -18,7 +18,7 @@ namespace {
 using nlohmann::json;
 
 constexpr qsizetype MAX_ROW_BYTES = 1 << 20;
-constexpr qsizetype MAX_JSON_LINE_BYTES = 1 << 26; // a whole chromatogram: four million points
+constexpr qsizetype MAX_JSON_LINE_BYTES = 1 << 24; // a whole chromatogram: a million points
 constexpr qsizetype MOST_POINTS = 1 << 24;         // of a trace: the longest input that a network can have
 
 constexpr char TIME[] = "rt";

@@ -64,6 +64,14 @@ TEST_F(CheckedNetwork, GraphOtherThanThatOfItsContractIsRefused)
     EXPECT_EQ(problem(), "cannot load n.pb: the SHA-256 differs from the contract's" + HINT);
 }
 
+TEST_F(CheckedNetwork, ContractWithoutEndIsNotReadToItsEnd)
+{
+    m_graph.noOp("init");
+    writeNetwork(m_graph);
+    write("n.json", QByteArray(2 << 20, ' ') + "{\"kind\": \"xic_split\"}");
+    EXPECT_EQ(problem(), "cannot load n.pb: " + path("n.json") + " is not the contract of a network" + HINT);
+}
+
 TEST_F(CheckedNetwork, ContractThatIsMissingOrSaysNothingIsRefused)
 {
     m_graph.noOp("init");
