@@ -5,6 +5,7 @@
 #include "PrintableText.h"
 #include "TableHeading.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QSet>
 
 namespace zav {
@@ -89,12 +90,12 @@ private:
     }
 
     // Targets of one m/z differ in their range of time, but not in this name.
-    QString freeIdOfMz() const
+    QString freeIdOfMz()
     {
         const QString mz = QString::fromUtf8(cell(MZ));
         QString id = mz;
-        for (int number = 2; m_ids.contains(id); ++number)
-            id = QStringLiteral("%1#%2").arg(mz, QString::number(number));
+        for (int &number = m_numbers[mz]; m_ids.contains(id); ++number)
+            id = QStringLiteral("%1#%2").arg(mz, QString::number(number + 2));
         return id;
     }
 
@@ -104,6 +105,7 @@ private:
     double m_defaultPpm;
     TableHeading m_heading;
     QSet<QString> m_ids;
+    QHash<QString, int> m_numbers; // how many ids of an m/z are known to be taken
 };
 
 } // namespace

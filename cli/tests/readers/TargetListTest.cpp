@@ -35,6 +35,23 @@ TEST_F(TargetLists, MissingColumnsAndCellsHaveTheirDefaults)
     EXPECT_EQ(targets.value()[2].id, "500.25#2");
 }
 
+TEST_F(TargetLists, TargetsOfOneMzAreNumberedPastIdsThatAreTaken)
+{
+    const auto targets = read("id\tmz\n\t500\n500#2\t600\n\t500\n\t500\n\t600\n");
+    ASSERT_FALSE(targets.hasError()) << targets.error().toString().toStdString();
+    QStringList ids;
+    for (const ExtractionTarget &target : targets.value())
+        ids.append(target.id);
+    EXPECT_EQ(ids, QStringList({"500", "500#2", "500#3", "500#4", "600"}));
+}
+
+TEST_F(TargetLists, MayHoldOneMzAHundredThousandTimes)
+{
+    const auto targets = read("mz\n" + QByteArray("500\n").repeated(100'000));
+    ASSERT_FALSE(targets.hasError()) << targets.error().toString().toStdString();
+    EXPECT_EQ(targets.value().last().id, "500#100000");
+}
+
 TEST_F(TargetLists, EveryColumnIsReadWhateverTheOrder)
 {
     const auto targets = read("# wanted\r\nrt_to\tid\tnote\tmz\tppm\trt_from\r\n12.5\tYIC\tx\t500.25\t5\t10\r\n"

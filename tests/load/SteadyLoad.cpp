@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// steady_load MODELS SHARE: calls the predictors millions of times (SHARE of the full numbers) and fits a line to the
+// resident memory over the calls, from a tenth of them on. Prints one row of a table for each kind of call. Fails where
+// the memory has grown by more than the line's own error explains, or where a descriptor or a thread is left.
+#include <zav/MsMsFragmentationPredictomatic.h>
+#include <zav/PeptidoformSpectrumPredictor.h>
+#include <zav/RetentionTimePredictor.h>
+#include <zav/XicBaselineLimitsDetector.h>
+#include <zav/XicPeakSplitter.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QList>
+#include <QtCore/QStringList>
+
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <random>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int SAMPLES = 100;      // of the memory, over all calls
+constexpr double WARM_UP = 0.1;   // of the calls
+constexpr double MOST_GROWTH = 4; // MiB over all calls
+constexpr int LIST_SIZE = 10'000; // peptides of a batch
+constexpr int POINTS = 512;       // of the networks' input; traces have up to as many
+
+using Random = std::mt19937_64;
+
+/// Calls number `first` to `end - 1`; false when one fails.
+using Calls = std::function<bool(qint64 first, qint64 end)>;
+
+struct Line
+{
+    double slope = 0, error = 0; ///< bytes a call
+};
+
+double residentBytes()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return 0;
+    return statm.readAll().split(' ').value(1).toDouble() * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+qsizetype entries(const char *folder)
+{
+    return QDir(QLatin1String(folder)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size();
+}
+
+/// Least squares, and the standard error of the slope.
+Line fitted(const QList<QPointF> &points)
+{
+    double x = 0, y = 0, xx = 0, xy = 0, rest = 0;
+    const auto count = static_cast<double>(points.size());
+    for (const QPointF &point : points) {
+        x += point.x() / count;
+        y += point.y() / count;
+    }
+    for (const QPointF &point : points) {
+        xx += (point.x() - x) * (point.x() - x);
+        xy += (point.x() - x) * (point.y() - y);
+    }
+    Line line;
+    line.slope = xy / xx;
+    for (const QPointF &point : points)
+        rest += std::pow(point.y() - y - line.slope * (point.x() - x), 2);
+    line.error = std::sqrt(rest / (count - 2) / xx);
+    return line;
+}
+
+bool runSteadily(const char *name, qint64 count, const Calls &calls)
+{
+    const auto start = std::chrono::steady_clock::now();
+    QList<QPointF> memory;
+    qsizetype descriptors = 0, threads = 0;
+    for (qint64 sample = 0; sample < SAMPLES; ++sample) {
+        const qint64 end = count * (sample + 1) / SAMPLES;
+        if (!calls(count * sample / SAMPLES, end)) {
+            std::printf("| %s | a call failed |\n", name);
+            return false;
+        }
+        if (static_cast<double>(sample) < WARM_UP * SAMPLES) {
+            descriptors = entries("/proc/self/fd");
+            threads = entries("/proc/self/task");
+        } else {
+            memory.append({static_cast<double>(end), residentBytes()});
+        }
+    }
+    const Line line = fitted(memory);
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const double growth = line.slope * static_cast<double>(count) / (1 << 20);
+    const qsizetype moreDescriptors = entries("/proc/self/fd") - descriptors;
+    const qsizetype moreThreads = entries("/proc/self/task") - threads;
+    std::printf("| %s | %lld | %.0f | %.0f | %+.3f ± %.3f | %+.2f | %+d | %+d |\n", name, static_cast<long long>(count),
+                seconds, memory.constLast().y() / (1 << 20), line.slope, line.error, growth, int(moreDescriptors),
+                int(moreThreads));
+    std::fflush(stdout);
+    return (growth < MOST_GROWTH || line.slope < 3 * line.error) && moreDescriptors <= 0 && moreThreads <= 0;
+}
+
+QString peptide(Random *random)
+{
+    constexpr char RESIDUES[] = "ACDEFGHIKLMNPQRSTVWY";
+    QString sequence;
+    for (quint64 left = 7 + (*random)() % 20; left > 0; --left)
+        sequence += QLatin1Char(RESIDUES[(*random)() % 20]);
+    return sequence;
+}
+
+/// Some peaks on noise.
+QList<QPointF> trace(Random *random)
+{
+    const auto uniform = [&] { return static_cast<double>((*random)() % 1'000'000) / 1e6; };
+    const int count = 16 + static_cast<int>((*random)() % (POINTS - 16));
+    QList<QPointF> points;
+    for (int i = 0; i < count; ++i)
+        points.append({0.5 * i, 10 * uniform()});
+    for (quint64 peaks = (*random)() % 4; peaks > 0; --peaks) {
+        const double apex = count * uniform(), sigma = 1 + 8 * uniform(), height = std::pow(10, 1 + 4 * uniform());
+        for (int i = 0; i < count; ++i)
+            points[i].ry() += height * std::exp(-0.5 * std::pow((i - apex) / sigma, 2));
+    }
+    return points;
+}
+
+zav::XicBaselineLimitsDetectorOptions limitsOptions(const QDir &models)
+{
+    zav::XicBaselineLimitsDetectorOptions options;
+    options.modelFilePath = models.filePath(QStringLiteral("xic_limits.pb"));
+    options.maxPointCount = POINTS;
+    return options;
+}
+
+zav::XicPeakSplitterOptions splitOptions(const QDir &models)
+{
+    zav::XicPeakSplitterOptions options;
+    options.modelFilePath = models.filePath(QStringLiteral("xic_split.pb"));
+    options.maxPointCount = POINTS;
+    return options;
+}
+
+bool load(const QDir &models, zav::MsMsFragmentationPredictomatic *predictor)
+{
+    const auto path = [&](int charge) { return models.filePath(QStringLiteral("msms_charge%1.pb").arg(charge)); };
+    return !predictor->init(path(1), path(2), path(3), path(4), path(5)).hasError();
+}
+
+/// Each call is one of `once`.
+Calls each(const std::function<bool()> &once)
+{
+    return [once](qint64 first, qint64 end) {
+        for (; first < end; ++first) {
+            if (!once())
+                return false;
+        }
+        return true;
+    };
+}
+
+bool runPredictions(const QDir &models, double share)
+{
+    zav::MsMsFragmentationPredictomatic predictor;
+    if (!load(models, &predictor))
+        return false;
+    Random random(1);
+    const bool areBatchesSteady =
+        runSteadily("fragments, batches of 10,000", qint64(1e7 * share), [&](qint64 first, qint64 end) {
+            for (; first < end; first += LIST_SIZE) {
+                QStringList list;
+                for (qint64 i = first; i < std::min(first + LIST_SIZE, end); ++i)
+                    list.append(peptide(&random));
+                QList<QList<zav::FragmentPeak>> spectra;
+                if (predictor.predictFragments(list, 2, &spectra).hasError())
+                    return false;
+            }
+            return true;
+        });
+    return runSteadily("spectra, one a call", qint64(1e6 * share), each([&] {
+                           QList<QPointF> spectrum;
+                           return !predictor.predictMsMsFragmentation(peptide(&random), 2, &spectrum).hasError();
+                       })) &&
+           areBatchesSteady;
+}
+
+bool runChromatograms(const QDir &models, double share)
+{
+    zav::XicBaselineLimitsDetector detector;
+    zav::XicPeakSplitter splitter;
+    if (detector.init(limitsOptions(models)).hasError() || splitter.init(splitOptions(models)).hasError())
+        return false;
+    Random random(2);
+    const bool areLimits =
+        runSteadily("limits by the network", qint64(1e6 * share),
+                    each([&] { return !detector.integrateXIC(trace(&random), -1.0, 0).hasError(); }));
+    const bool areWalks = runSteadily("limits by the walk", qint64(1e6 * share),
+                                      each([&] { return !detector.integrateXIC(trace(&random)).hasError(); }));
+    const bool areSplits =
+        runSteadily("splits", qint64(1e6 * share), each([&] { return !splitter.splitXIC(trace(&random)).hasError(); }));
+    return areLimits && areWalks && areSplits;
+}
+
+bool runLives(const QDir &models, double share)
+{
+    const auto count = qint64(1e4 * share);
+    bool isSteady = runSteadily("init of the five fragmentation networks", count, each([&] {
+                                    zav::MsMsFragmentationPredictomatic predictor;
+                                    return load(models, &predictor);
+                                }));
+    isSteady &= runSteadily("init of the limits detector", count, each([&] {
+                                zav::XicBaselineLimitsDetector detector;
+                                return !detector.init(limitsOptions(models)).hasError();
+                            }));
+    isSteady &= runSteadily("init of the splitter", count, each([&] {
+                                zav::XicPeakSplitter splitter;
+                                return !splitter.init(splitOptions(models)).hasError();
+                            }));
+    isSteady &=
+        runSteadily("init of the predictor of peptidoforms", count, each([&] {
+                        zav::PeptidoformSpectrumPredictor predictor;
+                        return !predictor.init(models.filePath(QStringLiteral("peptidoform_spectrum.pb"))).hasError();
+                    }));
+    isSteady &= runSteadily("init of the predictor of retention times", count, each([&] {
+                                zav::RetentionTimePredictor predictor;
+                                return !predictor.init(models.filePath(QStringLiteral("retention_time.pb"))).hasError();
+                            }));
+    return isSteady;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const double share = argc == 3 ? std::atof(argv[2]) : 0;
+    if (!(share >= 0.01 && share <= 1)) {
+        std::fputs("usage: steady_load MODELS SHARE    (0.01 to 1)\n", stderr);
+        return 2;
+    }
+    const QDir models(QFile::decodeName(argv[1]));
+    std::puts("| call | calls | s | MiB at the end | bytes a call | MiB over all calls | descriptors | threads |");
+    std::puts("| --- | --- | --- | --- | --- | --- | --- | --- |");
+    const bool arePredictions = runPredictions(models, share);
+    const bool areChromatograms = runChromatograms(models, share);
+    const bool areLives = runLives(models, share);
+    return arePredictions && areChromatograms && areLives ? 0 : 1;
+}
