@@ -11,6 +11,7 @@ whole input takes than its half: about 2 where the time grows with the bytes, le
 import argparse
 import base64
 import gzip
+import multiprocessing
 import os
 import pathlib
 import subprocess
@@ -191,6 +192,15 @@ def inputs() -> list[Input]:
     # fmt: on
 
 
+def write_apart(each: Input, path: pathlib.Path, share: float) -> None:
+    """In a process of its own: what this one holds would count as memory of the programs that it starts."""
+    writer = multiprocessing.get_context("fork").Process(target=each.write, args=(path, share))
+    writer.start()
+    writer.join()
+    if writer.exitcode != 0:
+        sys.exit(f"cannot write {path}")
+
+
 def measured(program: pathlib.Path, each: Input, path: pathlib.Path) -> Outcome:
     folder = path.parent
     command = [str(program), *each.command, *([] if path.name in each.command else [path.name])]
@@ -236,7 +246,7 @@ def main() -> int:
         path = options.folder / each.name
         outcomes = []
         for share in (0.5, 1.0):
-            each.write(path, share * options.share)
+            write_apart(each, path, share * options.share)
             outcomes.append(measured(program, each, path))
             if wrong := problem(each, outcomes[-1]):
                 problems.append(f"{each.what}: {wrong}")
