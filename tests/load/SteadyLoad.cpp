@@ -3,15 +3,11 @@
 // steady_load MODELS SHARE: calls the predictors millions of times (SHARE of the full numbers) and fits a line to the
 // resident memory over the calls, from a tenth of them on. Prints one row of a table for each kind of call. Fails where
 // the memory has grown by more than the line's own error explains, or where a descriptor or a thread is left.
-#include <zav/MsMsFragmentationPredictomatic.h>
+#include "Predictors.h"
+
 #include <zav/PeptidoformSpectrumPredictor.h>
 #include <zav/RetentionTimePredictor.h>
-#include <zav/XicBaselineLimitsDetector.h>
-#include <zav/XicPeakSplitter.h>
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QList>
 #include <QtCore/QStringList>
 
 #include <chrono>
@@ -19,7 +15,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <random>
 
 #include <unistd.h>
 
@@ -29,9 +24,13 @@ constexpr int SAMPLES = 100;      // of the memory, over all calls
 constexpr double WARM_UP = 0.1;   // of the calls
 constexpr double MOST_GROWTH = 4; // MiB over all calls
 constexpr int LIST_SIZE = 10'000; // peptides of a batch
-constexpr int POINTS = 512;       // of the networks' input; traces have up to as many
 
-using Random = std::mt19937_64;
+using zav::load::limitsOptions;
+using zav::load::load;
+using zav::load::peptide;
+using zav::load::Random;
+using zav::load::splitOptions;
+using zav::load::trace;
 
 /// Calls number `first` to `end - 1`; false when one fails.
 using Calls = std::function<bool(qint64 first, qint64 end)>;
@@ -103,53 +102,6 @@ bool runSteadily(const char *name, qint64 count, const Calls &calls)
                 int(moreThreads));
     std::fflush(stdout);
     return (growth < MOST_GROWTH || line.slope < 3 * line.error) && moreDescriptors <= 0 && moreThreads <= 0;
-}
-
-QString peptide(Random *random)
-{
-    constexpr char RESIDUES[] = "ACDEFGHIKLMNPQRSTVWY";
-    QString sequence;
-    for (quint64 left = 7 + (*random)() % 20; left > 0; --left)
-        sequence += QLatin1Char(RESIDUES[(*random)() % 20]);
-    return sequence;
-}
-
-/// Some peaks on noise.
-QList<QPointF> trace(Random *random)
-{
-    const auto uniform = [&] { return static_cast<double>((*random)() % 1'000'000) / 1e6; };
-    const int count = 16 + static_cast<int>((*random)() % (POINTS - 16));
-    QList<QPointF> points;
-    for (int i = 0; i < count; ++i)
-        points.append({0.5 * i, 10 * uniform()});
-    for (quint64 peaks = (*random)() % 4; peaks > 0; --peaks) {
-        const double apex = count * uniform(), sigma = 1 + 8 * uniform(), height = std::pow(10, 1 + 4 * uniform());
-        for (int i = 0; i < count; ++i)
-            points[i].ry() += height * std::exp(-0.5 * std::pow((i - apex) / sigma, 2));
-    }
-    return points;
-}
-
-zav::XicBaselineLimitsDetectorOptions limitsOptions(const QDir &models)
-{
-    zav::XicBaselineLimitsDetectorOptions options;
-    options.modelFilePath = models.filePath(QStringLiteral("xic_limits.pb"));
-    options.maxPointCount = POINTS;
-    return options;
-}
-
-zav::XicPeakSplitterOptions splitOptions(const QDir &models)
-{
-    zav::XicPeakSplitterOptions options;
-    options.modelFilePath = models.filePath(QStringLiteral("xic_split.pb"));
-    options.maxPointCount = POINTS;
-    return options;
-}
-
-bool load(const QDir &models, zav::MsMsFragmentationPredictomatic *predictor)
-{
-    const auto path = [&](int charge) { return models.filePath(QStringLiteral("msms_charge%1.pb").arg(charge)); };
-    return !predictor->init(path(1), path(2), path(3), path(4), path(5)).hasError();
 }
 
 /// Each call is one of `once`.
