@@ -4,8 +4,9 @@
     bounds.py ZAV FOLDER [--share 0.05]
 
 An input that takes more memory than its bound, an end by a signal, another exit code than the expected one, or a failure
-that is not said in short lines fails the run. Times are those computed by all threads; they are shown, not judged. The last column is how many times longer the
-whole input takes than its half: about 2 where the time grows with the bytes, less where starting up is most of it.
+that is not said in short lines fails the run. Times are those computed by all threads; they are shown, not judged. The
+last column is how many times longer the whole input takes than its half: about 2 where the time grows with the bytes,
+less where starting up is most of it.
 """
 
 import argparse
