@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "OutputFile.h"
 
+#include "DiskSync.h"
 #include "PrintableText.h"
 
 #include <QtCore/QFile>
@@ -8,6 +9,7 @@
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QSaveFile>
 
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 
@@ -22,12 +24,24 @@ Error cannotWrite(ErrorCode code, const QString &path, const QString &reason)
     return Error(code, QStringLiteral("cannot write %1: %2").arg(displayText(path, 300), reason));
 }
 
+/// Qt tells no reason where a file without a name cannot be given one; the system does.
+QString reasonOfCommit(const QSaveFile &file, int systemError)
+{
+    const bool isTold = file.error() != QFileDevice::UnspecifiedError;
+    return isTold || systemError == 0 ? file.errorString() : qt_error_string(systemError);
+}
+
 } // namespace
 
+// What cannot be looked at counts as a regular file: opening it then tells the reason.
 bool isRegularFile(const QString &path)
 {
-    const QFileInfo file(path);
-    return path != QLatin1String("-") && (!file.exists() || file.isFile());
+    using std::filesystem::file_type;
+    if (path == QLatin1String("-"))
+        return false;
+    std::error_code status;
+    const file_type type = std::filesystem::status(path.toStdU16String(), status).type();
+    return type == file_type::regular || type == file_type::not_found || type == file_type::none;
 }
 
 OutputFile::OutputFile(const QString &path) : m_path(path) {}
@@ -63,8 +77,16 @@ Error OutputFile::commit()
     if (Error error = flush(); error.hasError())
         return error;
     auto *save = dynamic_cast<QSaveFile *>(m_file.get());
-    const bool isDone = save ? save->commit() : m_file->flush();
-    return isDone ? Error() : failure("cannot finish writing");
+    if (save == nullptr)
+        return m_file->flush() ? Error() : failure("cannot finish writing");
+    // QSaveFile waits for the disk too, but goes on when that fails.
+    if (const QString reason = syncFile(save->handle()); !reason.isEmpty())
+        return cannotFinish(reason);
+    errno = 0;
+    if (!save->commit())
+        return cannotFinish(reasonOfCommit(*save, errno));
+    const QString reason = syncFolderOf(m_path);
+    return reason.isEmpty() ? Error() : cannotFinish(reason);
 }
 
 QString OutputFile::name() const
@@ -83,6 +105,11 @@ Error OutputFile::flush()
         done += written;
     }
     return {};
+}
+
+Error OutputFile::cannotFinish(const QString &reason) const
+{
+    return Error(Failure, QStringLiteral("cannot finish writing %1: %2").arg(name(), reason));
 }
 
 Error OutputFile::failure(const char *what) const
@@ -128,7 +155,8 @@ Error UnfinishedFile::commit()
     if (status)
         return cannotWrite(Failure, m_path, QString::fromStdString(status.message()));
     m_temporaryPath.clear();
-    return {};
+    const QString reason = syncFolderOf(m_path);
+    return reason.isEmpty() ? Error() : cannotWrite(Failure, m_path, reason);
 }
 
 } // namespace zav

@@ -31,7 +31,8 @@ public:
 
     Error write(const QByteArray &bytes);
 
-    /// Writes what is left and gives the file its name. Nothing may be written afterwards.
+    /// Writes what is left, waits until the disk holds it and gives the file its name. Nothing may be written
+    /// afterwards. When the folder cannot be written to the disk, that is a failure although the file has its name.
     Error commit();
 
     /// What messages call it.
@@ -39,6 +40,7 @@ public:
 
 private:
     Error flush();
+    Error cannotFinish(const QString &reason) const;
     Error failure(const char *what) const;
     bool isStandardOutput() const;
 
@@ -65,7 +67,7 @@ public:
     /// Where to write.
     QString temporaryPath() const { return m_temporaryPath; }
 
-    /// Gives the file its name. It has to be closed.
+    /// Gives the file its name. It has to be closed, and on the disk.
     Error commit();
 
 private:

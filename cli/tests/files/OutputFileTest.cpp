@@ -9,8 +9,33 @@
 #include <QtCore/QTemporaryDir>
 
 #ifdef Q_OS_UNIX
+#include <cerrno>
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
+
+#ifdef Q_OS_LINUX
+namespace {
+
+int goodSyncs = 0; // calls of fsync that still succeed
+int syncError = 0; // what the later ones fail with, once each; 0: they succeed too
+int syncCount = 0; // calls so far
+
+} // namespace
+
+// Stands in for the function of the system, which cannot be made to fail.
+extern "C" int fsync(int descriptor)
+{
+    ++syncCount;
+    if (syncError == 0 || goodSyncs-- > 0)
+        return static_cast<int>(syscall(SYS_fsync, descriptor));
+    errno = syncError;
+    if (syncError == EINTR)
+        syncError = 0;
+    return -1;
+}
 #endif
 
 namespace zav {
@@ -107,6 +132,77 @@ TEST_F(OutputFileTest, FileThatCannotGrowIsSaidAndLeavesTheOlderOne)
     std::signal(SIGXFSZ, handler);
     EXPECT_EQ(error.message().toStdString(), "cannot write " + path("a.tsv").toStdString() + ": File too large");
     EXPECT_EQ(contents(path("a.tsv")), "old");
+}
+#endif
+
+#ifdef Q_OS_LINUX
+/// Lets calls of fsync fail as long as it lives.
+class FailingSync
+{
+public:
+    FailingSync(int goodOnes, int error)
+    {
+        goodSyncs = goodOnes;
+        syncError = error;
+        syncCount = 0;
+    }
+    ~FailingSync() { syncError = 0; }
+    Q_DISABLE_COPY_MOVE(FailingSync)
+};
+
+TEST_F(OutputFileTest, FileThatTheDiskDoesNotTakeIsSaidAndLeavesTheOlderOne)
+{
+    put(path("a.tsv"), "old");
+    const FailingSync failing(0, EIO);
+    {
+        OutputFile output(path("a.tsv"));
+        ASSERT_FALSE(output.open().hasError());
+        ASSERT_FALSE(output.write("new").hasError());
+        EXPECT_EQ(output.commit().message().toStdString(),
+                  "cannot finish writing " + path("a.tsv").toStdString() + ": Input/output error");
+    }
+    EXPECT_EQ(contents(path("a.tsv")), "old");
+    EXPECT_EQ(files(), QStringList{"a.tsv"});
+}
+
+TEST_F(OutputFileTest, FolderThatTheDiskDoesNotTakeIsSaid)
+{
+    const FailingSync failing(1, ENOSPC);
+    OutputFile output(path("a.tsv"));
+    ASSERT_FALSE(output.open().hasError());
+    ASSERT_FALSE(output.write("new").hasError());
+    EXPECT_EQ(output.commit().message().toStdString(),
+              "cannot finish writing " + path("a.tsv").toStdString() + ": No space left on device");
+    EXPECT_EQ(contents(path("a.tsv")), "new");
+}
+
+TEST_F(OutputFileTest, FileAndFolderAreWaitedForAgainAfterASignal)
+{
+    for (int before = 0; before < 2; ++before) {
+        const FailingSync failing(before, EINTR);
+        OutputFile output(path("a.tsv"));
+        ASSERT_FALSE(output.open().hasError());
+        ASSERT_FALSE(output.commit().hasError());
+        EXPECT_EQ(syncCount, 3);
+    }
+}
+
+TEST_F(OutputFileTest, FileSystemThatCannotWaitIsNoFailure)
+{
+    const FailingSync failing(0, EINVAL);
+    OutputFile output(path("a.tsv"));
+    ASSERT_FALSE(output.open().hasError());
+    ASSERT_FALSE(output.commit().hasError());
+}
+
+TEST_F(OutputFileTest, FolderOfAnUnfinishedFileThatTheDiskDoesNotTakeIsSaid)
+{
+    UnfinishedFile file;
+    ASSERT_FALSE(file.create(path("a.db")).hasError());
+    const FailingSync failing(0, EIO);
+    EXPECT_EQ(file.commit().message().toStdString(),
+              "cannot write " + path("a.db").toStdString() + ": Input/output error");
+    EXPECT_EQ(files(), QStringList{"a.db"});
 }
 #endif
 
