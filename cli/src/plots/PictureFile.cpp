@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PictureFile.h"
 
+#include "OutputFile.h"
 #include "PlotStyle.h"
 
+#include <QtCore/QBuffer>
 #include <QtCore/QFileInfo>
 #include <QtCore/QMarginsF>
-#include <QtCore/QSaveFile>
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QImage>
 #include <QtGui/QPageSize>
@@ -90,6 +91,16 @@ bool hasFont()
     return QFontMetricsF(plotStyle::font(12)).inFont(QLatin1Char('y'));
 }
 
+Error writeBytes(const QByteArray &bytes, const QString &path)
+{
+    OutputFile file(path);
+    if (Error error = file.open(); error.hasError())
+        return error;
+    if (Error error = file.write(bytes); error.hasError())
+        return error;
+    return file.commit();
+}
+
 Error tagged(Error error, const char *function, int line)
 {
     return error.ecatch(function, SOURCE_FILE, line);
@@ -112,15 +123,13 @@ Error writePicture(const Picture &picture, const QString &path)
         return tagged(Error(Failure, QStringLiteral("a picture needs a font and this machine has none; install one, "
                                                     "for example the package fonts-dejavu-core")),
                       Q_FUNC_INFO, __LINE__);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return tagged(Error(Failure, path + QStringLiteral(": cannot be written: ") + file.errorString()), Q_FUNC_INFO,
-                      __LINE__);
-    if (!write(picture, &file) || !file.commit())
-        return tagged(
-            Error(Failure, path + QStringLiteral(": the picture could not be written: ") + file.errorString()),
-            Q_FUNC_INFO, __LINE__);
-    return {};
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    if (!write(picture, &bytes))
+        return tagged(Error(Failure, QStringLiteral("cannot write %1: the picture could not be drawn").arg(path)),
+                      Q_FUNC_INFO, __LINE__);
+    Error error = writeBytes(bytes.data(), path);
+    return error.hasError() ? tagged(error, Q_FUNC_INFO, __LINE__) : error;
 }
 
 } // namespace zav

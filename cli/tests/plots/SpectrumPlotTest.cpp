@@ -11,6 +11,11 @@
 #include <algorithm>
 #include <cmath>
 
+#ifdef Q_OS_UNIX
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
 namespace zav {
 namespace {
 
@@ -274,10 +279,30 @@ TEST_F(SpectrumPlot, OtherEndingsAndPlacesThatCannotBeWrittenAreErrors)
     for (const char *name : {"no/a.svg", "no/a.png", "no/a.pdf"}) {
         const Error error = drawSpectrum(peptidek(), files.path(name));
         EXPECT_TRUE(error.equals(Failure)) << name;
-        EXPECT_TRUE(error.message().startsWith(files.path(name) + ": cannot be written: "))
+        EXPECT_TRUE(error.message().startsWith("cannot write " + files.path(name) + ": "))
             << error.message().toStdString();
     }
 }
+
+#ifdef Q_OS_UNIX
+TEST_F(SpectrumPlot, PictureThatFindsNoRoomIsSaidAndLeavesTheOlderOne)
+{
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small{4096, before.rlim_max}; // less than any of them takes
+    for (const char *name : {"a.svg", "a.png", "a.pdf"}) {
+        files.write(name, "old");
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+        const Error error = drawSpectrum(peptidek(), files.path(name));
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+        EXPECT_EQ(error.message().toStdString(), "cannot write " + files.path(name).toStdString() + ": File too large");
+        EXPECT_EQ(files.read(name), "old");
+    }
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(QDir(files.path(QString())).entryList(QDir::Files).size(), 3);
+}
+#endif
 
 TEST_F(SpectrumPlot, ReplacesAnOlderPictureAndLeavesNothingElseBehind)
 {
