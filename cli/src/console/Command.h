@@ -35,7 +35,7 @@ public:
     Command &operator=(const Command &) = delete;
 
     /// Runs the command to its end, once. Needs the application object. The result is an `ExitCode`, or what a shell
-    /// expects of a program that was interrupted: 130 or 143.
+    /// expects of a program that was interrupted: 130, 143 or 129.
     int run();
 
 protected:

@@ -10,6 +10,12 @@ namespace {
 
 constexpr int FIRST_SIGNAL_EXIT_CODE = 128;
 
+#ifdef SIGHUP
+constexpr int SIGNALS[] = {SIGINT, SIGTERM, SIGHUP};
+#else
+constexpr int SIGNALS[] = {SIGINT, SIGTERM};
+#endif
+
 std::atomic<int> notedSignal = 0;
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler must not wait for a lock");
 
@@ -27,8 +33,8 @@ static void noteSignal(int signal)
 Interruption::Interruption()
 {
     notedSignal = 0;
-    for (const int signal : {SIGINT, SIGTERM}) {
-        // A background job of a shell ignores SIGINT; keep that.
+    for (const int signal : SIGNALS) {
+        // A background job of a shell ignores SIGINT, one started by nohup SIGHUP; keep that.
         if (std::signal(signal, noteSignal) == SIG_IGN)
             std::signal(signal, SIG_IGN);
     }
@@ -36,7 +42,7 @@ Interruption::Interruption()
 
 Interruption::~Interruption()
 {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : SIGNALS) {
         if (std::signal(signal, SIG_DFL) == SIG_IGN)
             std::signal(signal, SIG_IGN);
     }

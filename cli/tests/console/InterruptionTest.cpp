@@ -16,6 +16,9 @@ protected:
     {
         std::signal(SIGINT, SIG_DFL);
         std::signal(SIGTERM, SIG_DFL);
+#ifdef SIGHUP
+        std::signal(SIGHUP, SIG_DFL);
+#endif
     }
 };
 
@@ -42,6 +45,16 @@ TEST_F(Signals, NotesATerminationAndGivesTheExitCodeOfAShell)
     std::raise(SIGTERM);
     EXPECT_EQ(interruption.exitCode(), 143);
 }
+
+#ifdef SIGHUP
+TEST_F(Signals, NotesThatTheTerminalIsGoneAndGivesTheExitCodeOfAShell)
+{
+    const Interruption interruption;
+    std::raise(SIGHUP);
+    EXPECT_TRUE(interruption.isRequested());
+    EXPECT_EQ(interruption.exitCode(), 129);
+}
+#endif
 
 TEST_F(Signals, ForgetsTheSignalsOfTheObjectBefore)
 {
