@@ -17,10 +17,11 @@ namespace zav {
 
 namespace {
 
-/// Keeps the log of the libraries off standard error, where each failure has one line of the program's own.
+/// Keeps the log of the libraries and the warnings of Qt off standard error, where each failure has one line of the
+/// program's own.
 void quietenLibraries()
 {
-    QLoggingCategory::setFilterRules(QStringLiteral("zav.ml=false"));
+    QLoggingCategory::setFilterRules(QStringLiteral("zav.ml=false\ndefault.warning=false"));
     if (!qEnvironmentVariableIsSet("TF_CPP_MIN_LOG_LEVEL"))
         qputenv("TF_CPP_MIN_LOG_LEVEL", "3");
 }
