@@ -18,7 +18,12 @@ Error SqliteDatabase::open(const QString &path, bool isReadOnly)
 {
     const int flags = isReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     const int status = sqlite3_open_v2(path.toUtf8().constData(), &m_handle, flags, nullptr);
-    return status == SQLITE_OK ? Error() : failure();
+    if (status != SQLITE_OK)
+        return failure();
+    // Where it cannot open a file for writing, SQLite opens it for reading, and only the first change fails.
+    if (!isReadOnly && sqlite3_db_readonly(m_handle, "main") != 0)
+        return failure(QString::fromUtf8(sqlite3_errstr(SQLITE_CANTOPEN)));
+    return {};
 }
 
 Error SqliteDatabase::run(const char *sql)
@@ -36,9 +41,12 @@ Error SqliteDatabase::close()
 
 Error SqliteDatabase::failure() const
 {
-    return Error(Failure, QStringLiteral("%1 %2: %3")
-                              .arg(QString::fromUtf8(m_what), displayText(m_name, 300),
-                                   QString::fromUtf8(sqlite3_errmsg(m_handle))));
+    return failure(QString::fromUtf8(sqlite3_errmsg(m_handle)));
+}
+
+Error SqliteDatabase::failure(const QString &reason) const
+{
+    return Error(Failure, QStringLiteral("%1 %2: %3").arg(QString::fromUtf8(m_what), displayText(m_name, 300), reason));
 }
 
 SqliteStatement::~SqliteStatement()

@@ -34,6 +34,7 @@ public:
     Error close();
 
     Error failure() const;
+    Error failure(const QString &reason) const;
 
 private:
     friend class SqliteStatement;
