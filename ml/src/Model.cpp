@@ -13,7 +13,6 @@
 #include <iostream>
 #include <limits>
 #include <memory>
-#include <new>
 
 namespace zav {
 
@@ -36,8 +35,8 @@ FileBytes readToPosition(std::ifstream *file)
     const std::streamoff size = file->tellg();
     if (size < 0 || size > MAXIMUM_GRAPH_SIZE)
         return {};
-    std::unique_ptr<char[]> bytes(new (std::nothrow) char[static_cast<std::size_t>(size)]);
-    if (bytes == nullptr || !file->seekg(0) || !file->read(bytes.get(), size))
+    std::unique_ptr<char[]> bytes(new char[static_cast<std::size_t>(size)]); // not set to 0 first
+    if (!file->seekg(0) || !file->read(bytes.get(), size))
         return {};
     return {std::move(bytes), static_cast<std::size_t>(size)};
 }

@@ -5,6 +5,7 @@
 #include "FragmentBatch.h"
 #include "FragmentLadder.h"
 #include "MsMsFragmentationPredictomatic_p.h"
+#include "OutOfMemory.h"
 #include "PeptideVocabulary.h"
 #include "ReturnIfError.h"
 #include "SpectrumAssembler.h"
@@ -64,8 +65,9 @@ Error MsMsFragmentationPredictomatic::Private::init(const QString &modelPath1, Q
         ++charge;
         auto model = std::make_unique<Model>();
         ZAV_RETURN_IF_ERROR(model->init(path.toStdString(), {}), line);
-        delete models.take(charge);
-        models.insert(charge, model.release());
+        Model *&loaded = models[charge]; // may run out of memory, nothing after it does
+        delete loaded;
+        loaded = model.release();
     }
     return NoError;
 }
@@ -86,10 +88,12 @@ MsMsFragmentationPredictomatic::~MsMsFragmentationPredictomatic() = default;
 Error MsMsFragmentationPredictomatic::init(const QString &modelPath1, QString modelPath2, QString modelPath3,
                                            QString modelPath4, QString modelPath5)
 // NOLINTEND(performance-unnecessary-value-param)
-{
+try {
     ZAV_RETURN_IF_ERROR(d->init(modelPath1, modelPath2, modelPath3, modelPath4, modelPath5),
                         fragmentationTrail::NETWORKS);
     return NoError;
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 bool MsMsFragmentationPredictomatic::isInit() const
@@ -113,7 +117,7 @@ void MsMsFragmentationPredictomatic::setCysteineFixedMass(double mass)
 }
 
 Error MsMsFragmentationPredictomatic::predictMsMsFragmentation(const QString &peptide, int charge, QList<QPointF> *out)
-{
+try {
     if (peptide.size() > getMaximumPeptideLengthForCharge(charge))
         return NoError;
     ZAV_RETURN_IF_ERROR(out == nullptr ? missingOutError() : Error(), __LINE__);
@@ -137,11 +141,13 @@ Error MsMsFragmentationPredictomatic::predictMsMsFragmentation(const QString &pe
     ZAV_RETURN_IF_ERROR(spectrum, fragmentationTrail::SPECTRUM);
     *out = spectrum.value();
     return NoError;
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 Error MsMsFragmentationPredictomatic::predictFragments(const QStringList &peptides, int charge,
                                                        QList<QList<FragmentPeak>> *out, IsotopePeaks isotopes)
-{
+try {
     ZAV_RETURN_IF_ERROR(out == nullptr ? missingOutError() : Error(), __LINE__);
     const Result<Model *> model = d->model(charge);
     ZAV_RETURN_IF_ERROR(model, __LINE__);
@@ -152,6 +158,8 @@ Error MsMsFragmentationPredictomatic::predictFragments(const QStringList &peptid
         return std::move(outcome.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
     *out = batch.takeSpectra();
     return outcome;
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 /// The spectrum within its limits. The assembler makes it in one go; what it refuses, the single steps explain.

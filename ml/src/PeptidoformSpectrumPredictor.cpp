@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <zav/PeptidoformSpectrumPredictor.h>
 
+#include "OutOfMemory.h"
 #include "PeptidoformBatch.h"
 #include "PeptidoformRows.h"
 #include "PeptidoformSpectrumPredictor_p.h"
@@ -45,11 +46,13 @@ PeptidoformSpectrumPredictor::PeptidoformSpectrumPredictor() : d(std::make_uniqu
 PeptidoformSpectrumPredictor::~PeptidoformSpectrumPredictor() = default;
 
 Error PeptidoformSpectrumPredictor::init(const QString &networkPath)
-{
+try {
     auto model = std::make_unique<Model>();
     ZAV_RETURN_IF_ERROR(model->init(networkPath.toStdString(), {}), __LINE__);
     d->model = std::move(model);
     return NoError;
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 bool PeptidoformSpectrumPredictor::isInit() const
@@ -59,7 +62,7 @@ bool PeptidoformSpectrumPredictor::isInit() const
 
 Error PeptidoformSpectrumPredictor::predict(const QList<PeptidoformPrecursor> &precursors,
                                             QList<QList<FragmentPeak>> *out, IsotopePeaks isotopes)
-{
+try {
     ZAV_RETURN_IF_ERROR(out == nullptr ? Error(InvalidInput, QStringLiteral("There is no list for the prediction"))
                                        : Error(),
                         __LINE__);
@@ -72,6 +75,8 @@ Error PeptidoformSpectrumPredictor::predict(const QList<PeptidoformPrecursor> &p
         return std::move(outcome.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
     *out = batch.takeSpectra();
     return outcome;
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 } // namespace zav

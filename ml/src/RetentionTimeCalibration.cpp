@@ -2,6 +2,7 @@
 #include <zav/RetentionTimeCalibration.h>
 
 #include "ErrorUtils.h"
+#include "ListMemory.h"
 #include "RetentionTimeFit.h"
 #include "ReturnIfError.h"
 
@@ -124,7 +125,7 @@ Result<QList<double>> RetentionTimeCalibration::indicesOf(const QList<QList<doub
         ZAV_RETURN_IF_ERROR(headError(row.size(), d->fit.headCount()), __LINE__);
     QList<qsizetype> rows;
     const Eigen::MatrixXd predicted = matrixOf(heads, &rows);
-    QList<double> indices(heads.size(), std::numeric_limits<double>::quiet_NaN());
+    QList<double> indices = listOf(heads.size(), std::numeric_limits<double>::quiet_NaN());
     if (rows.isEmpty())
         return indices;
     const Eigen::VectorXd mixed = d->fit.indicesOf(predicted);

@@ -2,6 +2,8 @@
 #include <zav/RetentionTimePredictor.h>
 
 #include "ErrorUtils.h"
+#include "ListMemory.h"
+#include "OutOfMemory.h"
 #include "PeptidoformRows.h"
 #include "RetentionTimePredictor_p.h"
 #include "ReturnIfError.h"
@@ -123,10 +125,12 @@ RetentionTimePredictor::RetentionTimePredictor() : d(std::make_unique<Private>()
 RetentionTimePredictor::~RetentionTimePredictor() = default;
 
 Error RetentionTimePredictor::init(const QString &networkPath)
-{
+try {
     d = std::make_unique<Private>(); // a tensor bound again might keep the shape of the network before
     ZAV_RETURN_IF_ERROR(d->init(networkPath), __LINE__);
     return NoError;
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 bool RetentionTimePredictor::isInit() const
@@ -135,32 +139,38 @@ bool RetentionTimePredictor::isInit() const
 }
 
 Error RetentionTimePredictor::predict(const QList<Peptidoform> &peptidoforms, QList<double> *out)
-{
+try {
     ZAV_RETURN_IF_ERROR(ErrorUtils::equal(out != nullptr, true, missingOutError), __LINE__);
     Error outcome = d->predict(peptidoforms);
     if (outcome.hasError())
         return std::move(outcome.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
-    QList<double> times(peptidoforms.size(), NOT_PREDICTED);
+    QList<double> times = listOf(peptidoforms.size(), NOT_PREDICTED);
     for (qsizetype i = 0; d->headCount > 0 && i < times.size(); ++i)
         times[i] = d->heads[i * d->headCount];
     *out = std::move(times);
     return outcome;
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 Error RetentionTimePredictor::predictHeads(const QList<Peptidoform> &peptidoforms, QList<QList<double>> *out)
-{
+try {
     ZAV_RETURN_IF_ERROR(ErrorUtils::equal(out != nullptr, true, missingOutError), __LINE__);
     Error outcome = d->predict(peptidoforms);
     if (outcome.hasError())
         return std::move(outcome.ecatch(Q_FUNC_INFO, SOURCE_FILE, __LINE__));
-    QList<QList<double>> rows(peptidoforms.size());
+    QList<QList<double>> rows = listOf<QList<double>>(peptidoforms.size());
     for (qsizetype i = 0; d->headCount > 0 && i < rows.size(); ++i) {
         const auto row = d->heads.cbegin() + static_cast<std::ptrdiff_t>(i * d->headCount);
-        if (peptidoformRows::problemOf(peptidoforms.at(i)).isEmpty())
-            rows[i] = QList<double>(row, row + static_cast<std::ptrdiff_t>(d->headCount));
+        if (!peptidoformRows::problemOf(peptidoforms.at(i)).isEmpty())
+            continue;
+        rows[i] = listOf<double>(static_cast<qsizetype>(d->headCount));
+        std::copy_n(row, d->headCount, rows[i].begin());
     }
     *out = std::move(rows);
     return outcome;
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 } // namespace zav

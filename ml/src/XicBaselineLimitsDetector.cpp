@@ -4,6 +4,7 @@
 #include "ClusteringDBSCAN.h"
 #include "EigenUtilities.h"
 #include "ErrorUtils.h"
+#include "OutOfMemory.h"
 #include "ReturnIfError.h"
 #include "Tensor.h"
 #include "XicBaselineLimitsDetector_p.h"
@@ -193,10 +194,10 @@ Result<QList<Interval<double>>> XicBaselineLimitsDetector::Private::integrateXIC
 
     const Result<Eigen::VectorXf> input = buildInputVector(points, smoothingKernel);
     ZAV_RETURN_IF_ERROR(input, lines::WALK_INPUT_VECTOR);
-    const QList<LocalMaximum> maxima = findLocalMaxima(input.value(), MAXIMUM_SCALE);
+    QList<LocalMaximum> maxima = findLocalMaxima(input.value(), MAXIMUM_SCALE);
 
     QList<Interval<double>> intervals;
-    for (const Interval<int> &limits : walkAllPeakLimits(input.value(), maxima, options.limitThreshold)) {
+    for (const Interval<int> &limits : walkAllPeakLimits(input.value(), std::move(maxima), options.limitThreshold)) {
         // A thinned or smoothed vector can rise where the list has ended: such a walk describes no part of it.
         if (limits.start >= points.size() || limits.end < 0)
             continue;
@@ -251,19 +252,25 @@ XicBaselineLimitsDetector::XicBaselineLimitsDetector() : d(std::make_unique<Priv
 XicBaselineLimitsDetector::~XicBaselineLimitsDetector() = default;
 
 Error XicBaselineLimitsDetector::init(const XicBaselineLimitsDetectorOptions &options)
-{
+try {
     return d->init(options);
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 Result<QList<Interval<double>>> XicBaselineLimitsDetector::integrateXIC(const QList<QPointF> &points)
-{
+try {
     return d->integrateXIC(points);
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 Result<QList<Interval<double>>> XicBaselineLimitsDetector::integrateXIC(const QList<QPointF> &points,
                                                                         double retentionTimeHint, int retryDepth)
-{
+try {
     return d->integrateXIC(points, retentionTimeHint, retryDepth);
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 } // namespace zav

@@ -4,6 +4,7 @@
 #include "EigenUtilities.h"
 #include "ErrorUtils.h"
 #include "LcMl.h"
+#include "OutOfMemory.h"
 #include "ReturnIfError.h"
 #include "Tensor.h"
 #include "XicInputVector.h"
@@ -145,14 +146,18 @@ XicPeakSplitter::XicPeakSplitter() : d(std::make_unique<Private>()) {}
 XicPeakSplitter::~XicPeakSplitter() = default;
 
 Error XicPeakSplitter::init(const XicPeakSplitterOptions &options)
-{
+try {
     ZAV_RETURN_IF_ERROR(d->init(options), lines::PRIVATE_INIT);
     return Error();
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 Result<QList<std::pair<double, double>>> XicPeakSplitter::splitXIC(const QList<QPointF> &points)
-{
+try {
     return d->splitXIC(points);
+} catch (const std::bad_alloc &) {
+    return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
 } // namespace zav

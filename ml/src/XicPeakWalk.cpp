@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "XicPeakWalk.h"
 
+#include "ListMemory.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -270,6 +272,7 @@ Interval<int> walkPeakLimits(const Eigen::VectorXf &input, const LocalMaximum &m
 QList<Interval<int>> walkAllPeakLimits(const Eigen::VectorXf &input, QList<LocalMaximum> maxima, double threshold,
                                        int plainVisits)
 {
+    makeOwner(&maxima);
     QList<Interval<int>> intervals;
     Walker walker(input, plainVisits);
     UncoveredMaxima uncovered(&maxima);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "removeLowIntensePoints.h"
 
+#include "ListMemory.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numeric>
@@ -60,6 +62,7 @@ int removeLowIntensePoints(QList<QPointF> &points, int targetCount, bool keepEnd
         return 0;
 
     const std::vector<qsizetype> removed = firstToGo(points, excess, keepEnds);
+    makeOwner(&points);
     QPointF *point = points.data();
     auto nextRemoved = removed.begin();
     qsizetype kept = 0;

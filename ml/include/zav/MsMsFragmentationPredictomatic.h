@@ -26,6 +26,9 @@ namespace zav {
 /// m/z is in Da per elementary charge. Intensities are relative, in the network's own scale (for the shipped networks
 /// the base peak is 1).
 ///
+/// A call that runs out of memory returns `Failure` "Out of memory"; the object can be used as after any other failure
+/// of that call. TensorFlow itself ends the process when it gets no memory.
+///
 /// One thread at a time per object; separate objects are independent and may be used in parallel.
 class ZAV_ML_EXPORT MsMsFragmentationPredictomatic
 {

@@ -33,6 +33,9 @@ struct PeptidoformPrecursor
 ///
 /// m/z is in Da per elementary charge, from exact masses. Intensities are relative: the base peak is 1.
 ///
+/// A call that runs out of memory returns `Failure` "Out of memory"; the object can be used as after any other failure
+/// of that call. TensorFlow itself ends the process when it gets no memory.
+///
 /// One thread at a time per object; separate objects are independent and may be used in parallel.
 class ZAV_ML_EXPORT PeptidoformSpectrumPredictor
 {

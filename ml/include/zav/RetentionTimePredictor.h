@@ -28,6 +28,9 @@ namespace zav {
 /// Peptidoforms of 2 to 52 of the 20 standard residues are predicted. All cysteines of the training data carried a
 /// modification: a plain "ACDK" is predicted as the free cysteine that it is, which the network has not seen.
 ///
+/// A call that runs out of memory returns `Failure` "Out of memory"; the object can be used as after any other failure
+/// of that call. TensorFlow itself ends the process when it gets no memory.
+///
 /// One thread at a time per object; separate objects are independent and may be used in parallel.
 class ZAV_ML_EXPORT RetentionTimePredictor
 {

@@ -26,6 +26,9 @@ namespace zav {
 /// (n log n, about 50 ms for a million points). The limits are then read at the network's positions in the caller's
 /// list: choose `maxPointCount` to hold the XIC where the limits matter.
 ///
+/// A call that runs out of memory returns `Failure` "Out of memory"; the object can be used as after any other failure
+/// of that call. TensorFlow itself ends the process when it gets no memory.
+///
 /// One thread at a time per object; separate objects are independent and may be used in parallel.
 class ZAV_ML_EXPORT XicBaselineLimitsDetector
 {

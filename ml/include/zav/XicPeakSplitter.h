@@ -21,6 +21,9 @@ namespace zav {
 /// costs what `maxPointCount` asks, whatever the length of the XIC; a longer XIC is thinned to it first (n log n, about
 /// 50 ms for a million points). Infinite and NaN intensities are taken; +infinity hides the others.
 ///
+/// A call that runs out of memory returns `Failure` "Out of memory"; the object can be used as after any other failure
+/// of that call. TensorFlow itself ends the process when it gets no memory.
+///
 /// One thread at a time per object; separate objects are independent and may be used in parallel.
 class ZAV_ML_EXPORT XicPeakSplitter
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <zav/TheoreticalIsotopePoint2dListGenerator.h>
 
+#include "ListMemory.h"
 #include "kelphysicalConsts.h"
 
 #include <QtCore/QVarLengthArray>
@@ -129,7 +130,7 @@ TheoreticalIsotopePoint2dListGenerator::buildTheoreticalIsotopicDistributionPoin
     const double firstMz = mass / charge + kelphysicalConsts::PROTON_MASS;
     const double spacing = kelphysicalConsts::ISOTOPE_SPACING / charge;
 
-    QList<QPointF> points(abundances.size());
+    QList<QPointF> points = listOf<QPointF>(abundances.size());
     QPointF *point = points.data();
     for (int k = 0; k < abundances.size(); ++k)
         point[k] = QPointF(firstMz + k * spacing, abundances[k]);
