@@ -12,6 +12,7 @@
 #include <QtCore/QLoggingCategory>
 
 #include <cstdio>
+#include <new>
 
 namespace zav {
 
@@ -72,11 +73,11 @@ int run(const LibraryMergeOptions &options)
 template <typename Options>
 int runCommand(const Options &options, char **argv)
 {
+    if (!options.verbose)
+        quietenLibraries();
     // The application object would take some of the arguments for its own.
     int applicationArgc = 1;
     const auto application = createApplication(applicationArgc, argv, options.drawsPictures());
-    if (!options.verbose)
-        quietenLibraries();
     return run(options);
 }
 
@@ -89,9 +90,12 @@ int runCommand(const EarlyExit &exit, char ** /*argv*/)
 
 } // namespace zav
 
-// NOLINTNEXTLINE(bugprone-exception-escape): nothing could go on after std::bad_alloc
+// On the way here everything that was begun has been removed.
 int main(int argc, char **argv)
-{
+try {
     return std::visit([&](const auto &asked) { return zav::runCommand(asked, argv); },
                       zav::parseCommandLine(argc, argv));
+} catch (const std::bad_alloc &) {
+    std::fputs("zav: out of memory\n", stderr);
+    return zav::SomeFailed;
 }

@@ -124,8 +124,13 @@ bool OutputFile::isStandardOutput() const
 
 UnfinishedFile::~UnfinishedFile()
 {
-    if (!m_temporaryPath.isEmpty())
-        QFile::remove(m_temporaryPath);
+    if (m_temporaryPath.isEmpty())
+        return;
+#ifdef _WIN32
+    _wremove(reinterpret_cast<const wchar_t *>(m_temporaryPath.utf16()));
+#else
+    std::remove(m_encodedTemporaryPath.constData()); // takes no memory, of which there may be none
+#endif
 }
 
 // Exclusively, and with the permissions of any new file.
@@ -140,6 +145,7 @@ Error UnfinishedFile::create(const QString &path)
         const QString candidate = m_path + QStringLiteral(".%1").arg(number, 6, 16, QLatin1Char('0'));
         if (QFileInfo::exists(candidate))
             continue;
+        m_encodedTemporaryPath = QFile::encodeName(candidate);
         QFile file(candidate);
         if (!file.open(QIODevice::NewOnly))
             return cannotWrite(Failure, path, file.errorString());

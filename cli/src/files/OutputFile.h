@@ -73,6 +73,7 @@ public:
 private:
     QString m_path;
     QString m_temporaryPath; // empty: nothing to remove
+    QByteArray m_encodedTemporaryPath;
 };
 
 } // namespace zav

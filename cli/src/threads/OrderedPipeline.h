@@ -11,7 +11,9 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <new>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -36,7 +38,8 @@ struct PipelineLimits
 /// to `threads` - 1 (for what a worker keeps to itself, a predictor say), `sink` and `isInterrupted` only by the thread
 /// that called `run`. While a worker reads, the others work: no thread only reads.
 ///
-/// What fails within a piece belongs into its outcome; the pipeline does not look there. Nothing may throw.
+/// What fails within a piece belongs into its outcome; the pipeline does not look there. Nothing may throw but
+/// std::bad_alloc, which ends the run.
 template <typename Piece, typename Outcome>
 class OrderedPipeline
 {
@@ -58,16 +61,19 @@ public:
     /// An empty optional of `source` ends the stream. Its error does too: the pieces before it are worked on and
     /// consumed first, then that error is returned. An error of `sink` is returned as soon as the pieces being worked
     /// on are done; nothing more is read or consumed, and what came after it is dropped. An interrupt is the same, with
-    /// a `Failure` "interrupted". A `source` that waits for its input holds up the return in all three cases.
+    /// a `Failure` "interrupted", and when memory runs out, with a `Failure` "out of memory". A `source` that waits for
+    /// its input holds up the return in all these cases. Where the system gives fewer threads than wanted, those that
+    /// there are do the work; `Failure` when there is none.
     Error run(Source source, Work work, Sink sink)
     {
         m_source = std::move(source);
         m_work = std::move(work);
         std::vector<std::thread> workers;
         workers.reserve(static_cast<size_t>(m_threads));
-        for (int worker = 0; worker < m_threads; ++worker)
-            workers.emplace_back([this, worker] { workOn(worker); });
-        const Error error = consumeAll(sink);
+        Error error = start(&workers);
+        if (!error.hasError())
+            error = consumeAll(sink);
+        stopReading();
         for (std::thread &worker : workers)
             worker.join();
         return error.hasError() ? error : m_sourceError;
@@ -80,10 +86,33 @@ private:
         Piece piece;
     };
 
+    static Error outOfMemory() { return {Failure, QStringLiteral("out of memory")}; }
+
+    Error start(std::vector<std::thread> *workers)
+    {
+        try {
+            for (int worker = 0; worker < m_threads; ++worker)
+                workers->emplace_back([this, worker] { workOn(worker); });
+        } catch (const std::bad_alloc &) {
+            return outOfMemory();
+        } catch (const std::system_error &error) {
+            if (workers->empty())
+                return {Failure, QStringLiteral("cannot start a thread: %1").arg(QString::fromUtf8(error.what()))};
+        }
+        return {};
+    }
+
     void workOn(int worker)
     {
-        while (std::optional<Numbered> taken = take())
-            deliver(taken->number, m_work(worker, std::move(taken->piece)));
+        try {
+            while (std::optional<Numbered> taken = take())
+                deliver(taken->number, m_work(worker, std::move(taken->piece)));
+        } catch (const std::bad_alloc &) {
+            const std::lock_guard lock(m_mutex);
+            m_isOutOfMemory = true;
+            m_isAllTaken = true;
+            m_changed.notify_all();
+        }
     }
 
     /// The next piece of the stream, or nothing when there is none to be worked on any more.
@@ -121,23 +150,23 @@ private:
 
     Error consumeAll(const Sink &sink)
     {
-        Error error;
-        while (!error.hasError()) {
-            Result<std::optional<Outcome>> next = awaitNext();
-            if (next.hasError()) {
-                error = next.error();
-                break;
+        try {
+            for (;;) {
+                Result<std::optional<Outcome>> next = awaitNext();
+                if (next.hasError())
+                    return next.error();
+                std::optional<Outcome> outcome = std::move(next).value();
+                if (!outcome)
+                    return {};
+                if (Error error = sink(std::move(*outcome)); error.hasError())
+                    return error;
+                const std::lock_guard lock(m_mutex);
+                ++m_consumedCount;
+                m_changed.notify_all();
             }
-            std::optional<Outcome> outcome = std::move(next).value();
-            if (!outcome)
-                break;
-            error = sink(std::move(*outcome));
-            const std::lock_guard lock(m_mutex);
-            ++m_consumedCount;
-            m_changed.notify_all();
+        } catch (const std::bad_alloc &) {
+            return outOfMemory();
         }
-        stopReading();
-        return error;
     }
 
     /// The next outcome in order; an empty optional after the last.
@@ -145,12 +174,15 @@ private:
     {
         std::unique_lock lock(m_mutex);
         const auto isReady = [this] {
-            return slot(m_consumedCount).has_value() || (m_isAllTaken && m_consumedCount == m_takenCount);
+            return m_isOutOfMemory || slot(m_consumedCount).has_value() ||
+                   (m_isAllTaken && m_consumedCount == m_takenCount);
         };
         do {
             if (m_isInterrupted && m_isInterrupted())
                 return Error(Failure, QStringLiteral("interrupted"));
         } while (!m_changed.wait_for(lock, std::chrono::milliseconds(100), isReady));
+        if (m_isOutOfMemory)
+            return outOfMemory();
         return std::exchange(slot(m_consumedCount), std::nullopt);
     }
 
@@ -176,6 +208,7 @@ private:
     size_t m_takenCount = 0;
     size_t m_consumedCount = 0;
     bool m_isAllTaken = false;
+    bool m_isOutOfMemory = false;
     Error m_sourceError;
 };
 

@@ -51,6 +51,11 @@ void sleepMilliseconds(int time)
     std::this_thread::sleep_for(std::chrono::milliseconds(time));
 }
 
+int withoutMemory(int, int number)
+{
+    return number < 5 ? number : throw std::bad_alloc();
+}
+
 class OrderedPipelineThreads : public ::testing::TestWithParam<int>
 {};
 
@@ -167,6 +172,24 @@ TEST_P(OrderedPipelineThreads, SinkRunsInTheCallingThread)
     };
     EXPECT_FALSE(Pipeline({GetParam()}).run(counting(20), same, sink).hasError());
     EXPECT_EQ(sinks, std::set<std::thread::id>{std::this_thread::get_id()});
+}
+
+TEST_P(OrderedPipelineThreads, RunEndsWhereAWorkerGetsNoMemory)
+{
+    Numbers consumed;
+    const Error error = Pipeline({GetParam()}).run(counting(1000), withoutMemory, appendTo(&consumed));
+    EXPECT_EQ(error.message(), QStringLiteral("out of memory"));
+    EXPECT_LE(consumed.size(), 5U);
+}
+
+TEST_P(OrderedPipelineThreads, RunEndsWhereTheSourceOrTheSinkGetsNoMemory)
+{
+    const auto source = []() -> Result<std::optional<int>> { throw std::bad_alloc(); };
+    Numbers consumed;
+    EXPECT_EQ(Pipeline({GetParam()}).run(source, same, appendTo(&consumed)).message(), "out of memory");
+    EXPECT_TRUE(consumed.empty());
+    const auto sink = [](int) -> Error { throw std::bad_alloc(); };
+    EXPECT_EQ(Pipeline({GetParam()}).run(counting(1000), same, sink).message(), "out of memory");
 }
 
 INSTANTIATE_TEST_SUITE_P(OrderedPipeline, OrderedPipelineThreads, ::testing::Values(1, 2, 5));

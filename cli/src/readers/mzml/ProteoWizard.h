@@ -57,6 +57,8 @@ auto caughtAs(const QString &subject, const Step &step) -> decltype(step())
 {
     try {
         return step();
+    } catch (const std::bad_alloc &) {
+        throw; // nothing is wrong with the file
     } catch (const std::exception &exception) {
         return Error(Failure, subject + QStringLiteral(": ") + plainMessage(exception.what()));
     } catch (const char *what) { // as its numpress decoders do
