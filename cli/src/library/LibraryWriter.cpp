@@ -17,9 +17,12 @@ namespace {
 
 constexpr qint64 COPIED_AT_ONCE = 1 << 20;
 
+/// Without an error of its own the file has fewer bytes than when its digest was made.
 Error readFailure(const QFile &file)
 {
-    return cannotRead(displayText(file.fileName(), 300), file.errorString());
+    const QString reason =
+        file.error() == QFileDevice::NoError ? QStringLiteral("it has changed while it was read") : file.errorString();
+    return cannotRead(displayText(file.fileName(), 300), reason);
 }
 
 // Writes the text formats.
