@@ -2,7 +2,8 @@
 //
 // Runs a program and makes the n-th of its system calls on files of a folder fail.
 //
-//   fault_injector [--under FOLDER]... [--calls NAMES] [--nth N] [--every] [--do WHAT] [--log FILE] -- PROGRAM ARGUMENT...
+//   fault_injector [--under FOLDER]... [--calls NAMES] [--nth N] [--every] [--do WHAT] [--log FILE] -- PROGRAM
+//   ARGUMENT...
 //
 // --under FOLDER  counts calls on files with this beginning of their path only; may be repeated
 // --calls NAMES   those of these kinds, separated by commas: open, read, write, sync, rename, mmap, mkdir, close,
@@ -100,7 +101,7 @@ struct Named
 };
 
 constexpr std::array ERRORS = {
-    Named{"EIO", EIO},       Named{"ENOSPC", ENOSPC}, Named{"EINTR", EINTR}, Named{"EMFILE", EMFILE},
+    Named{"EIO", EIO},       Named{"ENOSPC", ENOSPC}, Named{"EINTR", EINTR},   Named{"EMFILE", EMFILE},
     Named{"EACCES", EACCES}, Named{"EROFS", EROFS},   Named{"EDQUOT", EDQUOT},
 };
 constexpr std::array SIGNALS = {Named{"KILL", SIGKILL}, Named{"TERM", SIGTERM}, Named{"INT", SIGINT},

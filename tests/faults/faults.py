@@ -7,7 +7,7 @@ import sys
 
 import workbench
 
-PARTS = ("calls",)
+PARTS = ("calls", "death")
 
 
 def main():

@@ -24,6 +24,8 @@ REASONS = (
     "Permission denied", "Read-only file system", "disk I/O error", "database or disk is full",
     "unable to open database file", "No such file or directory", "File too large", "is not a zav library manifest",
     "cannot make the folder", "File name too long", "database disk image is malformed",
+    "is not writable",
+    "it has changed while it was read",
 )
 
 
@@ -54,7 +56,6 @@ class Run:
 
 def clean_environment(case, folder):
     environment = dict(os.environ, TMPDIR=str(folder / "tmp"), QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8")
-    environment.pop("LD_LIBRARY_PATH", None)  # an empty part of it is the folder itself
     for name, value in case.in_folder.items():
         environment[name] = value.format(d=folder)
     return environment
