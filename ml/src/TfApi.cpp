@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TfApi.h"
 
+#include "RuntimeFile.h"
+
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
@@ -121,9 +123,18 @@ QString findRuntime()
     return name;
 }
 
+/// Why the runtime must not be opened; found out once, as its name is.
+const QString &runtimeProblem()
+{
+    static const QString problem = problemOfRuntimeFile(TfApi::runtimeFileName());
+    return problem;
+}
+
 /// Why a function is missing from a file: the loader's reason, or that the file lacks it.
 QString reasonFor(const QString &fileName)
 {
+    if (!runtimeProblem().isEmpty())
+        return runtimeProblem();
     QLibrary library(fileName);
     return library.load() ? QStringLiteral("the file has no such function") : library.errorString();
 }
@@ -146,6 +157,10 @@ bool isOptional(const char *name)
 
 void TfApi::load()
 {
+    if (!runtimeProblem().isEmpty()) {
+        *this = TfApi();
+        return;
+    }
 #define ZAV_TF_LOAD(name) name = resolve##name();
     ZAV_TF_FUNCTIONS(ZAV_TF_LOAD)
 #undef ZAV_TF_LOAD
