@@ -62,7 +62,8 @@ void PeptidoformSpectrumAssembler::add(const PlacedModification &placed, QChar r
     whole.mass += placed.modification.mass;
     if (placed.position == 0)
         return;
-    for (const NeutralLoss &loss : modifications::neutralLosses(placed.modification, residue))
+    const QList<NeutralLoss> losses = modifications::neutralLosses(placed.modification, residue);
+    for (const NeutralLoss &loss : losses)
         ++whole.lossSites[static_cast<std::size_t>(peptidoformIons::modificationLoss(loss.name))];
 }
 

@@ -4,10 +4,10 @@
 #include <zav/Peptidoform.h>
 
 #include <QtCore/QChar>
-#include <QtCore/QSet>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <set>
 #include <utility>
 
 namespace zav {
@@ -32,7 +32,7 @@ private:
 
     void lookAt(const QString &name, QChar site);
 
-    QSet<Place> m_known; // and those remarked upon
+    std::set<Place> m_known; // and those remarked upon; QSet ends the process when it gets no memory
     QStringList m_remarks;
 };
 
