@@ -12,6 +12,8 @@
 #include <QtCore/QLoggingCategory>
 
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <new>
 
 namespace zav {
@@ -86,6 +88,28 @@ int runCommand(const EarlyExit &exit, char ** /*argv*/)
     return finish(exit);
 }
 
+void tellOutOfMemory()
+{
+    std::fputs("zav: out of memory\n", stderr);
+}
+
+std::terminate_handler otherTermination = nullptr;
+
+/// Some libraries cannot pass std::bad_alloc on: they take memory in destructors, or in functions that must not throw.
+[[noreturn]] void endWithoutMemory()
+{
+    try {
+        if (const std::exception_ptr thrown = std::current_exception())
+            std::rethrow_exception(thrown);
+    } catch (const std::bad_alloc &) {
+        tellOutOfMemory();
+        std::_Exit(SomeFailed);
+    } catch (...) { // NOLINT(bugprone-empty-catch): not ours
+    }
+    otherTermination();
+    std::abort();
+}
+
 } // namespace
 
 } // namespace zav
@@ -93,9 +117,10 @@ int runCommand(const EarlyExit &exit, char ** /*argv*/)
 // On the way here everything that was begun has been removed.
 int main(int argc, char **argv)
 try {
+    zav::otherTermination = std::set_terminate(zav::endWithoutMemory);
     return std::visit([&](const auto &asked) { return zav::runCommand(asked, argv); },
                       zav::parseCommandLine(argc, argv));
 } catch (const std::bad_alloc &) {
-    std::fputs("zav: out of memory\n", stderr);
+    zav::tellOutOfMemory();
     return zav::SomeFailed;
 }

@@ -9,6 +9,7 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
+#include <new>
 
 namespace zav {
 
@@ -29,7 +30,9 @@ struct Sha256::Private
 
 Sha256::Sha256() : d(std::make_unique<Private>())
 {
-    EVP_DigestInit_ex(d->context, EVP_sha256(), nullptr);
+    // It fails for want of memory only.
+    if (d->context == nullptr || EVP_DigestInit_ex(d->context, EVP_sha256(), nullptr) != 1)
+        throw std::bad_alloc();
 }
 
 Sha256::~Sha256() = default;
