@@ -56,7 +56,7 @@ Owner ownerOf(const char *name)
     if (has("libstdc++") || has("libgcc_s"))
         return Owner::StandardLibrary;
     for (const char *system : {"/libc.so", "/ld-linux", "/libpthread", "/libdl", "linux-vdso", "/libfontconfig",
-                               "/libfreetype", "/libglib", "/libexpat", "failing_allocations"}) {
+                               "/libfreetype", "/libglib", "/libexpat", "/libcrypto", "failing_allocations"}) {
         if (has(system))
             return Owner::System;
     }

@@ -4,8 +4,8 @@
 /// Allocations that fail: malloc, calloc, realloc and operator new of the whole process, replaced.
 ///
 /// Only those count that our code asks for, itself or through Qt, the standard library or another library that it
-/// calls. Those of TensorFlow do not, since it ends the process when it gets no memory, nor those of the C library and
-/// the dynamic linker for themselves.
+/// calls. Those of TensorFlow do not, since it ends the process when it gets no memory, nor those of OpenSSL (3.0),
+/// which crashes where it gets none to set itself up, nor those of the C library and the dynamic linker for themselves.
 namespace failingAllocations {
 
 /// Which allocations fail, counted from 1 at this call: the `first`, and the later ones too. 0: none, they are only

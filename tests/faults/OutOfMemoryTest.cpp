@@ -315,7 +315,9 @@ TEST_F(OutOfMemory, PeptidoformSpectra)
         return textOf(spectra);
     };
     const QString path = network("peptidoform_spectrum");
-    FailingCall("init of peptidoforms", [&] { return predictor.init(path); }, check).run();
+    FailingCall(
+        "init of peptidoforms", [&] { return predictor.init(path); }, check)
+        .run();
     FailingCall("predict of peptidoforms", predict, check).run();
 }
 

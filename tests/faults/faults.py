@@ -7,7 +7,7 @@ import sys
 
 import workbench
 
-PARTS = ("calls", "death")
+PARTS = ("calls", "death", "memory", "surroundings")
 
 
 def main():
