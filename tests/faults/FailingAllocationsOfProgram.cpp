@@ -27,8 +27,18 @@ void tell()
     std::fclose(file);
 }
 
+/// Qt (6.4) crashes where it gets no memory for what it keeps of a thread, which this makes for the first one.
+void prepareQt()
+{
+    using CurrentThread = void *(*)();
+    const auto currentThread = reinterpret_cast<CurrentThread>(dlsym(RTLD_DEFAULT, "_ZN7QThread13currentThreadEv"));
+    if (currentThread != nullptr)
+        currentThread();
+}
+
 int armedMain(int argc, char **argv, char **environment)
 {
+    prepareQt();
     const char *number = std::getenv("ZAV_FAIL_ALLOCATION");
     failingAllocations::arm(number != nullptr ? std::atol(number) : 0, std::getenv("ZAV_FAIL_LATER_TOO") != nullptr,
                             false);

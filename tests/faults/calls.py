@@ -27,6 +27,8 @@ SHORT_ACTIONS = {
     "rename": ("EIO",),
     "mkdir": ("ENOSPC",),
 }
+# Kinds of calls at which a run with a network begins to differ from one without.
+OUTPUT_KINDS = ("write", "sync", "rename")
 
 
 def must_complete(kind, action):
@@ -83,6 +85,15 @@ def cases(is_short):
     yield workbench.library_case("tsv", "--low-memory", "library --low-memory")
 
 
+def is_left_out(case, kind, action, is_forever, is_short):
+    """EINTR for ever is no call that returns. A short run does little with a network, whose start takes its time."""
+    if action == "EINTR" and is_forever:
+        return True
+    if not is_short:
+        return False
+    return is_forever != (action == "short") or (case.name == "library blib" and kind not in OUTPUT_KINDS)
+
+
 def rows(is_short, jobs, only):
     for case in cases(is_short):
         if only and only not in case.name:
@@ -91,7 +102,7 @@ def rows(is_short, jobs, only):
         for kind, actions in (SHORT_ACTIONS if is_short else ACTIONS).items():
             for action in actions:
                 for is_forever in (False, True):
-                    if is_forever and (action == "EINTR" or (is_short and action != "short")):
+                    if is_left_out(case, kind, action, is_forever, is_short):
                         continue
                     row = failures(case, kind, action, is_forever, jobs)
                     if row.runs > 1:
