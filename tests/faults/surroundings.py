@@ -223,7 +223,7 @@ def broken_runtimes(base):
         if done.returncode != 0 and (base / "s.tsv").exists():
             faults.append("there is an output")
         (base / "s.tsv").unlink(missing_ok=True)
-        yield what, faults
+        yield (what, faults) if done.returncode else (what, faults, True)
 
 
 def home_that_cannot_be_written(base):
@@ -237,7 +237,7 @@ def home_that_cannot_be_written(base):
                 done = zav(arguments, base, HOME=value, XDG_CACHE_HOME=value + "/.cache", XDG_CONFIG_HOME=value)
                 usual = [line for line in done.stderr.decode().splitlines() if not line.startswith("zav: ")]
                 yield f"{name}, HOME={'read-only' if value == str(home) else 'none'}", (
-                    [f"exit code {done.returncode}"] if done.returncode else []) + [f"it says {line}" for line in usual]
+                    [f"exit code {done.returncode}"] if done.returncode else []) + [f"it says {line}" for line in usual], True
 
 
 SITUATIONS = (full_disk, device_that_is_full, read_only_folder, long_names, folder_that_goes, pipe_that_nobody_reads,
@@ -251,9 +251,9 @@ def rows(is_short, jobs, only):
         if only not in row.command:
             continue
         with tempfile.TemporaryDirectory(prefix="zav-faults-") as base:
-            for what, faults in situation(pathlib.Path(base)):
+            for what, faults, *completed in situation(pathlib.Path(base)):
                 if faults is None:
                     row.call = what
                 else:
-                    row.add(0 if faults else 1, faults, what)
+                    row.add(0 if completed else 1, faults, what)
         yield row
