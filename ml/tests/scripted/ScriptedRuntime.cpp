@@ -95,12 +95,14 @@ std::string bytesOf(const TF_Tensor &tensor)
     return std::string(static_cast<const char *>(tensor.data), tensor.byteCount);
 }
 
-/// The result of every output: the float 42 of shape [1].
 TF_Tensor *newResult()
 {
-    auto *value = static_cast<float *>(::operator new(sizeof(float)));
-    *value = 42.0F;
-    return created("tensor", new TF_Tensor{TF_FLOAT, {1}, value, sizeof(float), freeBytes, nullptr});
+    const std::vector<float> &values = runtime.results;
+    const std::size_t byteCount = values.size() * sizeof(float);
+    void *bytes = ::operator new(byteCount);
+    std::copy(values.begin(), values.end(), static_cast<float *>(bytes));
+    const std::vector<std::int64_t> shape{static_cast<std::int64_t>(values.size())};
+    return created("tensor", new TF_Tensor{TF_FLOAT, shape, bytes, byteCount, freeBytes, nullptr});
 }
 
 std::string runCall(const TF_Output *inputs, int inputCount, int outputCount, const TF_Operation *const *targets,

@@ -32,6 +32,7 @@ struct ScriptedRuntime
     bool refusesNewTensor = false; ///< TF_NewTensor calls the deallocator and returns null, as TensorFlow does
     bool refusesAllocation = false;
     bool hidesTensorData = false;
+    std::vector<float> results{42.0F}; ///< the values of every output, in one dimension
 
     // What it was asked.
     std::vector<std::string> calls;       ///< functions in order, with the arguments that matter in parentheses
