@@ -23,6 +23,7 @@ void tryInput(const QByteArray &input)
     static_cast<void>(manifest.kind());
     static_cast<void>(manifest.info());
     require(differenceOfOrigin(manifest, manifest).isEmpty(), "a library has the origin that it has");
+    require(manifest.settings.size() <= 100 * input.size() + 100, "settings are as large as their file");
     require(!manifest.writeFor(pathOf("written.tsv")).hasError(), "what was read can be written");
     const Result<LibraryManifest> again = LibraryManifest::readFor(pathOf("written.tsv"));
     require(!again.hasError() && again.value() == manifest, "a written manifest reads the same");

@@ -12,7 +12,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace zav {
@@ -22,6 +24,12 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr qint64 MAX_MANIFEST_BYTES = 1 << 20; // real ones have 2,000
+
+// Far more than anyone needs, and few enough for sums and products of them to fit 64 bits.
+constexpr qint64 HIGHEST_COUNT = qint64{1} << 42;
+
+// Of the JSON; the parser takes any depth, but what writes it calls itself for each level.
+constexpr int DEEPEST = 100;
 
 /// The input's name without folder and endings: `human.fasta.gz` makes the library `human`.
 QString libraryName(const QString &inputPath)
@@ -120,7 +128,9 @@ Result<Json> timeSettings(const LibraryOptions &options)
 
 QString textIn(const QByteArray &settings, const char *name)
 {
-    return QString::fromStdString(Json::parse(settings.toStdString()).value(name, std::string()));
+    const Json json = Json::parse(settings.toStdString());
+    const auto field = json.find(name);
+    return field != json.end() && field->is_string() ? QString::fromStdString(field->get<std::string>()) : QString();
 }
 
 Json toJson(const LibraryManifest &manifest)
@@ -140,17 +150,55 @@ Json toJson(const LibraryManifest &manifest)
     return json;
 }
 
+/// Throws the parser's exceptions.
+Json parsed(const QByteArray &text, bool *isTooDeep)
+{
+    return Json::parse(text.begin(), text.end(), [isTooDeep](int depth, Json::parse_event_t, const Json &) {
+        *isTooDeep = *isTooDeep || depth > DEEPEST;
+        return !*isTooDeep;
+    });
+}
+
+bool isCount(qint64 number)
+{
+    return number >= 0 && number <= HIGHEST_COUNT;
+}
+
+bool isInOrder(const LibraryManifest &manifest)
+{
+    const LibraryFileFacts &file = manifest.file;
+    return !LibraryShard::parse(manifest.shard.name()).hasError() && manifest.settings.startsWith('{') &&
+           isCount(manifest.peptideCount) && isCount(file.precursors) && isCount(file.openingSize) &&
+           isCount(file.closingSize);
+}
+
+/// A whole number from 0 on; -1 for anything else.
+qint64 countIn(const Json &json, const char *name)
+{
+    const Json &value = json.at(name);
+    return value.is_number_unsigned() ? static_cast<qint64>(std::min(value.get<quint64>(), HIGHEST_COUNT + quint64{1}))
+                                      : -1;
+}
+
+/// Numbers that are too large for any shard become others that are.
+LibraryShard shardIn(const Json &json)
+{
+    constexpr qint64 HIGHEST = std::numeric_limits<int>::max();
+    return {static_cast<int>(std::min(countIn(json, "number"), HIGHEST)),
+            static_cast<int>(std::min(countIn(json, "count"), HIGHEST))};
+}
+
 /// Throws the parser's exceptions where something is missing or of another type.
 LibraryManifest fromJson(const Json &json)
 {
     LibraryManifest manifest;
     manifest.settings = QByteArray::fromStdString(json.at("settings").dump());
     manifest.inputSha256 = QByteArray::fromStdString(json.at("input_sha256").get<std::string>());
-    manifest.shard = {json.at("shard").at("number").get<int>(), json.at("shard").at("count").get<int>()};
-    manifest.peptideCount = json.at("peptides").at("all_shards").get<qint64>();
-    manifest.file.precursors = json.at("precursors").get<qint64>();
-    manifest.file.openingSize = json.at("opening_bytes").get<qint64>();
-    manifest.file.closingSize = json.at("closing_bytes").get<qint64>();
+    manifest.shard = shardIn(json.at("shard"));
+    manifest.peptideCount = countIn(json.at("peptides"), "all_shards");
+    manifest.file.precursors = countIn(json, "precursors");
+    manifest.file.openingSize = countIn(json, "opening_bytes");
+    manifest.file.closingSize = countIn(json, "closing_bytes");
     manifest.file.sha256 = QByteArray::fromStdString(json.at("sha256").get<std::string>());
     return manifest;
 }
@@ -202,11 +250,10 @@ Result<LibraryManifest> LibraryManifest::readFor(const QString &libraryPath)
     if (!source.open(QIODevice::ReadOnly))
         return cannotRead(shown(path), source.errorString());
     try {
-        LibraryManifest manifest = fromJson(Json::parse(source.read(MAX_MANIFEST_BYTES).toStdString()));
-        const bool isInOrder = !LibraryShard::parse(manifest.shard.name()).hasError() && manifest.peptideCount >= 0 &&
-                               manifest.file.precursors >= 0 && manifest.file.openingSize >= 0 &&
-                               manifest.file.closingSize >= 0;
-        if (isInOrder)
+        bool isTooDeep = false;
+        const Json json = parsed(source.read(MAX_MANIFEST_BYTES), &isTooDeep);
+        LibraryManifest manifest = isTooDeep ? LibraryManifest() : fromJson(json);
+        if (isInOrder(manifest))
             return manifest;
     } catch (const Json::exception &) { // NOLINT(bugprone-empty-catch): told below
     }

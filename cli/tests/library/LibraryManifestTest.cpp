@@ -51,6 +51,70 @@ TEST_F(Manifest, RefusesOtherFilesByName)
     EXPECT_TRUE(LibraryManifest::readFor(m_files.path("none")).error().message().contains("none.json"));
 }
 
+TEST_F(Manifest, RefusesSettingsThatAreNoObject)
+{
+    for (const char *settings : {"[]", "3", "\"tsv\"", "null"}) {
+        LibraryManifest manifest = example();
+        manifest.settings = settings;
+        ASSERT_FALSE(manifest.writeFor(m_files.path("a")).hasError());
+        EXPECT_TRUE(LibraryManifest::readFor(m_files.path("a")).hasError()) << settings;
+    }
+}
+
+TEST_F(Manifest, SettingsOfOtherTypesCountAsMissing)
+{
+    LibraryManifest manifest = example();
+    manifest.settings = R"({"version":1,"name":[],"format":{}})";
+    ASSERT_FALSE(manifest.writeFor(m_files.path("a")).hasError());
+    const Result<LibraryManifest> read = LibraryManifest::readFor(m_files.path("a"));
+    ASSERT_FALSE(read.hasError());
+    EXPECT_EQ(read.value().info().name, QString());
+    EXPECT_EQ(read.value().info().version, QString());
+    EXPECT_EQ(read.value().kind(), LibraryFileKind::Tsv);
+}
+
+TEST_F(Manifest, RefusesJsonThatIsNestedTooDeeply)
+{
+    const QByteArray whole = [&] {
+        EXPECT_FALSE(example().writeFor(m_files.path("a")).hasError());
+        return m_files.read("a.json");
+    }();
+    const QByteArray deep = QByteArray(1000000, '[') + QByteArray(1000000, ']');
+    m_files.write("a.json", QByteArray(whole).replace("\"none\"", deep));
+    const Error error = LibraryManifest::readFor(m_files.path("a")).error();
+    EXPECT_EQ(m_files.withoutFolder(error.message()), "a.json is not a zav library manifest");
+    m_files.write("a.json", QByteArray(whole).replace("\"none\"", "[[1]]"));
+    EXPECT_FALSE(LibraryManifest::readFor(m_files.path("a")).hasError());
+}
+
+TEST_F(Manifest, RefusesNumbersThatAreNotWhole)
+{
+    ASSERT_FALSE(example().writeFor(m_files.path("a")).hasError());
+    const QByteArray whole = m_files.read("a.json");
+    for (const char *number : {"1001", "1e300", "1001.0", "-1", "18446744073709551615", "true", "\"1001\"", "null"}) {
+        m_files.write("a.json", QByteArray(whole).replace("1001", number));
+        EXPECT_EQ(LibraryManifest::readFor(m_files.path("a")).hasError(), qstrcmp(number, "1001") != 0) << number;
+    }
+    for (const char *count : {"1e300", "4294967300", "9223372036854775812"}) {
+        m_files.write("a.json", QByteArray(whole).replace("\"count\": 4", QByteArray("\"count\": ") + count));
+        EXPECT_TRUE(LibraryManifest::readFor(m_files.path("a")).hasError()) << count;
+    }
+}
+
+TEST_F(Manifest, RefusesNumbersThatNoLibraryReaches)
+{
+    for (qint64 LibraryFileFacts::*field :
+         {&LibraryFileFacts::precursors, &LibraryFileFacts::openingSize, &LibraryFileFacts::closingSize}) {
+        LibraryManifest manifest = example();
+        manifest.file.*field = qint64{1} << 42;
+        ASSERT_FALSE(manifest.writeFor(m_files.path("a")).hasError());
+        EXPECT_FALSE(LibraryManifest::readFor(m_files.path("a")).hasError());
+        ++(manifest.file.*field);
+        ASSERT_FALSE(manifest.writeFor(m_files.path("a")).hasError());
+        EXPECT_TRUE(LibraryManifest::readFor(m_files.path("a")).hasError());
+    }
+}
+
 TEST_F(Manifest, RefusesNumbersThatContradictOneAnother)
 {
     LibraryManifest manifest = example();
