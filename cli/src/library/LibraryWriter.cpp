@@ -82,7 +82,10 @@ Error TextLibraryWriter::append(const QString &path, const LibraryFileFacts &fac
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || !file.seek(facts.openingSize))
         return readFailure(file);
-    Error error = appendEntries(&file, file.size() - facts.openingSize - facts.closingSize);
+    const qint64 size = file.size() - facts.openingSize;
+    if (size < facts.closingSize)
+        return cannotRead(displayText(path, 300), QStringLiteral("it is shorter than its manifest says"));
+    Error error = appendEntries(&file, size - facts.closingSize);
     m_facts.precursors += facts.precursors;
     return error;
 }

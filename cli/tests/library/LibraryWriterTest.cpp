@@ -78,6 +78,22 @@ TEST_P(LibraryWriterTest, AppendedFilesGiveWhatOneRunWrites)
     EXPECT_EQ(m_files.read("merged").toStdString(), document(format(), {"AAAAK", "CCCCK", "DDDDK"}).toStdString());
 }
 
+TEST_P(LibraryWriterTest, FileThatIsShorterThanItsManifestSaysIsNotAppended)
+{
+    const LibraryFileFacts facts = write("a", {"AAAAK"});
+    const qint64 size = m_files.read("a").size();
+    for (const LibraryFileFacts &wrong : {LibraryFileFacts{1, size + 1, 0, {}}, LibraryFileFacts{1, 0, size + 1, {}},
+                                          LibraryFileFacts{1, size, 1, {}}}) {
+        const auto writer = makeLibraryWriter(GetParam(), m_files.path("merged"), INFO);
+        ASSERT_FALSE(writer->open().hasError());
+        EXPECT_EQ(m_files.withoutFolder(writer->append(m_files.path("a"), wrong).message()),
+                  "cannot read a: it is shorter than its manifest says");
+    }
+    const auto writer = makeLibraryWriter(GetParam(), m_files.path("merged"), INFO);
+    ASSERT_FALSE(writer->open().hasError());
+    EXPECT_FALSE(writer->append(m_files.path("a"), facts).hasError());
+}
+
 TEST_P(LibraryWriterTest, EntryWithoutPeaksIsEmpty)
 {
     LibraryEntry entry = entryOf("AAAAK");
