@@ -125,7 +125,7 @@ Result<bool> BlibReader::next(EncodedEntry *entry)
     entry->precursorMz = m_spectra.real(2);
     entry->charge = static_cast<int>(m_spectra.integer(3));
     entry->modifiedPeptide = m_spectra.bytes(4);
-    entry->peakCount = static_cast<int>(m_spectra.integer(5));
+    entry->peakCount = m_spectra.count(5);
     entry->retentionTime = m_spectra.real(6);
     entry->totalIonCurrent = m_spectra.real(7);
     entry->masses = m_spectra.bytes(8);

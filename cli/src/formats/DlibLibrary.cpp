@@ -47,7 +47,7 @@ EncodedEntry entryOfRow(const SqliteStatement &row)
     entry.modifiedPeptide = row.bytes(2);
     entry.peptide = row.bytes(3);
     entry.retentionTime = row.real(4);
-    entry.peakCount = static_cast<int>(row.integer(5) / qint64(sizeof(double)));
+    entry.peakCount = row.count(5, sizeof(double));
     entry.masses = row.bytes(6);
     entry.intensities = row.bytes(7);
     return entry;

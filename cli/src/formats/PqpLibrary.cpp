@@ -175,7 +175,7 @@ Error PqpReader::readPeptide(EncodedEntry *entry)
 Error PqpReader::readTransitions(EncodedEntry *entry)
 {
     const auto addTransition = [entry](const SqliteStatement &row) {
-        entry->transitions.append({row.real(1), row.real(2), row.bytes(3).front(), static_cast<int>(row.integer(4)),
+        entry->transitions.append({row.real(1), row.real(2), row.character(3), static_cast<int>(row.integer(4)),
                                    static_cast<int>(row.integer(5)), row.bytes(6)});
     };
     Error error = m_transitions.visit(m_precursors.integer(0), addTransition);

@@ -5,6 +5,7 @@
 
 #include <sqlite3.h>
 
+#include <limits>
 #include <utility>
 
 namespace zav {
@@ -92,6 +93,18 @@ QByteArray SqliteStatement::bytes(int column) const
 {
     const auto *begin = static_cast<const char *>(sqlite3_column_blob(m_statement, column));
     return QByteArray(begin, sqlite3_column_bytes(m_statement, column));
+}
+
+int SqliteStatement::count(int column, int size) const
+{
+    const qint64 whole = integer(column) / size;
+    return whole >= 0 && whole <= std::numeric_limits<int>::max() ? static_cast<int>(whole) : -1;
+}
+
+char SqliteStatement::character(int column) const
+{
+    const QByteArray text = bytes(column);
+    return text.isEmpty() ? '\0' : text.front();
 }
 
 void SqliteStatement::bind(int parameter, std::nullptr_t)

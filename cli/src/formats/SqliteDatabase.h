@@ -33,6 +33,7 @@ public:
     /// Every statement has to be gone.
     Error close();
 
+    /// That the file cannot be read or written: in the words of SQLite for its last failure, or in our own.
     Error failure() const;
     Error failure(const QString &reason) const;
 
@@ -85,6 +86,12 @@ public:
     qint64 integer(int column) const;
     double real(int column) const;
     QByteArray bytes(int column) const;
+
+    /// A number of things that take `size` each; -1 where it is none that fits.
+    int count(int column, int size = 1) const;
+
+    /// The first character of a text, null where it is empty.
+    char character(int column) const;
 
 private:
     template <typename... Values>

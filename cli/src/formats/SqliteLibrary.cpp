@@ -3,6 +3,8 @@
 
 #include "SqliteDatabase.h"
 
+#include <algorithm>
+
 namespace zav {
 
 namespace {
@@ -11,6 +13,17 @@ namespace {
 constexpr char SETTINGS[] = "PRAGMA page_size = 4096; PRAGMA encoding = 'UTF-8'; PRAGMA auto_vacuum = NONE;"
                             "PRAGMA journal_mode = OFF; PRAGMA synchronous = FULL; PRAGMA locking_mode = EXCLUSIVE;"
                             "PRAGMA cache_size = -16384; BEGIN";
+
+// Four hundred times the ions that the longest peptide has.
+constexpr int MOST_PEAKS = 1 << 20;
+
+// Whether a library can have stored it; sizes that are multiples of the number of peaks fit an int.
+bool isSound(const EncodedEntry &entry)
+{
+    return entry.peakCount >= 0 && entry.peakCount <= MOST_PEAKS &&
+           std::all_of(entry.transitions.begin(), entry.transitions.end(),
+                       [](const EncodedTransition &transition) { return transition.ionType != '\0'; });
+}
 
 } // namespace
 
@@ -39,7 +52,9 @@ Error SqliteLibrary::append(const QString &path)
     SqliteDatabase other(path, "cannot read");
     if (Error error = other.open(path, true); error.hasError())
         return error;
-    return read(&other, [this](const EncodedEntry &entry) { return add(entry); });
+    return read(&other, [&](const EncodedEntry &entry) {
+        return isSound(entry) ? add(entry) : other.failure(QStringLiteral("it holds an entry that is damaged"));
+    });
 }
 
 Error SqliteLibrary::finish()

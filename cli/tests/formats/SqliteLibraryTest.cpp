@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SqliteLibrary.h"
 
+#include "SqliteDatabase.h"
 #include "TemporaryFiles.h"
 
 #include <gtest/gtest.h>
@@ -191,6 +192,43 @@ TEST(DlibLibrary, PeptidoformsThatTheFormatCannotTellApartStandThereOnce)
     }
     EXPECT_EQ(library->finish().message(), QString());
 }
+
+struct Damage
+{
+    LibraryFileKind kind;
+    const char *sql; ///< that does it
+};
+
+class DamagedLibrary : public ::testing::TestWithParam<Damage>
+{};
+
+TEST_P(DamagedLibrary, EntryThatNoLibraryStoresIsAFailureThatNamesTheFile)
+{
+    const TemporaryFiles files;
+    const QString part = files.path(QStringLiteral("part"));
+    const auto written = makeSqliteLibrary(GetParam().kind);
+    ASSERT_FALSE(written->open(part, {}).hasError());
+    ASSERT_FALSE(written->add(written->encode(entries(3).last())).hasError());
+    ASSERT_FALSE(written->finish().hasError());
+    {
+        SqliteDatabase database(part, "cannot write");
+        ASSERT_FALSE(database.open(part, false).hasError());
+        ASSERT_EQ(database.run(GetParam().sql).message(), QString());
+    }
+    const auto merged = makeSqliteLibrary(GetParam().kind);
+    ASSERT_FALSE(merged->open(files.path(QStringLiteral("merged")), {}).hasError());
+    EXPECT_EQ(files.withoutFolder(merged->append(part).message()),
+              "cannot read part: it holds an entry that is damaged");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, DamagedLibrary,
+    ::testing::Values(Damage{LibraryFileKind::Dlib, "UPDATE entries SET MassEncodedLength = 9223372036854775807"},
+                      Damage{LibraryFileKind::Dlib, "UPDATE entries SET MassEncodedLength = 16000000000"},
+                      Damage{LibraryFileKind::Dlib, "UPDATE entries SET MassEncodedLength = -8"},
+                      Damage{LibraryFileKind::Blib, "UPDATE RefSpectra SET numPeaks = 4294967297"},
+                      Damage{LibraryFileKind::Pqp, "UPDATE TRANSITION SET TYPE = NULL"},
+                      Damage{LibraryFileKind::Pqp, "UPDATE TRANSITION SET TYPE = ''"}));
 
 TEST(SqliteLibrary, TextKindsHaveNone)
 {
