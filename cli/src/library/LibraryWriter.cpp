@@ -20,8 +20,8 @@ constexpr qint64 COPIED_AT_ONCE = 1 << 20;
 /// Without an error of its own the file has fewer bytes than when its digest was made.
 Error readFailure(const QFile &file)
 {
-    const QString reason =
-        file.error() == QFileDevice::NoError ? QStringLiteral("it has changed while it was read") : file.errorString();
+    const bool isTold = file.error() != QFileDevice::NoError && file.error() != QFileDevice::UnspecifiedError;
+    const QString reason = isTold ? file.errorString() : QStringLiteral("it has changed while it was read");
     return cannotRead(displayText(file.fileName(), 300), reason);
 }
 

@@ -9,10 +9,11 @@ namespace {
 
 QtMessageHandler previousHandler = nullptr;
 
-// Qt's start-up warns where the session has no XDG_RUNTIME_DIR (a container, a batch job); pictures do not need it.
+// Qt's start-up warns where the session has no XDG_RUNTIME_DIR (a container, a batch job), and calls it critical where
+// it cannot make that folder; pictures do not need it.
 void dropRuntimeFolderWarning(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (type != QtWarningMsg || !message.startsWith(QLatin1String("QStandardPaths:")))
+    if (!message.startsWith(QLatin1String("QStandardPaths:")))
         previousHandler(type, context, message);
 }
 
