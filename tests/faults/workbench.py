@@ -163,7 +163,7 @@ def wrong_files(case, result, with_old):
     return wrong
 
 
-def wrong_message(case, result):
+def wrong_message(case, result, needs_reason):
     """A failed run tells one line more than usual, with a file and the reason."""
     lines = without_folder(result.lines)
     own = [line for line in lines if line not in case.usual_lines and not line.startswith("zav: left out")]
@@ -176,12 +176,12 @@ def wrong_message(case, result):
     wrong = []
     if not any(name in own[0] for name in names):
         wrong.append(f"no file is named: {own[0]!r}")
-    if not any(reason in own[0] for reason in REASONS):
+    if needs_reason and not any(reason in own[0] for reason in REASONS):
         wrong.append(f"no reason is told: {own[0]!r}")
     return wrong
 
 
-def judge(case, result, with_old, may_leave=False):
+def judge(case, result, with_old, may_leave=False, needs_reason=True):
     """The faults of a run that one of its calls has failed in; empty if all is well."""
     if result.code not in (0, 1):
         return [f"exit code {result.code}: {result.lines[-2:]}"]
@@ -190,7 +190,7 @@ def judge(case, result, with_old, may_leave=False):
         faults += [f"exit code 0 without {name}" for name in case.outputs
                    if result.files.get(name) != case.expected[name]]
     else:
-        faults += wrong_message(case, result)
+        faults += wrong_message(case, result, needs_reason)
     for name in leftovers(case, result.files):
         if not may_leave or not is_named_as_unfinished(case, name):
             faults.append(f"{name} is left over")
