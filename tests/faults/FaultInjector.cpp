@@ -318,6 +318,8 @@ void Injector::start()
         if (read(gate[0], &go, 1) != 1)
             std::_Exit(125);
         close(gate[0]);
+        for (const Named &named : SIGNALS) // a background job of a shell ignores some, and hands that on
+            std::signal(named.number, SIG_DFL);
         installFilter(m_plan);
         execv(m_plan.program[0], m_plan.program);
         fail(std::string("cannot run ") + m_plan.program[0]);
