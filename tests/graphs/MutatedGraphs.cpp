@@ -175,16 +175,23 @@ QByteArray changed(const Network &network, int number)
     return graph;
 }
 
+/// The sanitizers reserve terabytes of addresses, so no limit is possible with them.
+void limitMemory()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    const rlimit memory{MOST_MEMORY, MOST_MEMORY};
+    if (statm.open(QIODevice::ReadOnly) &&
+        statm.readAll().split(' ').first().toULongLong() * static_cast<quint64>(sysconf(_SC_PAGESIZE)) < MOST_MEMORY)
+        setrlimit(RLIMIT_AS, &memory);
+}
+
 /// What the child does. Never returns.
 [[noreturn]] void tryChanges(const std::vector<Network> &networks, int end, const QString &graphPath,
                              const QByteArray &messages, Account *account)
 {
     const int log = open(messages.constData(), O_CREAT | O_RDWR | O_APPEND, 0600);
     dup2(log, STDERR_FILENO);
-#if !defined(__SANITIZE_ADDRESS__) // which reserves terabytes
-    const rlimit memory{MOST_MEMORY, MOST_MEMORY};
-    setrlimit(RLIMIT_AS, &memory);
-#endif
+    limitMemory();
     while (account->next < end) {
         const Network &network = networks[static_cast<size_t>(account->next) % networks.size()];
         QFile graph(graphPath);

@@ -43,9 +43,8 @@ struct MzMlElement
 /// the parameters that readers need stay (MS level, start time): decoders refuse parameters that their copy of the
 /// ontology lacks. The `&` of character references is written out (`&amp;#55;`).
 ///
-/// A tag of more than 1 MiB, an element of more than 256 MiB, a parameter group of more than 16 KiB, more than
-/// 10,000 of them and elements nested
-/// more than 100 deep are failures.
+/// Failures are a tag of more than 1 MiB, an element of more than 256 MiB, a parameter group of more than 16 KiB, more
+/// than 10,000 groups, and elements nested more than 100 deep.
 class MzMlElements
 {
 public:

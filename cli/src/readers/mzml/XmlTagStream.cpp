@@ -13,8 +13,7 @@ namespace {
 // No tag is this long, but a binary file may seem to hold one.
 constexpr qsizetype MAX_MARKUP_BYTES = 1 << 20;
 
-// What is recorded may hold the arrays of one chromatogram or spectrum: ten million points, a hundred times as many as
-// instruments store.
+// What is recorded may hold the arrays of one chromatogram or spectrum: about ten million points.
 constexpr std::size_t MAX_TEXT_BYTES = std::size_t{1} << 28;
 
 // `&#x10FFFF;` and some zeros in front of its digits.
