@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MzMlText.h"
 #include "ObservedSpectrumFile.h"
+#include "SpectrumFile.h"
 #include "TemporaryFiles.h"
 
 #include <algorithm>
@@ -148,6 +149,25 @@ TEST_F(MzMlReader, WrongIndexOffsetDoesNotCrash)
             else
                 EXPECT_EQ(spectrum.value().peaks, TWO_PEAKS);
         }
+    }
+}
+
+TEST_F(MzMlReader, DamagedSpectrumUnderAShortIndexIsAnErrorEachTimeItIsRead)
+{
+    QByteArray content = mzMl(RUN);
+    const qsizetype offset = content.indexOf("<spectrum ");
+    content.replace(content.indexOf("cvRef=\"MS\"", offset), 11, "cvRef@@MS\"");
+    content = indexedMzMl(content, "<index name=\"spectrum\"><offset idRef=\"scan=11\">" + QByteArray::number(offset) +
+                                       "</offset></index>");
+    const auto file = openSpectrumFile(files.write("a.mzML", content));
+    ASSERT_FALSE(file.hasError()) << file.error().message().toStdString();
+    const int count = file.value()->spectrumCount();
+    const QString first = file.value()->msLevel(0).error().message();
+    EXPECT_NE(first, QString());
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_EQ(file.value()->msLevel(0).error().message(), first);
+        EXPECT_EQ(file.value()->spectrum(0).error().message(), first);
+        EXPECT_EQ(file.value()->spectrumCount(), count);
     }
 }
 

@@ -9,6 +9,10 @@
 
 #include <pwiz/data/msdata/MSDataFile.hpp>
 
+#include <cstddef>
+#include <memory>
+#include <stdexcept>
+
 namespace zav {
 
 namespace {
@@ -68,11 +72,13 @@ QString readPeaks(const Spectrum &source, QList<QPointF> *out)
 class MzMlFile : public SpectrumFile
 {
 public:
-    explicit MzMlFile(const QString &path)
-        : m_path(path), m_file(QFile::encodeName(path).toStdString()), m_spectra(m_file.run.spectrumListPtr)
-    {}
+    explicit MzMlFile(const QString &path) : m_path(path)
+    {
+        open();
+        m_count = m_spectra ? m_spectra->size() : 0;
+    }
 
-    int spectrumCount() const override { return m_spectra ? static_cast<int>(m_spectra->size()) : 0; }
+    int spectrumCount() const override { return static_cast<int>(m_count); }
 
     SpectrumIdentity identity(int index) const override
     {
@@ -103,14 +109,37 @@ public:
     }
 
 private:
-    SpectrumPtr read(int index, bool withPeaks) const
+    void open()
     {
-        return m_spectra->spectrum(static_cast<std::size_t>(index), withPeaks);
+        m_file = std::make_unique<MSDataFile>(QFile::encodeName(m_path).toStdString());
+        m_spectra = m_file->run.spectrumListPtr;
     }
 
+    // Where the file's index is wrong, ProteoWizard makes one of its own in the middle of a read. If the file is
+    // damaged, too, spectra are lost then, half of one may be returned, and later reads would go behind the end of its
+    // list.
+    SpectrumPtr read(int index, bool withPeaks)
+    {
+        SpectrumPtr spectrum;
+        try {
+            spectrum = m_spectra->spectrum(static_cast<std::size_t>(index), withPeaks);
+        } catch (...) {
+            if (hasOtherSpectra())
+                open();
+            throw;
+        }
+        if (!hasOtherSpectra())
+            return spectrum;
+        open();
+        throw std::runtime_error("its index is wrong");
+    }
+
+    bool hasOtherSpectra() const { return m_spectra->size() != m_count; }
+
     QString m_path;
-    MSDataFile m_file;
+    std::unique_ptr<MSDataFile> m_file;
     pwiz::msdata::SpectrumListPtr m_spectra;
+    std::size_t m_count = 0;
 };
 
 } // namespace
