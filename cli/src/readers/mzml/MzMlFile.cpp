@@ -12,6 +12,8 @@
 #include <cstddef>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace zav {
 
@@ -75,14 +77,15 @@ public:
     explicit MzMlFile(const QString &path) : m_path(path)
     {
         open();
-        m_count = m_spectra ? m_spectra->size() : 0;
+        for (std::size_t i = 0; m_spectra && i < m_spectra->size(); ++i)
+            m_ids.push_back(m_spectra->spectrumIdentity(i).id);
     }
 
-    int spectrumCount() const override { return static_cast<int>(m_count); }
+    int spectrumCount() const override { return static_cast<int>(m_ids.size()); }
 
     SpectrumIdentity identity(int index) const override
     {
-        const QString id = QString::fromStdString(m_spectra->spectrumIdentity(static_cast<std::size_t>(index)).id);
+        const QString id = QString::fromStdString(m_ids[static_cast<std::size_t>(index)]);
         return {id, scanNumberOf(id)};
     }
 
@@ -124,22 +127,27 @@ private:
         try {
             spectrum = m_spectra->spectrum(static_cast<std::size_t>(index), withPeaks);
         } catch (...) {
-            if (hasOtherSpectra())
+            if (hasOtherSpectra(index))
                 open();
             throw;
         }
-        if (!hasOtherSpectra())
+        if (!hasOtherSpectra(index))
             return spectrum;
         open();
         throw std::runtime_error("its index is wrong");
     }
 
-    bool hasOtherSpectra() const { return m_spectra->size() != m_count; }
+    // Than when the file was opened, as far as their number and this one tell.
+    bool hasOtherSpectra(int index) const
+    {
+        const auto place = static_cast<std::size_t>(index);
+        return m_spectra->size() != m_ids.size() || m_spectra->spectrumIdentity(place).id != m_ids[place];
+    }
 
     QString m_path;
     std::unique_ptr<MSDataFile> m_file;
     pwiz::msdata::SpectrumListPtr m_spectra;
-    std::size_t m_count = 0;
+    std::vector<std::string> m_ids;
 };
 
 } // namespace
