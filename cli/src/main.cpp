@@ -115,6 +115,7 @@ std::terminate_handler otherTermination = nullptr;
 } // namespace zav
 
 // On the way here everything that was begun has been removed.
+// NOLINTNEXTLINE(bugprone-exception-escape): what else is thrown is a fault, and ends the process
 int main(int argc, char **argv)
 try {
     zav::otherTermination = std::set_terminate(zav::endWithoutMemory);

@@ -30,7 +30,7 @@ bool isCutShort(const QString &path)
         std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_phentsize != sizeof(ElfW(Phdr)))
         return false;
     std::vector<ElfW(Phdr)> segments(header.e_phnum);
-    const auto size = static_cast<qint64>(segments.size() * sizeof(ElfW(Phdr)));
+    const auto size = static_cast<qint64>(segments.size()) * static_cast<qint64>(sizeof(ElfW(Phdr)));
     if (!readAt(&file, static_cast<qint64>(header.e_phoff), segments.data(), size))
         return true;
     const auto fileSize = static_cast<quint64>(file.size());
@@ -55,6 +55,8 @@ bool isCutShort(const QString &)
 
 QString problemOfRuntimeFile(const QString &path)
 {
+    if (!QFileInfo(path).isAbsolute()) // the system looks for it, not in the working folder
+        return {};
     const QFileInfo file(path);
     const QString framework = QStringLiteral("/libtensorflow_framework.so.2");
     const QString target = QFileInfo(file.canonicalFilePath()).path();

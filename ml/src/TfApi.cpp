@@ -58,10 +58,17 @@ namespace zav {
 
 namespace {
 
+const QString &runtimeProblem();
+
+QFunctionPointer resolve(const char *name)
+{
+    return runtimeProblem().isEmpty() ? QLibrary::resolve(TfApi::runtimeFileName(), name) : nullptr;
+}
+
 #define ZAV_TF_RESOLVER(name)                                                                                          \
     decltype(TfApi::name) resolve##name()                                                                              \
     {                                                                                                                  \
-        return reinterpret_cast<decltype(TfApi::name)>(QLibrary::resolve(TfApi::runtimeFileName(), #name));            \
+        return reinterpret_cast<decltype(TfApi::name)>(resolve(#name));                                                \
     }
 ZAV_TF_FUNCTIONS(ZAV_TF_RESOLVER)
 #undef ZAV_TF_RESOLVER
@@ -157,10 +164,6 @@ bool isOptional(const char *name)
 
 void TfApi::load()
 {
-    if (!runtimeProblem().isEmpty()) {
-        *this = TfApi();
-        return;
-    }
 #define ZAV_TF_LOAD(name) name = resolve##name();
     ZAV_TF_FUNCTIONS(ZAV_TF_LOAD)
 #undef ZAV_TF_LOAD

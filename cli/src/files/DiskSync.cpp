@@ -63,7 +63,7 @@ QString syncFolderOf(const QString &path)
         undisturbed([&folder] { return ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
     if (descriptor < 0) // files can be made in a folder that one must not look into
         return errno == EACCES ? QString() : qt_error_string(errno);
-    const QString reason = syncFile(descriptor);
+    QString reason = syncFile(descriptor);
     ::close(descriptor);
     return reason;
 }
