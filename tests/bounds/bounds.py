@@ -184,8 +184,8 @@ def inputs() -> list[Input]:
         Input("JSON: a line of 15 MB of empty lists", "lists.jsonl", repeated(b"[],", 5e6, b'{"rt": [', b"[]]}\n"), limits, 1, 1000),
         Input("JSON: lists nested 10,000,000 deep", "deep.jsonl", repeated(b"[", 1e7), limits, 1, 1500),
         Input("JSON: 100 numbers of 1,000,000 digits", "digits.jsonl", repeated(numbers, 50), limits, 1, 400),
-        Input("FASTA: 100 million residues on a line", "protein.fasta", repeated(residues, 5e6, b">p\n"), library, 1, 400),
-        Input("FASTA: 100 million residues on lines of 60", "lines.fasta", repeated(residues * 3 + b"\n", 1e8 / 60, b">p\n"), library, 1, 400),
+        Input("FASTA: 100 million residues on a line", "protein.fasta", repeated(residues, 5e6, b">p\n"), library, None, 400),
+        Input("FASTA: 100 million residues on lines of 60", "lines.fasta", repeated(residues * 3 + b"\n", 1e8 / 60, b">p\n"), library, None, 400),
         Input("MGF: a line of 1 GiB", "line.mgf", repeated(b"1", gibi, b"BEGIN IONS\n"), [*spectrum, "PEPTIDEK", "2", "--against"], 1, 400),
         Input("peptides: a line of 1 GiB", "list.tsv", repeated(b"K", gibi, b"peptide\tcharge\n"), [*spectrum, "--peptides"], 1, 400),
     ]
