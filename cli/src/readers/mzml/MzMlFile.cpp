@@ -124,6 +124,8 @@ private:
     SpectrumPtr read(int index, bool withPeaks)
     {
         SpectrumPtr spectrum;
+        if (!m_spectra || static_cast<std::size_t>(index) >= m_spectra->size())
+            throw std::runtime_error("it has changed since it was opened");
         try {
             spectrum = m_spectra->spectrum(static_cast<std::size_t>(index), withPeaks);
         } catch (...) {
