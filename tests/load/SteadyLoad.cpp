@@ -2,7 +2,7 @@
 //
 // steady_load MODELS SHARE: calls the predictors millions of times (SHARE of the full numbers) and fits a line to the
 // resident memory over the calls, from a tenth of them on. Prints one row of a table for each kind of call. Fails where
-// the memory has grown by more than the line's own error explains, or where a descriptor or a thread is left.
+// the line climbs by 4 MiB or more and by three times its error, or where a descriptor or a thread is left.
 #include "Predictors.h"
 
 #include <zav/PeptidoformSpectrumPredictor.h>
