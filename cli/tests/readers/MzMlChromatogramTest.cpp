@@ -252,6 +252,13 @@ TEST_F(MzMlChromatograms, CharacterReferencesMoveNoArray)
     EXPECT_EQ(withMiddle(xml)[1], "a.mzML: chromatogram 'b': an array of it inflates to more than 64 times its size");
 }
 
+TEST_F(MzMlChromatograms, TagWithoutAQuoteIsNotDecoded)
+{
+    QByteArray xml = chromatogramXml({"b"});
+    xml.replace("\"MS:1000515\"", "MS:1000515");
+    EXPECT_EQ(withMiddle(xml)[1], "a.mzML: chromatogram 'b': it holds a tag that is not XML");
+}
+
 TEST_F(MzMlChromatograms, GroupsOfParametersHaveAnEnd)
 {
     const auto group = [](const char *id, int count) {

@@ -29,6 +29,15 @@ TEST(XmlAttribute, IsFoundByItsWholeNameOutsideOfOthersValues)
         EXPECT_EQ(xmlAttribute(without, "id"), std::nullopt) << without;
 }
 
+TEST(XmlTag, IsSoundWithANameAndQuotedAttributesAlone)
+{
+    for (const char *tag : {"<a>", "</a>", "<a/>", "<a b=\"1\">", "<a b='1' c = \"\" />", "<a\n b=\"'x'\"\t>"})
+        EXPECT_TRUE(isSoundXmlTag(tag)) << tag;
+    for (const char *tag : {"<a b=1>", "<a b=\"1>", "<a b=1\">", "<a b>", "<a =\"1\">", "<a b=\"1\"c=\"2\">",
+                            "<a b c=\"1\">", "<a b=\"<\">", "<a", "<>", ""})
+        EXPECT_FALSE(isSoundXmlTag(tag)) << tag;
+}
+
 TEST(XmlEntities, AreReplacedAndOthersStay)
 {
     EXPECT_EQ(withoutXmlEntities("&lt;a&gt; &amp;amp; &quot;&apos;"), "<a> &amp; \"'");

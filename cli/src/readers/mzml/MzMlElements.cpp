@@ -226,6 +226,8 @@ bool MzMlElements::endsUnclosed() const
 void MzMlElements::appendTag(MzMlElement *element)
 {
     const QByteArrayView tagName = m_tags.tagName();
+    if (!isSoundXmlTag(m_tags.tag()))
+        element->problem = QStringLiteral("it holds a tag that is not XML");
     if (tagName == ARRAY)
         m_isInArray = !m_tags.isEnd();
     if (tagName == ARRAY || tagName == VALUES)

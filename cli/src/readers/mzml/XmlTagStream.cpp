@@ -121,6 +121,31 @@ std::optional<QByteArrayView> xmlAttribute(QByteArrayView tag, QByteArrayView na
     }
 }
 
+bool isSoundXmlTag(QByteArrayView tag)
+{
+    if (tag.size() < 3 || !tag.startsWith('<') || !tag.endsWith('>'))
+        return false;
+    tag = tag.sliced(1).chopped(tag.endsWith("/>") ? 2 : 1);
+    qsizetype at = 0;
+    while (at < tag.size() && !isSpace(tag[at]))
+        ++at;
+    for (at = skipSpace(tag, at); at < tag.size(); at = skipSpace(tag, at)) {
+        const qsizetype equals = tag.indexOf('=', at);
+        if (equals <= at || tag.sliced(at, equals - at).trimmed().contains(' '))
+            return false;
+        const qsizetype open = skipSpace(tag, equals + 1);
+        if (open >= tag.size() || (tag[open] != '"' && tag[open] != '\''))
+            return false;
+        const qsizetype close = tag.indexOf(tag[open], open + 1);
+        if (close < 0 || tag.sliced(open, close - open).contains('<'))
+            return false;
+        at = close + 1;
+        if (at < tag.size() && !isSpace(tag[at]))
+            return false;
+    }
+    return true;
+}
+
 QString withoutXmlEntities(const QString &text)
 {
     QString out;

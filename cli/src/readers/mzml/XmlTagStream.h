@@ -17,6 +17,10 @@ qsizetype xmlMarkupSize(QByteArrayView text);
 /// The value of a tag's attribute as it stands there; nothing where it has none of that name.
 std::optional<QByteArrayView> xmlAttribute(QByteArrayView tag, QByteArrayView name);
 
+/// Whether a start or end tag is a name and attributes `name="value"`, no more: ProteoWizard writes behind the end of
+/// its memory where a quote is missing.
+bool isSoundXmlTag(QByteArrayView tag);
+
 /// The text with XML's five entities and its character references replaced; what is none of them stays.
 QString withoutXmlEntities(const QString &text);
 
