@@ -71,4 +71,39 @@ inline void requireSeeking(ChromatogramSource *source, const QList<TraceOutcome>
     }
 }
 
+inline Reading readStored(const QString &path)
+{
+    return readTraces(openChromatograms({path, {}, {}, false}));
+}
+
+/// Reads what is stored under that name plain, gzipped and cut, and goes back to some of the traces. Those that are
+/// whole come back; none where the reading fails.
+inline QList<TraceOutcome> requireReading(const char *name, const QByteArray &input)
+{
+    const Reading whole = readBothWays(name, input, readStored);
+    if (!isGzip(input))
+        require(beginsLike(whole, readStored(fileWith(name, input.first(placeWithin(input)))), 1),
+                "a cut file gives what stands before the cut");
+    QList<TraceOutcome> outcomes;
+    auto opened = openChromatograms({fileWith(name, input), {}, {}, true});
+    const Reading grouped = readTraces(opened, &outcomes);
+    if (opened.hasError())
+        return {};
+    requireSeeking(opened.value().get(), outcomes);
+    if (!grouped.error.isEmpty())
+        return {};
+    outcomes.removeIf([](const TraceOutcome &outcome) { return outcome.problem.hasError(); });
+    return outcomes;
+}
+
+/// What was written of these traces reads as they did.
+inline void requireSame(const char *name, const QByteArray &written, const QList<TraceOutcome> &outcomes)
+{
+    QList<TraceOutcome> again;
+    const Reading reread = readTraces(openChromatograms({fileWith(name, written), {}, {}, true}), &again);
+    require(reread.error.isEmpty() && again.size() == outcomes.size(), "written traces are all read");
+    for (qsizetype i = 0; i < again.size(); ++i)
+        require(bitsOf(again[i]) == bitsOf(outcomes[i]), "a written trace reads the same");
+}
+
 } // namespace zav::fuzz

@@ -5,6 +5,8 @@
 
 #include <zav/XicBaselineLimitsDetector.h>
 
+#include <algorithm>
+
 namespace zav::fuzz {
 
 /// In their ranges, small enough that short lists of points are thinned.
@@ -40,6 +42,15 @@ inline void requireWithin(const Result<QList<Interval<double>>> &found, const QL
         require(limits.start <= limits.end, "a peak starts before its end");
         require(isTimeOf(points, limits.start) && isTimeOf(points, limits.end), "limits are times of the trace");
     }
+}
+
+inline void requireEqual(const QList<Interval<double>> &expected, const QList<Interval<double>> &found)
+{
+    const auto isSame = [](const Interval<double> &a, const Interval<double> &b) {
+        return a.start == b.start && a.end == b.end;
+    };
+    require(std::equal(expected.begin(), expected.end(), found.begin(), found.end(), isSame),
+            "naive code finds the same peaks");
 }
 
 } // namespace zav::fuzz

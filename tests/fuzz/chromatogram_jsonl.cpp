@@ -12,11 +12,6 @@ namespace {
 
 constexpr char NAME[] = "input.jsonl";
 
-Reading read(const QString &path)
-{
-    return readTraces(openChromatograms({path, {}, {}, false}));
-}
-
 QByteArray written(const Chromatogram &trace)
 {
     nlohmann::json line = {{"id", trace.id.toStdString()},
@@ -36,27 +31,12 @@ QByteArray written(const Chromatogram &trace)
 
 void tryInput(const QByteArray &input)
 {
-    const Reading whole = readBothWays(NAME, input, read);
-    if (!isGzip(input))
-        require(beginsLike(whole, read(fileWith(NAME, input.first(placeWithin(input)))), 1),
-                "a cut file gives what stands before the cut");
-    QList<TraceOutcome> outcomes;
-    auto opened = openChromatograms({fileWith(NAME, input), {}, {}, true});
-    const Reading grouped = readTraces(opened, &outcomes);
-    if (opened.hasError() || !grouped.error.isEmpty())
-        return;
-    requireSeeking(opened.value().get(), outcomes);
+    const QList<TraceOutcome> outcomes = requireReading(NAME, input);
     QByteArray lines;
-    outcomes.removeIf([](const TraceOutcome &outcome) { return outcome.problem.hasError(); });
-    for (const TraceOutcome &outcome : std::as_const(outcomes))
+    for (const TraceOutcome &outcome : outcomes)
         lines += written(outcome.chromatogram);
-    if (lines.isEmpty())
-        return;
-    QList<TraceOutcome> again;
-    const Reading reread = readTraces(openChromatograms({fileWith(NAME, lines), {}, {}, true}), &again);
-    require(reread.error.isEmpty() && again.size() == outcomes.size(), "written traces are all read");
-    for (qsizetype i = 0; i < again.size(); ++i)
-        require(bitsOf(again[i]) == bitsOf(outcomes[i]), "a written trace reads the same");
+    if (!lines.isEmpty())
+        requireSame(NAME, lines, outcomes);
 }
 
 } // namespace zav::fuzz

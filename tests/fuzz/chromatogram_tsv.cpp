@@ -12,11 +12,6 @@ namespace {
 
 constexpr char NAME[] = "input.tsv";
 
-Reading read(const QString &path)
-{
-    return readTraces(openChromatograms({path, {}, {}, false}));
-}
-
 QByteArray number(double value)
 {
     return QByteArray::number(value, 'g', 17);
@@ -29,8 +24,6 @@ QByteArray written(const QList<TraceOutcome> &outcomes)
     QSet<QString> ids;
     for (const TraceOutcome &outcome : outcomes) {
         const Chromatogram &trace = outcome.chromatogram;
-        if (outcome.problem.hasError())
-            continue;
         if (ids.contains(trace.id) || trace.id.contains(QChar::ReplacementCharacter) || trace.id != trace.id.trimmed())
             return {};
         ids.insert(trace.id);
@@ -45,25 +38,10 @@ QByteArray written(const QList<TraceOutcome> &outcomes)
 
 void tryInput(const QByteArray &input)
 {
-    const Reading whole = readBothWays(NAME, input, read);
-    if (!isGzip(input))
-        require(beginsLike(whole, read(fileWith(NAME, input.first(placeWithin(input)))), 1),
-                "a cut file gives what stands before the cut");
-    QList<TraceOutcome> outcomes;
-    auto opened = openChromatograms({fileWith(NAME, input), {}, {}, true});
-    const Reading grouped = readTraces(opened, &outcomes);
-    if (opened.hasError() || !grouped.error.isEmpty())
-        return;
-    requireSeeking(opened.value().get(), outcomes);
+    const QList<TraceOutcome> outcomes = requireReading(NAME, input);
     const QByteArray table = written(outcomes);
-    if (table.isEmpty())
-        return;
-    QList<TraceOutcome> again;
-    const Reading reread = readTraces(openChromatograms({fileWith(NAME, table), {}, {}, true}), &again);
-    outcomes.removeIf([](const TraceOutcome &outcome) { return outcome.problem.hasError(); });
-    require(reread.error.isEmpty() && again.size() == outcomes.size(), "written traces are all read");
-    for (qsizetype i = 0; i < again.size(); ++i)
-        require(bitsOf(again[i]) == bitsOf(outcomes[i]), "a written trace reads the same");
+    if (!table.isEmpty())
+        requireSame(NAME, table, outcomes);
 }
 
 } // namespace zav::fuzz

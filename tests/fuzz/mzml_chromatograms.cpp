@@ -6,28 +6,10 @@
 #include "ChromatogramSupport.h"
 
 namespace zav::fuzz {
-namespace {
-
-constexpr char NAME[] = "input.mzML";
-
-Reading read(const QString &path)
-{
-    return readTraces(openChromatograms({path, {}, {}, false}));
-}
-
-} // namespace
 
 void tryInput(const QByteArray &input)
 {
-    const Reading whole = readBothWays(NAME, input, read);
-    if (!isGzip(input))
-        require(beginsLike(whole, read(fileWith(NAME, input.first(placeWithin(input)))), 1),
-                "a cut file gives what stands before the cut");
-    QList<TraceOutcome> outcomes;
-    auto opened = openChromatograms({fileWith(NAME, input), {}, {}, true});
-    readTraces(opened, &outcomes);
-    if (!opened.hasError())
-        requireSeeking(opened.value().get(), outcomes);
+    requireReading("input.mzML", input);
 }
 
 } // namespace zav::fuzz

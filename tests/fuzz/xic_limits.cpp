@@ -40,11 +40,7 @@ void requireNaive(const Result<QList<Interval<double>>> &found, const QList<QPoi
     require(found.hasError() == !expected, "naive code finds the same to fail");
     if (!expected)
         return;
-    const auto isSame = [](const Interval<double> &a, const Interval<double> &b) {
-        return a.start == b.start && a.end == b.end;
-    };
-    require(std::equal(expected->begin(), expected->end(), found.value().begin(), found.value().end(), isSame),
-            "naive code finds the same peaks");
+    requireEqual(*expected, found.value());
 }
 
 } // namespace
