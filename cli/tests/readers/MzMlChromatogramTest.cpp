@@ -257,6 +257,8 @@ TEST_F(MzMlChromatograms, TagWithoutAQuoteIsNotDecoded)
     QByteArray xml = chromatogramXml({"b"});
     xml.replace("\"MS:1000515\"", "MS:1000515");
     EXPECT_EQ(withMiddle(xml)[1], "a.mzML: chromatogram 'b': it holds a tag that is not XML");
+    const QByteArray group = "<referenceableParamGroup id=\"g\"><cvParam accession=MS:1/></referenceableParamGroup>";
+    EXPECT_EQ(read(mzMlDocument(threeTraces(), group)).error, "cannot read a.mzML: it holds a tag that is not XML");
 }
 
 TEST_F(MzMlChromatograms, GroupsOfParametersHaveAnEnd)

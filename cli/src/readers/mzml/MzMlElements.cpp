@@ -172,6 +172,8 @@ Error MzMlElements::readGroup()
     while (m_tags.next()) {
         if (m_tags.isEnd() && m_tags.tagName() == GROUP)
             return {};
+        if (!isSoundXmlTag(m_tags.tag()))
+            return m_tags.failure(QStringLiteral("it holds a tag that is not XML"));
         group.push_back(m_tags.tag().toByteArray());
         size += m_tags.tag().size();
         if (size > MAX_GROUP_BYTES || m_groups.size() > MAX_GROUPS)
