@@ -15,6 +15,7 @@ import gzip
 import multiprocessing
 import os
 import pathlib
+import struct
 import subprocess
 import sys
 import threading
@@ -86,18 +87,18 @@ TIME = '<scanList count="1"><scan><cvParam cvRef="MS" accession="MS:1000016" val
 LEVEL = '<cvParam cvRef="MS" accession="MS:1000511" value="1"/>'
 
 
-def trace_bomb(path: pathlib.Path, share: float) -> None:
-    packed = zlib.compressobj(9)
-    data = b"".join(packed.compress(bytes(MEBI)) for _ in range(int(1024 * share))) + packed.flush()
-    text = base64.b64encode(data).decode()
-    bomb = element(
-        "chromatogram",
-        0,
-        2,
-        array("MS:1000595", text, "MS:1000574") + array("MS:1000515", text, "MS:1000574"),
-    )
-    head, tail = mzml("chromatogram")
-    path.write_bytes(head + bomb.encode() + tail)
+def bomb(tag: str, positions: str) -> Callable[[pathlib.Path, float], None]:
+    """`positions` is the accession of the array beside that of the intensities."""
+
+    def write(path: pathlib.Path, share: float) -> None:
+        packed = zlib.compressobj(9)
+        data = b"".join(packed.compress(bytes(MEBI)) for _ in range(int(1024 * share))) + packed.flush()
+        text = base64.b64encode(data).decode()
+        arrays = array(positions, text, "MS:1000574") + array("MS:1000515", text, "MS:1000574")
+        head, tail = mzml(tag)
+        path.write_bytes(head + element(tag, 0, 2, arrays).encode() + tail)
+
+    return write
 
 
 def one_element(tag: str, content: Callable[[float], str], length: int = 1) -> Callable[[pathlib.Path, float], None]:
@@ -137,6 +138,13 @@ def repeated_groups(path: pathlib.Path, share: float) -> None:
     pieces(path, element("chromatogram", 0, 1, POINT, reference).encode(), 1e5 * share, head, tail)
 
 
+def one_peak_spectra(path: pathlib.Path, share: float) -> None:
+    one = base64.b64encode(struct.pack("<d", 1)).decode()
+    head, tail = mzml("spectrum")
+    peak = array("MS:1000514", one) + array("MS:1000515", one)
+    pieces(path, element("spectrum", 0, 1, peak).encode(), 1e6 * share, head, tail)
+
+
 def json_traces(path: pathlib.Path, share: float) -> None:
     with open(path, "wb") as file:
         file.writelines(b'{"id": "t%d", "rt": [1], "intensity": [1]}\n' % i for i in range(int(1e6 * share)))
@@ -161,6 +169,7 @@ def repeated(piece: bytes, count: float, head: bytes = b"", tail: bytes = b"") -
 def inputs() -> list[Input]:
     limits, split, library = ["limits", "--method", "walk"], ["split"], ["library", "-o", "out.tsv"]
     spectrum, gibi, table = ["spectrum"], float(1 << 30), b"rt\tintensity\n"
+    against = [*spectrum, "PEPTIDEK", "2", "--scan", "index=0", "--against"]
     residues, digits = b"ACDEFGHIKLMNPQRSTVWY", b"9" * 1_000_000
     references = one_element("chromatogram", lambda share: "&#55;" * int(1e7 * share))
     numbers = b'{"rt": [' + digits + b'], "intensity": [' + digits + b"]}\n"
@@ -169,7 +178,9 @@ def inputs() -> list[Input]:
         Input("gzip: a trace of 250 million rows", "rows.tsv.gz", repeated(b"1\t0\n", 25e7, table), limits, None, 1000),
         Input("gzip: a line of 1 GiB", "line.tsv.gz", repeated(b"0", gibi, table), limits, 1, 100),
         Input("gzip: an mzML element of 1 GiB", "element.mzML.gz", endless_array, limits, 1, 600),
-        Input("zlib: an mzML array of 1 GiB", "bomb.mzML", trace_bomb, limits, 1, 400),
+        Input("zlib: an mzML array of 1 GiB", "bomb.mzML", bomb("chromatogram", "MS:1000595"), limits, 1, 400),
+        Input("zlib: an array of 1 GiB of an mzML spectrum", "bomb.mzML", bomb("spectrum", "MS:1000514"), against, 1, 400),
+        Input("one of 1,000,000 mzML spectra", "spectra.mzML", one_peak_spectra, against, 0, 800),
         Input("100,000 mzML traces that declare 2^60 values", "declared.mzML", declared, limits, 1, 400),
         Input("1,000,000 nested elements in an mzML trace", "nested.mzML", nested, limits, 1, 500),
         Input("1,000,000 nested elements of mzML", "deep.mzML", repeated(b"<mzML>", 1e6), limits, 1, 100),

@@ -24,10 +24,11 @@ constexpr std::size_t MAX_DEPTH = 100; // mzML needs about ten
 constexpr std::size_t MAX_GROUPS = 10000;
 constexpr qsizetype MAX_GROUP_BYTES = 1 << 14; // which each reference to it repeats; real ones have 1,000
 
-// MS level, "MS1 spectrum" where no level is given, scan start time.
+// MS level, "MS1 spectrum" where no level is given, scan start time; of a precursor its isolation target, m/z, charge.
 bool isNeeded(QByteArrayView parameter)
 {
-    constexpr const char *ACCESSIONS[] = {"MS:1000511", "MS:1000579", "MS:1000016"};
+    constexpr const char *ACCESSIONS[] = {"MS:1000511", "MS:1000579", "MS:1000016",
+                                          "MS:1000827", "MS:1000744", "MS:1000041"};
     const QByteArrayView accession = xmlAttribute(parameter, "accession").value_or(QByteArrayView());
     return std::any_of(std::begin(ACCESSIONS), std::end(ACCESSIONS),
                        [&](const char *needed) { return accession == needed; });

@@ -40,8 +40,8 @@ struct MzMlElement
 /// The file's index is not read, so that a wrong or missing one does no harm, nor is what stands behind `</mzML>`.
 ///
 /// In the text, references to parameter groups are replaced by the groups' parameters. Outside of the data arrays only
-/// the parameters that readers need stay (MS level, start time): decoders refuse parameters that their copy of the
-/// ontology lacks. The `&` of character references is written out (`&amp;#55;`).
+/// the parameters that readers need stay (MS level, start time, precursor): decoders refuse parameters that their copy
+/// of the ontology lacks. The `&` of character references is written out (`&amp;#55;`).
 ///
 /// Failures are a tag of more than 1 MiB, an element of more than 256 MiB, a parameter group of more than 16 KiB, more
 /// than 10,000 groups, and elements nested more than 100 deep.

@@ -1,28 +1,35 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "MzMlFile.h"
 
+#include "ByteStream.h"
+#include "InflatedSize.h"
+#include "MzMlElements.h"
+#include "PrintableText.h"
 #include "ProteoWizard.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>
 
-#include <pwiz/data/msdata/MSDataFile.hpp>
+#include <pwiz/data/msdata/IO.hpp>
 
-#include <cstddef>
-#include <memory>
-#include <stdexcept>
-#include <string>
+#include <sstream>
+#include <utility>
 #include <vector>
 
 namespace zav {
 
 namespace {
 
-using pwiz::msdata::BinaryDataArrayPtr;
-using pwiz::msdata::MSDataFile;
 using pwiz::msdata::Spectrum;
-using pwiz::msdata::SpectrumPtr;
+
+// What is known of a spectrum since the file was opened.
+struct KnownSpectrum
+{
+    SpectrumIdentity identity;
+    int msLevel = 0;
+    QString problem; // empty, or why it cannot be read
+    TracePlace place;
+};
 
 int scanNumberOf(const QString &nativeId)
 {
@@ -36,6 +43,26 @@ QString titleOf(const QString &path, const SpectrumIdentity &identity)
     const QString spectrum =
         identity.scanNumber < 0 ? identity.name : QStringLiteral("scan %1").arg(identity.scanNumber);
     return QFileInfo(path).fileName() + QStringLiteral(", ") + spectrum;
+}
+
+// The spectrum's own parameters stand in front of all other elements; those of its groups have been put there.
+int msLevelOf(QByteArrayView text)
+{
+    int level = 0;
+    qsizetype size = xmlMarkupSize(text);
+    for (qsizetype at = text.indexOf('<', size); size > 0 && at >= 0; at = text.indexOf('<', at + size)) {
+        const QByteArrayView rest = text.sliced(at);
+        if (!rest.startsWith("<cvParam "))
+            return level;
+        size = xmlMarkupSize(rest);
+        const QByteArrayView tag = rest.first(size);
+        const QByteArrayView accession = xmlAttribute(tag, "accession").value_or(QByteArrayView());
+        if (accession == "MS:1000511")
+            return xmlAttribute(tag, "value").value_or(QByteArrayView()).toInt();
+        if (accession == "MS:1000579") // an MS1 spectrum
+            level = 1;
+    }
+    return level;
 }
 
 void readPrecursor(const Spectrum &source, ObservedSpectrum *out)
@@ -54,15 +81,15 @@ void readPrecursor(const Spectrum &source, ObservedSpectrum *out)
 // An error text, empty when all went well.
 QString readPeaks(const Spectrum &source, QList<QPointF> *out)
 {
-    const BinaryDataArrayPtr mzs = source.getMZArray();
-    const BinaryDataArrayPtr intensities = source.getIntensityArray();
-    const std::size_t count = mzs ? mzs->data.size() : 0;
-    if (count != (intensities ? intensities->data.size() : 0))
+    const std::optional<MzMlArray> mzs = arrayOf(source, pwiz::cv::MS_m_z_array);
+    const std::optional<MzMlArray> intensities = arrayOf(source, pwiz::cv::MS_intensity_array);
+    const std::size_t count = mzs ? mzs->values.size() : 0;
+    if (count != (intensities ? intensities->values.size() : 0))
         return QStringLiteral("its m/z and intensity arrays differ in length");
     out->reserve(static_cast<qsizetype>(count));
     for (std::size_t i = 0; i < count; ++i) {
         // Baseline correction leaves intensities under 0; they are no peaks, but no damage either.
-        const QPointF peak(mzs->data[i], intensities->data[i] < 0 ? 0 : intensities->data[i]);
+        const QPointF peak(mzs->values[i], intensities->values[i] < 0 ? 0 : intensities->values[i]);
         if (!isPeak(peak))
             return QStringLiteral("peak %1 has no finite m/z above 0 and intensity").arg(i + 1);
         out->append(peak);
@@ -74,93 +101,94 @@ QString readPeaks(const Spectrum &source, QList<QPointF> *out)
 class MzMlFile : public SpectrumFile
 {
 public:
-    explicit MzMlFile(const QString &path) : m_path(path)
+    MzMlFile(const QString &path, std::unique_ptr<ByteStream> bytes)
+        : m_path(path), m_elements(std::move(bytes), "spectrum")
+    {}
+
+    // Reads the file to its end, without decoding.
+    Error start()
     {
-        open();
-        for (std::size_t i = 0; m_spectra && i < m_spectra->size(); ++i)
-            m_ids.push_back(m_spectra->spectrumIdentity(i).id);
+        for (;;) {
+            const Result<std::optional<MzMlElement>> read = m_elements.next();
+            if (read.hasError() || !read.value())
+                return read.error();
+            const MzMlElement &element = *read.value();
+            const QByteArrayView text(element.text.data(), static_cast<qsizetype>(element.text.size()));
+            const int level = element.problem.isEmpty() ? msLevelOf(text) : 0;
+            m_spectra.push_back({{element.id, scanNumberOf(element.id)}, level, element.problem, element.place});
+        }
     }
 
-    int spectrumCount() const override { return static_cast<int>(m_ids.size()); }
+    int spectrumCount() const override { return static_cast<int>(m_spectra.size()); }
 
-    SpectrumIdentity identity(int index) const override
-    {
-        const QString id = QString::fromStdString(m_ids[static_cast<std::size_t>(index)]);
-        return {id, scanNumberOf(id)};
-    }
+    SpectrumIdentity identity(int index) const override { return known(index).identity; }
 
     Result<int> msLevel(int index) override
     {
-        return caught(m_path, [&]() -> Result<int> {
-            return read(index, false)->cvParamValueOrDefault(pwiz::cv::MS_ms_level, 0);
-        });
+        if (const QString &problem = known(index).problem; !problem.isEmpty())
+            return failure(index, problem);
+        return known(index).msLevel;
     }
 
     Result<ObservedSpectrum> spectrum(int index) override
     {
-        return caught(m_path, [&]() -> Result<ObservedSpectrum> {
-            const SpectrumPtr source = read(index, true);
-            ObservedSpectrum spectrum;
-            spectrum.title = titleOf(m_path, identity(index));
-            readPrecursor(*source, &spectrum);
-            const QString problem = readPeaks(*source, &spectrum.peaks);
-            if (!problem.isEmpty())
-                return Error(Failure,
-                             QStringLiteral("%1: spectrum '%2': ").arg(m_path, identity(index).name) + problem);
-            return spectrum;
-        });
+        if (Error error = m_elements.seek(known(index).place); error.hasError())
+            return error;
+        Result<std::optional<MzMlElement>> read = m_elements.next();
+        if (read.hasError())
+            return read.error();
+        std::optional<MzMlElement> element = std::move(read).value();
+        if (!element || element->id != known(index).identity.name)
+            return cannotRead(inputName(m_path), QStringLiteral("it has changed since it was opened"));
+        const QString problem = element->problem.isEmpty() ? inflationProblem(*element) : element->problem;
+        return problem.isEmpty() ? decoded(index, std::move(element->text)) : failure(index, problem);
     }
 
 private:
-    void open()
+    const KnownSpectrum &known(int index) const { return m_spectra[static_cast<std::size_t>(index)]; }
+
+    QString subject(int index) const
     {
-        m_file = std::make_unique<MSDataFile>(QFile::encodeName(m_path).toStdString());
-        m_spectra = m_file->run.spectrumListPtr;
+        return QStringLiteral("%1: spectrum '%2'").arg(inputName(m_path), displayText(known(index).identity.name));
     }
 
-    // Where the file's index is wrong, ProteoWizard makes one of its own in the middle of a read. If the file is
-    // damaged, too, spectra are lost then, half of one may be returned, and later reads would go behind the end of its
-    // list.
-    SpectrumPtr read(int index, bool withPeaks)
+    Error failure(int index, const QString &problem) const
     {
-        SpectrumPtr spectrum;
-        if (!m_spectra || static_cast<std::size_t>(index) >= m_spectra->size())
-            throw std::runtime_error("it has changed since it was opened");
-        try {
-            spectrum = m_spectra->spectrum(static_cast<std::size_t>(index), withPeaks);
-        } catch (...) {
-            if (hasOtherSpectra(index))
-                open();
-            throw;
-        }
-        if (!hasOtherSpectra(index))
-            return spectrum;
-        open();
-        throw std::runtime_error("its index is wrong");
+        return {Failure, subject(index) + QStringLiteral(": ") + problem};
     }
 
-    // Than when the file was opened, as far as their number and this one tell.
-    bool hasOtherSpectra(int index) const
+    Result<ObservedSpectrum> decoded(int index, std::string element) const
     {
-        const auto place = static_cast<std::size_t>(index);
-        return m_spectra->size() != m_ids.size() || m_spectra->spectrumIdentity(place).id != m_ids[place];
+        return caughtAs(subject(index), [&]() -> Result<ObservedSpectrum> {
+            std::istringstream text(std::move(element));
+            Spectrum source;
+            pwiz::msdata::IO::read(text, source, pwiz::msdata::IO::ReadBinaryData);
+            ObservedSpectrum spectrum;
+            spectrum.title = titleOf(m_path, known(index).identity);
+            readPrecursor(source, &spectrum);
+            const QString problem = readPeaks(source, &spectrum.peaks);
+            return problem.isEmpty() ? Result<ObservedSpectrum>(std::move(spectrum)) : failure(index, problem);
+        });
     }
 
     QString m_path;
-    std::unique_ptr<MSDataFile> m_file;
-    pwiz::msdata::SpectrumListPtr m_spectra;
-    std::vector<std::string> m_ids;
+    MzMlElements m_elements;
+    std::vector<KnownSpectrum> m_spectra;
 };
 
 } // namespace
 
 Result<std::unique_ptr<SpectrumFile>> openMzMlFile(const QString &path)
 {
-    if (Error error = checkFile(path); error.hasError())
+    Result<std::unique_ptr<ByteStream>> bytes = ByteStream::open(path);
+    if (bytes.hasError())
+        return bytes.error();
+    if (bytes.value()->peek().isEmpty())
+        return cannotRead(inputName(path), QStringLiteral("it is empty"));
+    auto file = std::make_unique<MzMlFile>(path, std::move(bytes).value());
+    if (Error error = file->start(); error.hasError())
         return error;
-    return caught(path, [&]() -> Result<std::unique_ptr<SpectrumFile>> {
-        return std::unique_ptr<SpectrumFile>(std::make_unique<MzMlFile>(path));
-    });
+    return std::unique_ptr<SpectrumFile>(std::move(file));
 }
 
 } // namespace zav

@@ -5,8 +5,8 @@
 
 namespace zav {
 
-/// Opens an mzML file, plain or gzipped, with or without an index. ProteoWizard's reader stays behind this function,
-/// its exceptions too.
+/// Opens an mzML file, plain or gzipped. It is read once, to its end, without decoding any peaks; an index is not read,
+/// so that a wrong or missing one does no harm. ProteoWizard's decoder stays behind this function, its exceptions too.
 Result<std::unique_ptr<SpectrumFile>> openMzMlFile(const QString &path);
 
 } // namespace zav

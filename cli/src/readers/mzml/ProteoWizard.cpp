@@ -1,21 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ProteoWizard.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>
 
 namespace zav {
-
-Error checkFile(const QString &path)
-{
-    QFile file(path);
-    if (QFileInfo(path).isDir())
-        return cannotRead(inputName(path), QStringLiteral("it is a folder"));
-    if (!file.open(QIODevice::ReadOnly))
-        return cannotRead(inputName(path), file.errorString());
-    return file.size() > 0 ? Error() : cannotRead(inputName(path), QStringLiteral("it is empty"));
-}
 
 QString plainMessage(const char *what)
 {

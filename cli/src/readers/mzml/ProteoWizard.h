@@ -3,9 +3,6 @@
 // Private to the readers of mzML: what they share of ProteoWizard.
 #pragma once
 
-#include "ByteStream.h"
-#include "PrintableText.h"
-
 #include <zav/Error.h>
 
 #include <QtCore/QString>
@@ -22,17 +19,6 @@ namespace zav {
 /// the message `subject: what it threw` where it throws.
 template <typename Step>
 auto caughtAs(const QString &subject, const Step &step) -> decltype(step());
-
-/// Likewise, with a message that the file cannot be read because it is not valid mzML.
-template <typename Step>
-auto caught(const QString &path, const Step &step) -> decltype(step())
-{
-    return caughtAs(cannotRead(inputName(path), QStringLiteral("it is not valid mzML")).message(), step);
-}
-
-/// An error for a folder and for a file that is missing, unreadable or empty: ProteoWizard's own messages for these
-/// name its sources rather than the file.
-Error checkFile(const QString &path);
 
 /// A message of ProteoWizard's without the names of its functions and the positions in the text that it was given.
 QString plainMessage(const char *what);
