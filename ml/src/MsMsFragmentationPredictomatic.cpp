@@ -9,7 +9,6 @@
 #include "PeptideVocabulary.h"
 #include "ReturnIfError.h"
 #include "SpectrumAssembler.h"
-#include "SpectrumLimits.h"
 #include "Tensor.h"
 
 #include <algorithm>
@@ -31,12 +30,6 @@ std::vector<float> encodePeptide(const QString &peptide, int charge)
     std::vector<float> rows(static_cast<std::size_t>(rowCount) * peptideVocabulary::encodingWidth(), 0.0F);
     peptideVocabulary::writeOneHotRows(peptide, rowCount, rows.data());
     return rows;
-}
-
-QList<QPointF> withinLimits(QList<QPointF> points)
-{
-    points.removeIf([](const QPointF &point) { return spectrumLimits::isOutside(point.x(), point.y()); });
-    return points;
 }
 
 Error missingOutError()
@@ -162,7 +155,8 @@ try {
     return outOfMemory(Q_FUNC_INFO, SOURCE_FILE, __LINE__);
 }
 
-/// The spectrum within its limits. The assembler makes it in one go; what it refuses, the single steps explain.
+/// The spectrum within its limits. The assembler makes it in one go; what it refuses, the single steps refuse too, and
+/// say why.
 Result<QList<QPointF>> MsMsFragmentationPredictomatic::buildSpectrum(const QString &peptide, int charge,
                                                                      const std::vector<float> &predictions)
 {
@@ -170,10 +164,7 @@ Result<QList<QPointF>> MsMsFragmentationPredictomatic::buildSpectrum(const QStri
     if (predictions.size() == static_cast<std::size_t>(assembler.slotCount()) &&
         assembler.assemble(peptide, predictions.data()))
         return assembler.points();
-    Result<QList<QPointF>> points = buildPoints(buildMzPoints(peptide, charge), predictions);
-    if (points.hasError())
-        return points;
-    return withinLimits(std::move(points).value());
+    return buildPoints(buildMzPoints(peptide, charge), predictions);
 }
 
 QList<MsMsFragmentationPredictomatic::Fragment> MsMsFragmentationPredictomatic::buildMzPoints(const QString &peptide,

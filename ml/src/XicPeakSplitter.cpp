@@ -51,8 +51,6 @@ Eigen::VectorXf buildInputVector(const QList<QPointF> &points, const XicPeakSpli
 /// the count) where the value beside them is negative.
 std::vector<int> findPeakIndices(const std::vector<float> &values)
 {
-    if (values.empty())
-        return {};
     std::vector<float> padded = {0.0F};
     padded.insert(padded.end(), values.cbegin(), values.cend());
     padded.push_back(0.0F);

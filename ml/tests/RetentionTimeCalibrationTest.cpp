@@ -179,6 +179,13 @@ TEST_F(RetentionTimeCalibrating, PassesAFailedPredictionOn)
     ASSERT_TRUE(calibration.hasError());
     EXPECT_EQ(calibration.error().code(), Failure);
     EXPECT_EQ(calibration.error().message(), QStringLiteral("No network for retention times is loaded"));
+
+    const auto fitted = RetentionTimeCalibration::fit(&predictor, observed);
+    ASSERT_FALSE(fitted.hasError());
+    QList<double> times{7.0};
+    const Error error = fitted.value().predict(&unloaded, {observed.constFirst().peptidoform}, &times);
+    EXPECT_EQ(error.message(), QStringLiteral("No network for retention times is loaded"));
+    EXPECT_EQ(times, QList<double>{7.0});
 }
 
 TEST_F(RetentionTimeCalibrating, PredictsNothingOfAnEmptyList)

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstring>
 #include <vector>
 
 namespace zav {
@@ -137,6 +138,21 @@ TEST(TfApi, TheFirstMissingFunctionIsNamedWithTheFileThatWasTried)
     EXPECT_FALSE(error.message().contains(QStringLiteral("TF_DeleteGraph")));
     EXPECT_TRUE(error.message().contains(TfApi::runtimeFileName()));
     EXPECT_TRUE(error.message().contains(QStringLiteral("scripts/setup")));
+}
+
+TEST(TfApi, EachFunctionIsMissedByItsName)
+{
+    TfApi whole;
+    whole.load();
+    for (std::size_t i = 0; i < FUNCTIONS.size(); ++i) {
+        TfApi api = whole;
+        std::memset(reinterpret_cast<char *>(&api) + (i + 1) * sizeof(void *), 0, sizeof(void *));
+        const QString name = QString::fromLatin1(FUNCTIONS[i]);
+        const Error error = api.checkComplete();
+        EXPECT_EQ(error.hasError(), !name.startsWith(QStringLiteral("TF_StringEncode"))) << FUNCTIONS[i];
+        EXPECT_TRUE(!error.hasError() || error.message().contains(QStringLiteral("function %1 was").arg(name)))
+            << error.message().toStdString();
+    }
 }
 
 TEST(TfApi, TheRuntimeIsTheRealOne)

@@ -58,6 +58,11 @@ TEST(Error, ToStringPrintsCodeMessageWarningsAndTrail)
     EXPECT_EQ(QStringLiteral("NoError"), Error().toString());
 }
 
+TEST(Error, CodeOfANewerLibraryIsPrintedAsANumber)
+{
+    EXPECT_EQ(QStringLiteral("ErrorCode(3)"), Error(static_cast<ErrorCode>(3)).toString());
+}
+
 TEST(Error, WarningOperationsChain)
 {
     Error error;
@@ -73,14 +78,27 @@ TEST(Error, CopyAndMoveKeepEverything)
     original.addWarning(QStringLiteral("w")).ecatch("f()", "file", 1);
     const Error copy(original);
     Error assigned;
-    assigned = Error(original);
+    assigned = original;
+    Error taken;
+    taken = Error(original);
     const Error moved(std::move(original));
-    for (const Error *error : {&copy, static_cast<const Error *>(&assigned), &moved}) {
+    for (const Error *error :
+         {&copy, static_cast<const Error *>(&assigned), static_cast<const Error *>(&taken), &moved}) {
         EXPECT_EQ(Failure, error->code());
         EXPECT_EQ(QStringLiteral("m"), error->message());
         EXPECT_EQ(QList<QString>({"w"}), error->warnings());
         EXPECT_EQ(1, error->trail().size());
     }
+}
+
+TEST(Warnings, AssignedOnesAreACopy)
+{
+    Warnings warnings, other;
+    warnings.addWarning(QStringLiteral("kept"));
+    other.addWarning(QStringLiteral("replaced"));
+    other = warnings;
+    warnings.clearWarnings();
+    EXPECT_EQ(QList<QString>({"kept"}), other.warnings());
 }
 
 TEST(Warnings, ResetReplacesWhatWasThere)
