@@ -8,6 +8,7 @@ import shutil
 import signal
 import subprocess
 import tempfile
+import time
 
 import workbench
 from workbench import Row
@@ -181,9 +182,9 @@ def runtime_folder():
     return next(iter(sorted((cache / "zav").glob("tensorflow-*/libtensorflow.so.2")))).parent
 
 
-def with_runtime(base, files, then):
-    """A program whose runtime is what `files` says: name -> bytes, or a path to link to. It looks for one in the folder
-    zav beside its own library first."""
+def program_with_runtime(base, files):
+    """A folder with the program's libraries, whose runtime is what `files` says: name -> bytes, or a path to link to.
+    The program looks for one in the folder zav beside its own library first."""
     folder = base / "program"
     shutil.rmtree(folder, ignore_errors=True)
     (folder / "zav").mkdir(parents=True)
@@ -196,8 +197,16 @@ def with_runtime(base, files, then):
             (folder / "zav" / name).write_bytes(content)
         else:
             (folder / "zav" / name).symlink_to(content)
-    models = pathlib.Path(workbench.PROGRAM).resolve().parent.parent / "share" / "zav" / "models"
-    return zav([*then, "--models", str(models.resolve())], base, LD_LIBRARY_PATH=str(folder))
+    return folder
+
+
+def models():
+    return str((pathlib.Path(workbench.PROGRAM).resolve().parent.parent / "share" / "zav" / "models").resolve())
+
+
+def with_runtime(base, files, then):
+    folder = program_with_runtime(base, files)
+    return zav([*then, "--models", models()], base, LD_LIBRARY_PATH=str(folder))
 
 
 def broken_runtimes(base):
@@ -226,6 +235,33 @@ def broken_runtimes(base):
         yield (what, faults) if done.returncode else (what, faults, True)
 
 
+def runtime_that_is_replaced(base):
+    """By a file that is none, once the program has opened it. The limits have to come out the same."""
+    name = "libtensorflow.so.2"
+    folder = program_with_runtime(base, {path.name: path for path in runtime_folder().iterdir()})
+    command = [workbench.PROGRAM, "limits", "-", "--format", "tsv", "--threads", "1", "--models", models()]
+    running = {"cwd": base, "env": environment(LD_LIBRARY_PATH=str(folder)), "stdout": subprocess.PIPE,
+               "stderr": subprocess.PIPE, "stdin": subprocess.PIPE}
+    heading, trace = workbench.chromatograms().split(b"\n", 1)
+    traces = [trace.replace(b"one", b"one%d" % i).replace(b"two", b"two%d" % i) for i in range(100)]
+    head, rest = heading + b"\n" + b"".join(traces[:50]), b"".join(traces[50:])
+    with subprocess.Popen(command, **running) as process:
+        expected, _ = process.communicate(head + rest)
+    with subprocess.Popen(command, **running) as process:
+        process.stdin.write(head)
+        process.stdin.flush()
+        until = time.monotonic() + workbench.TIMEOUT
+        while "libtensorflow" not in pathlib.Path(f"/proc/{process.pid}/maps").read_text() and time.monotonic() < until:
+            time.sleep(0.01)
+        (base / "other").write_bytes(b"this is no library\n" * 1000)
+        os.replace(base / "other", folder / "zav" / name)
+        limits, said = process.communicate(rest)
+    faults = [] if process.returncode == 0 else [f"exit code {process.returncode}: {said[-200:]!r}"]
+    if limits != expected or not expected:
+        faults.append("the limits are others")
+    yield "replaced while it is in use", faults, True
+
+
 def home_that_cannot_be_written(base):
     home = base / "home"
     home.mkdir()
@@ -241,7 +277,7 @@ def home_that_cannot_be_written(base):
 
 
 SITUATIONS = (full_disk, device_that_is_full, read_only_folder, long_names, folder_that_goes, pipe_that_nobody_reads,
-              broken_runtimes, home_that_cannot_be_written)
+              broken_runtimes, runtime_that_is_replaced, home_that_cannot_be_written)
 
 
 def rows(is_short, jobs, only):
