@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Which ions a predicted spectrum of a peptidoform holds and where they are.
+#include "PeptidoformIons.h"
 #include "NaiveSpectrum.h"
 #include "PeptidoformSpectrumTest.h"
 
@@ -131,6 +132,13 @@ TEST_F(PeptidoformIons, HaveLossesOfNoOtherModification)
                 << proForma << ' ' << ion.toStdString();
         }
     }
+}
+
+TEST_F(PeptidoformIons, KnowNoLossOfAnotherName)
+{
+    EXPECT_EQ(peptidoformIons::modificationLoss(QStringLiteral("-CO2")),
+              peptidoformIons::ModificationLoss::CarbonDioxide);
+    EXPECT_EQ(peptidoformIons::modificationLoss(QStringLiteral("-HPO3")), peptidoformIons::ModificationLoss::None);
 }
 
 TEST_F(PeptidoformIons, HaveNoMoreChargesThanThePrecursorAndThree)
