@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "CommandArguments.h"
 
+#include "OutputFile.h"
 #include "PrintableText.h"
 
 #include <CLI/CLI.hpp>
@@ -28,6 +29,14 @@ int chargeFrom(const QString &text)
 bool isSameFile(const QString &a, const QString &b)
 {
     return QFileInfo(a).isFile() && QFileInfo(a).canonicalFilePath() == QFileInfo(b).canonicalFilePath();
+}
+
+/// The file's one path, also of a file that is yet to be made.
+QString onePath(const QString &path)
+{
+    const QFileInfo file(path);
+    const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();
+    return file.exists() || folder.isEmpty() ? file.canonicalFilePath() : folder + QLatin1Char('/') + file.fileName();
 }
 
 } // namespace
@@ -88,6 +97,17 @@ Error checkNotOverwritten(const QStringList &inputs, const QStringList &outputs)
             if (isSameFile(input, output))
                 return wrongArgument(QStringLiteral("%1 would be overwritten").arg(displayText(input, 300)));
         }
+    }
+    return {};
+}
+
+Error checkNotAmong(const QStringList &others, const QString &output)
+{
+    if (output.isEmpty() || !isRegularFile(output) || onePath(output).isEmpty())
+        return {};
+    for (const QString &other : others) {
+        if (!other.isEmpty() && onePath(other) == onePath(output))
+            return wrongArgument(QStringLiteral("%1 is named for two outputs").arg(displayText(output, 300)));
     }
     return {};
 }

@@ -85,4 +85,7 @@ bool isPicture(const QString &path);
 /// Refuses an output file that is one of the input files, by whatever path. Empty paths count for nothing.
 Error checkNotOverwritten(const QStringList &inputs, const QStringList &outputs);
 
+/// Refuses an output that is one of the others, by whatever path. Only files count: no empty path, no "-", no device.
+Error checkNotAmong(const QStringList &others, const QString &output);
+
 } // namespace zav

@@ -39,6 +39,12 @@ The length of the network's input sets the cost of a trace. A longer trace is th
 lists every trace, with or without peaks. A file that cannot be read to its end ends the run, and the -o FILE does
 not appear.
 
+--report writes one HTML file that any browser opens, without the network: a table of all traces (of groups, with
+--group) to filter and sort, the picture and the measures of the chosen one, and for each trace a mark (accepted or
+rejected) and a note. j and k step to the next and the previous trace, a accepts, r rejects, n goes to the note; the
+page names its other keys. The browser keeps marks and notes for that report, and the page saves them as TSV, with the
+measures. The file appears only when it is complete; --report - writes to standard output and needs -o FILE.
+
 Exit code: 0 every trace was searched, 1 something failed (standard error says what and why), 2 wrong usage. A trace in
 which no peak is found, or that is too short to have one, is not a failure; standard error says which.
 
@@ -48,6 +54,7 @@ Examples:
   zav limits run.mzML --targets targets.tsv --best 3 -o peaks.tsv
   zav limits run.mzML.gz --targets targets.tsv --plot pictures --plot-format pdf
   zav limits srm.mzML --group --plot pictures -o peaks.tsv
+  zav limits srm.mzML --group --report peaks.html -o peaks.tsv
   zav limits *.mzML --threads 8 --format json -o peaks.json
   zcat traces.jsonl.gz | zav limits - --method walk
 )";

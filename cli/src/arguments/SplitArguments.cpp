@@ -22,7 +22,7 @@ A trace of more than 512 points (or than --max-point-count) is first read with n
 closely where nothing is found; the pieces between splits are searched again. Times are always those of the trace's own
 points. Without --format the output is a table on a terminal, what the ending of the -o FILE says (.tsv, .json), and TSV
 otherwise; JSON lists every trace, with or without splits. A file that cannot be read to its end ends the run, and the
--o FILE does not appear.
+-o FILE does not appear. --report writes a page for paging through all traces, as for zav limits.
 
 Exit code: 0 every trace was searched, 1 something failed (standard error says what and why), 2 wrong usage. A trace
 without a split, or too short to have one, is not a failure; standard error says which.
@@ -30,6 +30,7 @@ without a split, or too short to have one, is not a failure; standard error says
 Examples:
   zav split peak.tsv --plot peak.svg
   zav split run.mzML --mz 524.2648 --ppm 10 --rt 14.2-15.1
+  zav split run.mzML --report splits.html -o splits.tsv
   zav split run.mzML.gz --format json -o splits.json
 )";
 

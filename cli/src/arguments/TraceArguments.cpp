@@ -111,6 +111,10 @@ void TraceArguments::addOutputTo(CLI::App *command, const char *shownInPictures)
         ->add_option("--plot-format", m_plotFormat,
                      std::string("of the pictures in the folder: svg, png or pdf [") + DEFAULT_PICTURE + "]")
         ->type_name("FORMAT");
+    command
+        ->add_option("--report", m_report,
+                     "write an HTML page of all traces: pictures, measures, marks and notes; - is standard output")
+        ->type_name("FILE");
     command->add_option("--threads", m_threads, "number of threads [one per core]")->type_name("N");
     command->add_flag("-v,--verbose", m_verbose, "also show where in the program each failure occurred");
 }
@@ -129,6 +133,7 @@ Error TraceArguments::convert(TraceOptions *options) const
 {
     options->networks = m_networks.choice();
     options->outputPath = text(m_output);
+    options->reportPath = text(m_report);
     options->verbose = m_verbose;
     options->threads = m_threads.value_or(usableCores());
     if (options->threads < 1 || options->threads > MOST_THREADS)
@@ -144,8 +149,19 @@ Error TraceArguments::convert(TraceOptions *options) const
         if (Error error = (this->*part)(options); error.hasError())
             return error;
     }
-    return checkNotOverwritten(options->inputs + QStringList{options->targetList},
-                               {options->outputPath, options->picturePath});
+    return checkOutputs(*options);
+}
+
+Error TraceArguments::checkOutputs(const TraceOptions &options) const
+{
+    const QString standardOutput = QStringLiteral("-");
+    if (options.reportPath == standardOutput && (options.outputPath.isEmpty() || options.outputPath == standardOutput))
+        return wrongArgument(QStringLiteral("--report - needs -o FILE: both would go to standard output"));
+    const QStringList others = {options.outputPath, options.picturePath};
+    if (Error error = checkNotAmong(others, options.reportPath); error.hasError())
+        return error;
+    return checkNotOverwritten(options.inputs + QStringList{options.targetList},
+                               others + QStringList{options.reportPath});
 }
 
 Error TraceArguments::convertInputs(TraceOptions *options) const

@@ -35,10 +35,11 @@ private:
     Error convertGroups(TraceOptions *options) const;
     Error convertOutput(TraceOptions *options) const;
     Error convertPictures(TraceOptions *options) const;
+    Error checkOutputs(const TraceOptions &options) const;
 
     std::vector<std::string> m_inputs;
     NetworkArguments m_networks;
-    std::string m_timeRange, m_targets, m_groupBy, m_format, m_output, m_plot, m_plotFormat;
+    std::string m_timeRange, m_targets, m_groupBy, m_format, m_output, m_report, m_plot, m_plotFormat;
     std::optional<double> m_mz, m_ppm;
     std::optional<int> m_threads, m_maxPointCount;
     bool m_groups = false;

@@ -85,6 +85,14 @@ QList<QPointF> consensusOf(const QList<QList<QPointF>> &traces)
     return consensus;
 }
 
+QList<QPointF> scaledConsensus(QList<QPointF> consensus, qsizetype traces)
+{
+    const auto factor = static_cast<double>(traces * traces);
+    for (QPointF &point : consensus)
+        point.ry() /= factor;
+    return consensus;
+}
+
 double shapeAgreement(const QList<QPointF> &trace, const QList<QPointF> &consensus, const Interval<double> &limits)
 {
     const QList<QPointF> points = byTime(trace);

@@ -24,6 +24,9 @@ std::optional<double> intensityAt(double time, const QList<QPointF> &points);
 /// A trace counts only within its own range of time. Negative intensities count as 0. The result ascends in time.
 QList<QPointF> consensusOf(const QList<QList<QPointF>> &traces);
 
+/// The consensus of that many traces in their size: with the mean of the square roots in place of their sum.
+QList<QPointF> scaledConsensus(QList<QPointF> consensus, qsizetype traces);
+
 /// How alike a trace and the consensus are within the limits: Pearson's r of their intensities at the times of the
 /// consensus that the trace's range holds too. NaN for fewer than two such times, and where either is constant.
 double shapeAgreement(const QList<QPointF> &trace, const QList<QPointF> &consensus, const Interval<double> &limits);

@@ -41,6 +41,7 @@ TraceCommand::TraceCommand(const TraceOptions &options, const TraceTable &table)
     : Command(options.verbose), m_options(options), m_table(table),
       m_pictures(options.picturePath, options.pictureFolderFormat,
                  options.target ? std::optional(options.target->ppm) : std::nullopt),
+      m_report(options.reportPath, options.inputs, table),
       m_output(options.outputPath, makeTraceWriter(formatOf(options), table, fileWidth(options.inputs)))
 {}
 
@@ -113,6 +114,8 @@ Error TraceCommand::analyseAll()
 
 Error TraceCommand::finishOutput()
 {
+    if (Error error = m_report.finish(); error.hasError())
+        return error;
     return m_output.finish();
 }
 
@@ -175,7 +178,7 @@ Error TraceCommand::accept(const TraceGroup &group, Progress *progress)
         if (error.hasError())
             return error;
     }
-    return {};
+    return m_report.add(group);
 }
 
 Error TraceCommand::accept(const Trace &trace)

@@ -6,6 +6,7 @@
 #include "ModelFolder.h"
 #include "Trace.h"
 #include "TracePictures.h"
+#include "TraceReport.h"
 #include "TraceStream.h"
 #include "TraceWriter.h"
 
@@ -36,6 +37,7 @@ struct TraceOptions
     QString outputPath;                ///< empty: standard output
     QString picturePath;               ///< a picture, or a folder for one of every trace; empty: none
     QString pictureFolderFormat;       ///< of the pictures in a folder; empty: `picturePath` is a picture
+    QString reportPath;                ///< an HTML page of all traces; empty: none
     bool groupsTraces = false;         ///< search the traces of a precursor together
     QString groupPattern;              ///< with that: of the part of an id that names the group; may be empty
     int threads = 1;
@@ -88,6 +90,7 @@ private:
     TraceOptions m_options;
     const TraceTable &m_table;
     TracePictures m_pictures;
+    TraceReport m_report;
     TraceTally m_tally;
     std::unique_ptr<TraceStream> m_stream;
     TraceOutput m_output;

@@ -2,6 +2,7 @@
 #include "TracePictures.h"
 
 #include "ChromatogramPlot.h"
+#include "ConsensusTrace.h"
 #include "PictureFile.h"
 #include "PrintableText.h"
 
@@ -50,15 +51,6 @@ QList<ChromatogramPlotMember> membersOf(const TraceGroup &group)
             members.append({trace.chromatogram.id, trace.chromatogram.points});
     }
     return members.size() > 1 ? members : QList<ChromatogramPlotMember>();
-}
-
-/// The consensus in the size of the members: with the mean of the square roots in place of their sum.
-QList<QPointF> scaledConsensus(QList<QPointF> consensus, qsizetype members)
-{
-    const auto factor = static_cast<double>(members * members);
-    for (QPointF &point : consensus)
-        point.ry() /= factor;
-    return consensus;
 }
 
 } // namespace

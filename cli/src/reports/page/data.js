@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+// The data elements of the page. The rows are read at once; the points only of the entries that are shown.
+
+const BLOCKS_KEPT = 8;
+
+class ReportData {
+  constructor(page) {
+    const textOf = (name) => page.querySelector(`script.${name}`).textContent;
+    this.heading = JSON.parse(textOf("heading"));
+    this.digest = JSON.parse(textOf("ending")).digest;
+    this.entries = [];
+    this.pointElements = [...page.querySelectorAll("script.points")];
+    this.blocks = new Map(); // the latest used last
+    page.querySelectorAll("script.rows").forEach((element, block) => {
+      for (const entry of JSON.parse(element.textContent)) {
+        entry.block = block;
+        entry.index = this.entries.length;
+        this.entries.push(entry);
+      }
+      element.remove();
+    });
+  }
+
+  /** What the entry is called: the group, or the trace. */
+  nameOf(entry) {
+    return entry.group ?? entry.traces[0].id;
+  }
+
+  fileOf(entry) {
+    return this.heading.files[entry.file] ?? "";
+  }
+
+  /** The points of an entry: those of the consensus if it has one, and those of each trace. */
+  async pointsOf(entry) {
+    const reader = new PointReader(await this.block(entry.block), entry.at);
+    const consensus = entry.hasConsensus ? reader.read() : null;
+    return { consensus, traces: entry.traces.map(() => reader.read()) };
+  }
+
+  block(number) {
+    const block = this.blocks.get(number) ?? inflate(this.pointElements[number].textContent);
+    this.blocks.delete(number);
+    this.blocks.set(number, block);
+    if (this.blocks.size > BLOCKS_KEPT)
+      this.blocks.delete(this.blocks.keys().next().value);
+    return block;
+  }
+}
+
+/** Deflated bytes (RFC 1950) in Base64. */
+async function inflate(base64) {
+  const text = atob(base64);
+  const bytes = new Uint8Array(text.length);
+  for (let i = 0; i < text.length; ++i)
+    bytes[i] = text.charCodeAt(i);
+  const stream = new Blob([bytes]).stream().pipeThrough(new DecompressionStream("deflate"));
+  return new Response(stream).arrayBuffer();
+}
+
+/** Reads packed traces, one after the other. */
+class PointReader {
+  constructor(buffer, place) {
+    this.view = new DataView(buffer);
+    this.bytes = new Uint8Array(buffer);
+    this.place = place;
+  }
+
+  read() {
+    const count = this.view.getUint32(this.place, true);
+    const start = this.view.getFloat64(this.place + 4, true);
+    const factor = this.view.getFloat64(this.place + 12, true);
+    this.place += 20;
+    const times = this.readFloats(count);
+    const intensities = this.readFloats(count);
+    return {
+      count,
+      time: (i) => start + times.getFloat32(4 * i, true),
+      intensity: (i) => factor * intensities.getFloat32(4 * i, true),
+    };
+  }
+
+  /** Numbers whose bytes stand by rank. */
+  readFloats(count) {
+    const bytes = new Uint8Array(4 * count);
+    for (let rank = 0; rank < 4; ++rank) {
+      for (let i = 0; i < count; ++i)
+        bytes[4 * i + rank] = this.bytes[this.place++];
+    }
+    return new DataView(bytes.buffer);
+  }
+}
