@@ -84,7 +84,7 @@ function tableColumns(data, marks) {
       cell.classList.toggle("failed", entry.isFailed);
     } };
   const ofPeak = heading.isGrouped ? "of the largest peak, all traces together" : "of the largest peak";
-  const columns = [mark, text(heading.isGrouped ? "group" : "id", 18, (entry) => entry.name)];
+  const columns = [mark, text(heading.isGrouped ? "group" : "id", 15, (entry) => entry.name)];
   if (heading.isGrouped)
     columns.push(number("traces", 4, "traces of the group", (entry) => entry.traces.length, String));
   columns.push(count);

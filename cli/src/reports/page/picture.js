@@ -125,14 +125,17 @@ class Picture {
     const labels = [];
     for (const [start, end, apex] of this.model.peaks.slice(0, MOST_BANDS)) {
       if (apex !== null && start <= end)
-        labels.push({ time: apex, text: this.timeText(apex), style: "" });
+        labels.push({ time: apex, text: this.timeText(apex), style: "apex-label" });
     }
     for (const [time, probability] of this.model.splits.slice(0, MOST_BANDS))
       labels.push({ time, text: probability.toFixed(2), style: "split-label" });
+    const right = MARGIN.left + this.plotWidth;
     let free = MARGIN.left;
     for (const { time, text, style } of labels.sort((a, b) => a.time - b.time)) {
-      const x = round(this.x(time));
-      if (x - LABEL_WIDTH / 2 < free || x > MARGIN.left + this.plotWidth - LABEL_WIDTH / 2)
+      if (time < this.times[0] || time > this.times[1])
+        continue;
+      const x = Math.max(MARGIN.left + LABEL_WIDTH / 2, Math.min(right - LABEL_WIDTH / 2, round(this.x(time))));
+      if (x - LABEL_WIDTH / 2 < free)
         continue;
       this.add(this.plot, "text", { class: style, x, y: MARGIN.top - 6, "text-anchor": "middle" }, text);
       free = x + LABEL_WIDTH / 2;
