@@ -89,9 +89,14 @@ def test_keys_and_clicks_choose(browser, mixed):
 
 def test_filters_and_sorts(browser, mixed):
     page = Page(browser, mixed)
+    page.keys("j", "j")
+    assert page.chosen() == "flat"
     page.filter("srm")
     assert page.column("id") == ["SRM 10", "SRM 9", "SRM 100"]
     assert "6 traces, 3 listed" in page.text("#tally")
+    assert page.chosen() == "SRM 10", "the first, where the chosen one is not listed"
+    page.keys(Keys.ENTER, "j")
+    assert page.chosen() == "SRM 9", "Enter leads to the table"
     page.sort("id")
     assert page.column("id") == ["SRM 9", "SRM 10", "SRM 100"]
     page.filter("")
@@ -107,6 +112,7 @@ def test_filters_and_sorts(browser, mixed):
     assert page.column("id") == ["flat"]
     page.filter("no such trace")
     assert page.rows() == []
+    assert not page.element("#detail").is_displayed()
     page.select("#filter-found", "")
     page.filter("")
     assert len(page.rows()) == 6
@@ -315,7 +321,8 @@ def test_failed_traces_and_mixed_units_are_told(browser, workplace):
 def test_zoom_shows_one_peak(browser, workplace, mixed):
     page = Page(browser, mixed)
     page.filter("two")
-    page.keys(Keys.ESCAPE, "j")
+    page.keys(Keys.ESCAPE)
+    assert page.column("id") == ["two peaks"], "the filter stays"
     page.wait_for_picture()
     assert page.script('return document.querySelectorAll("#picture .band").length') == 2
     rows = [row for row in workplace.rows("mixed") if row[0] == "two peaks"]

@@ -22,13 +22,12 @@ class ReportPage {
     this.chosen = null; // an entry
     this.listen();
     this.list();
-    this.choose(this.listed.length ? 0 : -1);
     byId("table").focus({ preventScroll: true });
   }
 
   // The table.
 
-  /** Lists what passes the filters, in the order that was asked for. */
+  /** Lists what passes the filters, in the order that was asked for. What was chosen stays chosen where it is listed. */
   list() {
     const words = byId("filter").value.toLowerCase().split(/\s+/).filter(Boolean);
     const mark = byId("filter-mark").value;
@@ -39,7 +38,8 @@ class ReportPage {
     if (this.sorting)
       this.sort();
     this.table.setEntries(this.listed);
-    this.table.choose(this.listed.indexOf(this.chosen));
+    const place = this.listed.indexOf(this.chosen);
+    this.choose(place < 0 && this.listed.length ? 0 : place);
     this.tell();
   }
 
@@ -185,7 +185,7 @@ class ReportPage {
   showNumbers() {
     const entry = this.chosen;
     const { columns } = this.heading;
-    const table = make("table");
+    const table = make("table", { "aria-label": this.heading.rows });
     const head = make("tr");
     const isGroup = entry.traces.length > 1;
     head.append(make("th", { scope: "col" }, isGroup ? "trace" : this.heading.rows.slice(0, -1)));
@@ -303,7 +303,10 @@ class ReportPage {
     byId("filter").addEventListener("input", () => this.list());
     byId("filter-mark").addEventListener("change", () => this.list());
     byId("filter-found").addEventListener("change", () => this.list());
-    byId("controls").addEventListener("submit", (event) => event.preventDefault());
+    byId("controls").addEventListener("submit", (event) => {
+      event.preventDefault();
+      byId("table").focus();
+    });
     byId("judgement").addEventListener("submit", (event) => event.preventDefault());
     byId("save").addEventListener("click", () => this.save());
     byId("accept").addEventListener("click", () => this.toggle("accepted"));
@@ -321,6 +324,7 @@ class ReportPage {
       return;
     const isTyping = event.target.matches("textarea, select, input:not([type=checkbox])");
     if (event.key === "Escape") {
+      event.preventDefault(); // it would empty the filter
       byId("table").focus();
       return;
     }
