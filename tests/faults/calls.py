@@ -81,6 +81,7 @@ def cases(is_short):
     if is_short:
         yield workbench.library_case("blib", "--no-retention-times")
         return
+    yield workbench.report_case()
     yield workbench.split_case()
     yield workbench.spectrum_case()
     yield workbench.peptides_case()

@@ -293,6 +293,12 @@ def limits_case():
                 ("l.tsv", "pictures/0001_one.svg", "pictures/0002_two.svg"), {"t.txt": chromatograms()})
 
 
+# The report names its input as the command line does: by a path that is the same in every run.
+def report_case():
+    return Case("limits --report", "limits d/t.txt --method walk --threads 1 -o {d}/l.tsv --report {d}/l.html",
+                ("l.tsv", "l.html"), {"t.txt": chromatograms()})
+
+
 def split_case():
     return Case("split --plot", "split {d}/t.txt --threads 1 -o {d}/l.json --plot {d}/pictures --plot-format png",
                 ("l.json", "pictures/0001_one.png", "pictures/0002_two.png"), {"t.txt": chromatograms()})

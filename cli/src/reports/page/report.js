@@ -88,7 +88,7 @@ class ReportPage {
   tell() {
     const { accepted, rejected } = this.marks.counts();
     const all = this.data.entries.length;
-    const name = this.heading.isGrouped ? "groups" : "traces";
+    const name = (this.heading.isGrouped ? "group" : "trace") + (all === 1 ? "" : "s");
     const listed = this.listed.length === all ? "" : `, ${this.listed.length} listed`;
     byId("tally").textContent = `${all} ${name}${listed}: ${accepted} accepted, ${rejected} rejected, ` +
       `${all - accepted - rejected} open` + (this.marks.storage ? "" : ". This browser keeps no marks: save them.");
