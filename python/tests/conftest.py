@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 import json
+import os
 import random
 import shutil
 import subprocess
@@ -13,7 +14,7 @@ import pytest
 
 import zav
 
-DATA = Path(__file__).resolve().parents[2] / "cli/tests/data"
+DATA = Path(os.environ.get("ZAV_TEST_DATA", Path(__file__).resolve().parents[2] / "cli/tests/data"))
 RESIDUES = "ACDEFGHIKLMNPQRSTVWY"
 
 Trace = tuple[npt.NDArray[np.float64], npt.NDArray[np.float64]]

@@ -108,7 +108,7 @@ def library(
     target = os.fspath(output)
     if target == "-" or os.fspath(fasta) == "-":
         raise InvalidInput("fasta and output must be files")
-    arguments = [*_arguments(options), "--output", target, "--", os.fspath(fasta)]
+    arguments = [*_arguments(options), f"--output={target}", "--", os.fspath(fasta)]
     _runtime.check_runtime()
     return _run(["library", *arguments], progress)
 
