@@ -68,8 +68,8 @@ def python_batch(predictor: zav.FragmentPredictor, peptides: list[str]) -> tuple
 
 def ms2pip_batch(peptides: list[str]) -> tuple[float, int, int]:
     """Return the seconds of one call of ms2pip's Python interface, its intensities and its peptides."""
-    from ms2pip.core import predict_batch  # type: ignore[import-not-found, unused-ignore]
-    from psm_utils import PSM, PSMList  # type: ignore[import-not-found, unused-ignore]
+    from ms2pip.core import predict_batch
+    from psm_utils import PSM, PSMList
 
     psms = PSMList(psm_list=[PSM(peptidoform=f"{each}/{CHARGE}", spectrum_id=i) for i, each in enumerate(peptides)])
     start = sum(os.times()[:4])  # of this process and those that it has waited for
