@@ -14,6 +14,7 @@ from pathlib import Path
 from conftest import random_peptides
 
 import zav
+from zav import _runtime
 
 Program = Callable[..., subprocess.CompletedProcess[str]]
 
@@ -90,6 +91,25 @@ def test_tensorflow_s_python_is_not_imported() -> None:
         print([name for name in sys.modules if name.split(".")[0] in ("tensorflow", "keras")])
         """)
     assert result.stdout == "[]\n", result.stderr
+
+
+def test_runtime_is_found_in_the_folder_of_the_package_tensorflow(tmp_path: Path) -> None:
+    """Its Python code is not run."""
+    package = tmp_path / "tensorflow"
+    package.mkdir()
+    (package / "__init__.py").write_text("raise SystemExit('imported')\n")
+    runtime = _runtime.runtime_folder()
+    assert runtime
+    for library in ("libtensorflow_cc.so.2", "libtensorflow_framework.so.2"):
+        (package / library).symlink_to(runtime / library)
+    script = """
+        import zav
+        predicted = len(zav.FragmentPredictor().predict(["PEPTIDEK"], 2)) > 5
+        maps = open("/proc/self/maps").read()
+        print(predicted, [name for name in ("libtensorflow_cc.so.2",) if name in maps])
+        """
+    result = run_python(script, ZAV_TENSORFLOW_DIR="", PYTHONPATH=str(tmp_path))
+    assert result.stdout == "True ['libtensorflow_cc.so.2']\n", result.stderr
 
 
 def test_a_missing_runtime_is_an_error(tmp_path: Path) -> None:
