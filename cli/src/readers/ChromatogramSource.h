@@ -116,7 +116,8 @@ struct ChromatogramRequest
 ///
 /// **With `readsGroups`** a TSV file may have a column `group`, the same in all rows of a trace, and a JSON object a
 /// `group` (text or number). Gzipped content and standard input are copied to a temporary file, inflated: `seek` needs
-/// to go to and fro. Extracted traces stay in memory until the source is gone.
+/// to go to and fro. So damage behind the end of a gzipped mzML document is an error there, and is not seen otherwise.
+/// Extracted traces stay in memory until the source is gone.
 ///
 /// Messages name the file, or "standard input". `InvalidInput` for an unknown ending or format and for targets with a
 /// file that is not mzML; `Failure` for a file that cannot be read as what its ending says or that holds no
