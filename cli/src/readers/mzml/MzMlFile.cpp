@@ -12,7 +12,10 @@
 
 #include <pwiz/data/msdata/IO.hpp>
 
+#include <memory>
+#include <optional>
 #include <sstream>
+#include <string>
 #include <utility>
 #include <vector>
 
