@@ -123,6 +123,16 @@ TEST_F(MzMlExtraction, TraceIsYieldedWhenItsRangeIsOver)
     EXPECT_EQ(extract(torn, {early}).error, error) << "the rest of the file is read too";
 }
 
+TEST_F(MzMlExtraction, GzipThatIsCutBehindTheDocumentIsAnErrorOnlyWhereItIsCopied)
+{
+    const QByteArray whole = gzip(run(SPECTRA) + QByteArray(100000, ' '));
+    const QString path = files.write("a.mzML.gz", whole.chopped(20));
+    const QList<ExtractionTarget> targets = {{"t", 500, 10}};
+    EXPECT_EQ(TraceList::read(files, {path, {}, targets}).error, "");
+    EXPECT_EQ(TraceList::read(files, {path, {}, targets, true}).error,
+              "cannot read a.mzML.gz: it ends within its gzipped data");
+}
+
 TEST_F(MzMlExtraction, TargetsInNoOrderOfTimeKeepTheirOrder)
 {
     const QList<ExtractionTarget> targets = {{"c", 500, 10, 3, 4}, {"a", 500, 10, 1, 1}, {"d", 500, 10, 9, 9},
