@@ -28,7 +28,7 @@ Reading read(const QString &path)
 }
 
 // Gzipped content is copied to its end where traces are kept; otherwise nothing behind the document is read.
-bool isCutBehindItsDocument(const QByteArray &input)
+bool cannotBeReadToItsEnd(const QByteArray &input)
 {
     const Result<std::unique_ptr<ByteStream>> bytes = ByteStream::open(fileWith(NAME, input));
     QByteArray piece;
@@ -57,7 +57,7 @@ void tryInput(const QByteArray &input)
     QList<TraceOutcome> outcomes;
     auto opened = openChromatograms({fileWith(NAME, input), {}, targets(), true});
     const Reading kept = readTraces(opened, &outcomes);
-    require(kept.error.isEmpty() || !whole.error.isEmpty() || isCutBehindItsDocument(input),
+    require(kept.error.isEmpty() || !whole.error.isEmpty() || cannotBeReadToItsEnd(input),
             "keeping the traces damages nothing");
     if (!kept.error.isEmpty())
         return;
