@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "ReportFile.h"
 #include "Trace.h"
+#include "TraceReportFile.h"
 #include "TraceTable.h"
 
 #include <zav/Error.h>
@@ -34,7 +34,7 @@ private:
     bool m_isWanted;
     QStringList m_inputs;
     const TraceTable &m_table;
-    ReportFile m_file;
+    TraceReportFile m_file;
 };
 
 } // namespace zav

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ReportFile.h"
 
-#include "PackedTrace.h"
-#include "PrintableText.h"
-#include "ReportPage.h"
-
 #include <nlohmann/json.hpp>
 
-#include <limits>
+#include <QtCore/QtEndian>
+
+#include <utility>
 
 namespace zav {
 
@@ -15,87 +13,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr qsizetype BLOCK_SIZE = 1 << 18; // bytes of rows or points
-
-Json json(const QString &text)
-{
-    return text.toStdString();
-}
-
-Json json(const QStringList &texts)
-{
-    Json array = Json::array();
-    for (const QString &text : texts)
-        array.push_back(json(text));
-    return array;
-}
-
-Json json(const QList<ReportPeak> &peaks)
-{
-    Json array = Json::array();
-    for (const ReportPeak &peak : peaks)
-        array.push_back({peak.start, peak.end, peak.apex});
-    return array;
-}
-
-Json json(const QList<ReportSplit> &splits)
-{
-    Json array = Json::array();
-    for (const ReportSplit &split : splits)
-        array.push_back({split.time, split.probability});
-    return array;
-}
-
-/// Adds what there is.
-template <typename Value>
-void set(Json *object, const char *key, const Value &value)
-{
-    if (!value.isEmpty())
-        (*object)[key] = json(value);
-}
-
-Json json(const ReportTrace &trace)
-{
-    Json object;
-    object["id"] = json(trace.id);
-    // The id as the other outputs write it, for the table that the page saves.
-    if (const QString cell = displayText(trace.id, std::numeric_limits<int>::max()); cell != trace.id)
-        object["cell"] = json(cell);
-    object["points"] = trace.points.size();
-    if (trace.points.size() > MOST_REPORTED_POINTS)
-        object["thinned"] = true;
-    if (!trace.rows.isEmpty())
-        object["rows"] = Json::array();
-    for (const QList<QByteArray> &values : trace.rows) {
-        Json row = Json::array();
-        for (const QByteArray &value : values)
-            row.push_back(value.toStdString());
-        object["rows"].push_back(std::move(row));
-    }
-    set(&object, "remarks", trace.remarks);
-    set(&object, "problem", trace.problem);
-    return object;
-}
-
-Json json(const QList<ReportTrace> &traces)
-{
-    Json array = Json::array();
-    for (const ReportTrace &trace : traces)
-        array.push_back(json(trace));
-    return array;
-}
-
-Json json(const ReportHeading &heading)
-{
-    Json columns = Json::array();
-    for (const ReportColumn &column : heading.columns)
-        columns.push_back({{"name", column.name.toStdString()}, {"isTime", column.isTime}});
-    return {{"generator", "zav " ZAV_VERSION},
-            {"rows", heading.rowsName.toStdString()},
-            {"files", json(heading.files)},
-            {"columns", columns},
-            {"isGrouped", heading.isGrouped}};
-}
+constexpr qsizetype BLOCK_SIZE = 1 << 18; // bytes of rows or of what pictures need
 
 QByteArray textOf(const Json &value)
 {
@@ -104,7 +22,9 @@ QByteArray textOf(const Json &value)
 
 } // namespace
 
-ReportFile::ReportFile(const QString &path, const ReportHeading &heading) : m_heading(heading), m_file(path) {}
+ReportFile::ReportFile(const QString &path, ReportKind kind, const Json &heading)
+    : m_kind(kind), m_heading(textOf(heading)), m_file(path)
+{}
 
 Error ReportFile::open()
 {
@@ -113,31 +33,17 @@ Error ReportFile::open()
     if (Error error = m_file.open(); error.hasError())
         return error;
     m_isOpen = true;
-    return m_file.write(ReportPage::opening() + jsonElement("heading", textOf(json(m_heading))));
+    return m_file.write(ReportPage::opening(m_kind) + jsonElement("heading", m_heading));
 }
 
-Error ReportFile::add(const ReportEntry &entry)
+Error ReportFile::add(Json entry, const QByteArray &bytes)
 {
     if (Error error = open(); error.hasError())
         return error;
-    Json object;
-    object["file"] = entry.file;
-    set(&object, "group", entry.group);
-    set(&object, "timeUnit", entry.timeUnit);
-    set(&object, "intensityUnit", entry.intensityUnit);
-    object["traces"] = json(entry.traces);
-    set(&object, "peaks", entry.peaks);
-    set(&object, "splits", entry.splits);
-    set(&object, "remarks", entry.remarks);
-    object["at"] = m_points.size();
-    if (!entry.consensus.isEmpty()) {
-        object["hasConsensus"] = true;
-        m_points += packedTrace(reportedPoints(entry.consensus));
-    }
-    for (const ReportTrace &trace : entry.traces)
-        m_points += packedTrace(reportedPoints(trace.points));
-    m_rows += (m_rows.isEmpty() ? "" : ",\n") + textOf(object);
-    return m_rows.size() < BLOCK_SIZE && m_points.size() < BLOCK_SIZE ? Error() : endBlock();
+    entry["at"] = m_bytes.size();
+    m_rows += (m_rows.isEmpty() ? "" : ",\n") + textOf(entry);
+    m_bytes += bytes;
+    return m_rows.size() < BLOCK_SIZE && m_bytes.size() < BLOCK_SIZE ? Error() : endBlock();
 }
 
 Error ReportFile::endBlock()
@@ -145,13 +51,13 @@ Error ReportFile::endBlock()
     if (m_rows.isEmpty())
         return {};
     m_digest.add(m_rows);
-    m_digest.add(m_points);
-    const QByteArray points = bytesElement("points", m_points);
+    m_digest.add(m_bytes);
+    const QByteArray points = bytesElement("points", m_bytes);
     if (points.isEmpty())
         return Error(Failure, QStringLiteral("Out of memory"));
     const QByteArray block = jsonElement("rows", "[\n" + m_rows + "\n]") + points;
     m_rows.clear();
-    m_points.clear();
+    m_bytes.clear();
     return m_file.write(block);
 }
 
@@ -162,9 +68,30 @@ Error ReportFile::finish()
     if (Error error = endBlock(); error.hasError())
         return error;
     const Json ending = {{"digest", m_digest.result().toStdString()}};
-    if (Error error = m_file.write(jsonElement("ending", textOf(ending)) + ReportPage::closing()); error.hasError())
+    if (Error error = m_file.write(jsonElement("ending", textOf(ending)) + ReportPage::closing(m_kind));
+        error.hasError())
         return error;
     return m_file.commit();
+}
+
+QByteArray packedJson(const Json &value)
+{
+    const QByteArray text = textOf(value);
+    const quint32 size = qToLittleEndian(static_cast<quint32>(text.size()));
+    return QByteArray(reinterpret_cast<const char *>(&size), sizeof size) + text;
+}
+
+Json jsonText(const QString &text)
+{
+    return text.toStdString();
+}
+
+Json jsonTexts(const QStringList &texts)
+{
+    Json array = Json::array();
+    for (const QString &text : texts)
+        array.push_back(jsonText(text));
+    return array;
 }
 
 } // namespace zav

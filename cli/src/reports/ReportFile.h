@@ -3,86 +3,33 @@
 
 #include "FileDigest.h"
 #include "OutputFile.h"
+#include "ReportPage.h"
 
 #include <zav/Error.h>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <QtCore/QByteArray>
-#include <QtCore/QList>
-#include <QtCore/QPointF>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
 namespace zav {
 
-/// A number that a report has of every peak or split.
-struct ReportColumn
-{
-    QByteArray name; ///< as the other outputs call it
-    bool isTime = false;
-};
-
-/// What holds for a whole report.
-struct ReportHeading
-{
-    QByteArray rowsName; ///< "peaks"
-    QStringList files;   ///< as they are to be shown
-    QList<ReportColumn> columns;
-    bool isGrouped = false; ///< an entry is a group of traces
-};
-
-/// A trace of an entry.
-struct ReportTrace
-{
-    QString id;
-    QList<QPointF> points;
-    QList<QList<QByteArray>> rows; ///< of each peak or split the values of the columns, as text; empty for none
-    QStringList remarks;
-    QString problem; ///< why nothing was searched; mostly empty
-};
-
-/// The limits of a peak and its highest point.
-struct ReportPeak
-{
-    double start = 0;
-    double end = 0;
-    double apex = 0;
-};
-
-/// Where one peak was split from the next.
-struct ReportSplit
-{
-    double time = 0;
-    double probability = 0;
-};
-
-/// One line of the report's table, with its picture: a trace, or a group of traces.
-struct ReportEntry
-{
-    qsizetype file = 0; ///< number of its file in the heading
-    QString group;      ///< its name, with `isGrouped`
-    QString timeUnit;   ///< of all times of the entry; empty where the file does not say
-    QString intensityUnit;
-    QList<ReportTrace> traces;
-    QList<QPointF> consensus; ///< of a group, in the size of its traces; may be empty
-    QList<ReportPeak> peaks;
-    QList<ReportSplit> splits;
-    QStringList remarks; ///< of the group
-};
-
 /// Writes a report: one HTML file that any browser shows without the network. It has a table of the entries, the
 /// picture of the chosen one, and a mark and a note for each, which the page saves.
 ///
 /// Entries are written in blocks as they come; memory holds one block, about 256 KiB and its last entry. The page reads
-/// the points of a block when it shows one of its entries. As other output, the file appears only with `finish`, and
+/// the bytes of a block when it shows one of its entries. As other output, the file appears only with `finish`, and
 /// nothing is opened before the first entry. Equal entries make equal files.
 class ReportFile
 {
 public:
-    /// `path` "-": standard output.
-    ReportFile(const QString &path, const ReportHeading &heading);
+    /// `path` "-": standard output. `heading` is a JSON object of what holds for the whole report.
+    ReportFile(const QString &path, ReportKind kind, const nlohmann::ordered_json &heading);
 
-    /// The error is one of writing.
-    Error add(const ReportEntry &entry);
+    /// Adds what the table says of an entry, a JSON object, and what its picture needs, in the form that the page reads
+    /// (`packedTrace`, `packedJson`). The error is one of writing.
+    Error add(nlohmann::ordered_json entry, const QByteArray &bytes);
 
     /// Completes the file; nothing may be added afterwards.
     Error finish();
@@ -91,12 +38,20 @@ private:
     Error open();
     Error endBlock();
 
-    ReportHeading m_heading;
+    ReportKind m_kind;
+    QByteArray m_heading; ///< JSON
     OutputFile m_file;
     bool m_isOpen = false;
-    QByteArray m_rows;   ///< of the block: JSON, without its brackets
-    QByteArray m_points; ///< of the block
-    Sha256 m_digest;     ///< of the data: by it the page knows its marks again
+    QByteArray m_rows;  ///< of the block: JSON, without its brackets
+    QByteArray m_bytes; ///< of the block
+    Sha256 m_digest;    ///< of the data: by it the page knows its marks again
 };
+
+/// A JSON text of an entry in the form that the page reads: its length in bytes (4 bytes, little-endian) and the text.
+QByteArray packedJson(const nlohmann::ordered_json &value);
+
+// Text as JSON strings.
+nlohmann::ordered_json jsonText(const QString &text);
+nlohmann::ordered_json jsonTexts(const QStringList &texts);
 
 } // namespace zav

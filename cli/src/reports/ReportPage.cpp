@@ -11,7 +11,8 @@ namespace zav {
 // The files in the folder `page`.
 std::string_view reportMarkup();
 std::string_view reportStyle();
-std::string_view reportScript();
+std::string_view traceReportScript();
+std::string_view spectrumReportScript();
 
 namespace {
 
@@ -30,10 +31,11 @@ QByteArray sourceHash(const QByteArray &text)
 }
 
 /// The markup with the style and the script, cut where the data go.
-QList<QByteArray> parts()
+QList<QByteArray> parts(ReportKind kind)
 {
     const QByteArray style = '\n' + bytesOf(reportStyle());
-    const QByteArray script = "\n\"use strict\";\n" + bytesOf(reportScript());
+    const QByteArray script =
+        "\n\"use strict\";\n" + bytesOf(kind == ReportKind::Traces ? traceReportScript() : spectrumReportScript());
     QByteArray page = bytesOf(reportMarkup());
     page.replace("@policy@", "default-src 'none'; style-src " + sourceHash(style) + "; script-src " +
                                  sourceHash(script) + "; base-uri 'none'; form-action 'none'");
@@ -51,14 +53,14 @@ QByteArray element(const char *name, const char *type, const QByteArray &text)
 
 } // namespace
 
-QByteArray ReportPage::opening()
+QByteArray ReportPage::opening(ReportKind kind)
 {
-    return parts().first();
+    return parts(kind).first();
 }
 
-QByteArray ReportPage::closing()
+QByteArray ReportPage::closing(ReportKind kind)
 {
-    return parts().last();
+    return parts(kind).last();
 }
 
 QByteArray jsonElement(const char *name, const QByteArray &json)

@@ -5,14 +5,17 @@
 
 namespace zav {
 
+/// What the entries of a report are.
+enum class ReportKind { Traces, Spectra };
+
 /// The page of a report without its data: `opening`, the elements of data, `closing`.
 ///
 /// The page holds everything that it needs. A Content-Security-Policy lets only its own style and script run, by their
 /// SHA-256, and forbids it the network.
 struct ReportPage
 {
-    static QByteArray opening();
-    static QByteArray closing();
+    static QByteArray opening(ReportKind kind);
+    static QByteArray closing(ReportKind kind);
 };
 
 /// An element of data that the page's script reads; `name` is its class.

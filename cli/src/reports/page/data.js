@@ -21,20 +21,13 @@ class ReportData {
     });
   }
 
-  /** What the entry is called: the group, or the trace. */
-  nameOf(entry) {
-    return entry.group ?? entry.traces[0].id;
-  }
-
   fileOf(entry) {
     return this.heading.files[entry.file] ?? "";
   }
 
-  /** The points of an entry: those of the consensus if it has one, and those of each trace. */
-  async pointsOf(entry) {
-    const reader = new PointReader(await this.block(entry.block), entry.at);
-    const consensus = entry.hasConsensus ? reader.read() : null;
-    return { consensus, traces: entry.traces.map(() => reader.read()) };
+  /** Stands at the bytes of an entry. */
+  async readerOf(entry) {
+    return new EntryReader(await this.block(entry.block), entry.at);
   }
 
   block(number) {
@@ -57,15 +50,16 @@ async function inflate(base64) {
   return new Response(stream).arrayBuffer();
 }
 
-/** Reads packed traces, one after the other. */
-class PointReader {
+/** Reads what was packed for an entry, one after the other. */
+class EntryReader {
   constructor(buffer, place) {
     this.view = new DataView(buffer);
     this.bytes = new Uint8Array(buffer);
     this.place = place;
   }
 
-  read() {
+  /** A packed trace. */
+  readPoints() {
     const count = this.view.getUint32(this.place, true);
     const start = this.view.getFloat64(this.place + 4, true);
     const factor = this.view.getFloat64(this.place + 12, true);
@@ -77,6 +71,14 @@ class PointReader {
       time: (i) => start + times.getFloat32(4 * i, true),
       intensity: (i) => factor * intensities.getFloat32(4 * i, true),
     };
+  }
+
+  /** A JSON text behind its length in bytes. */
+  readJson() {
+    const length = this.view.getUint32(this.place, true);
+    const text = new TextDecoder().decode(this.bytes.subarray(this.place + 4, this.place + 4 + length));
+    this.place += 4 + length;
+    return JSON.parse(text);
   }
 
   /** Numbers whose bytes stand by rank. */

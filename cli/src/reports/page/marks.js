@@ -101,34 +101,12 @@ class Marks {
     return counts;
   }
 
-  /** All peaks or splits with the marks and notes of their entries; a trace without any has a line of its own. */
-  table() {
-    const { heading, entries } = this.data;
-    const namesFile = heading.files.length > 1;
-    const columns = heading.columns.map((column) => column.name);
-    const names = [...(namesFile ? ["file"] : []), ...(heading.isGrouped ? ["group", "members"] : []), "time_unit"];
-    const lines = [["id", "mark", "note", ...names, ...columns]];
-    for (const entry of entries) {
-      for (const trace of entry.traces) {
-        const rows = trace.rows?.length ? trace.rows : [columns.map(() => "")];
-        const before = [trace.cell ?? trace.id, this.markOf(entry), this.noteOf(entry)];
-        if (namesFile)
-          before.push(this.data.fileOf(entry));
-        if (heading.isGrouped)
-          before.push(entry.group ?? "", entry.traces.length);
-        before.push(entry.timeUnit ?? "");
-        for (const row of rows)
-          lines.push([...before, ...row]);
-      }
-    }
-    return lines.map((cells) => cells.map(oneLine).join("\t") + "\n").join("");
-  }
-
-  /** Gives the table to the browser as a file. */
-  save() {
+  /** Gives lines of cells to the browser as a file. */
+  save(lines) {
     this.keep();
+    const table = lines.map((cells) => cells.map(oneLine).join("\t") + "\n").join("");
     const link = document.createElement("a");
-    link.href = URL.createObjectURL(new Blob([this.table()], { type: "text/tab-separated-values;charset=utf-8" }));
+    link.href = URL.createObjectURL(new Blob([table], { type: "text/tab-separated-values;charset=utf-8" }));
     link.download = `${reportName()}.marks.tsv`;
     link.click();
     window.setTimeout(() => URL.revokeObjectURL(link.href), 10000);

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 // The page: what is listed, what is chosen, and what the keys do.
 
-const MOST_NUMBER_ROWS = 300; // of the table below the picture
-const FEW_MEMBERS = 60; // that the legend names
-
 const byId = (id) => document.getElementById(id);
 
 class ReportPage {
   constructor() {
     this.data = new ReportData(document);
-    this.heading = this.data.heading;
+    this.report = makeReport(this.data); // what the entries are, and what is said of them
     this.marks = new Marks(this.data, () => this.refresh());
-    this.picture = new Picture(byId("picture"), byId("reading"), (view) => this.zoomTo(view));
-    summarize(this.data);
-    this.columns = tableColumns(this.data, this.marks);
+    this.picture = this.report.makePicture(byId("picture"), byId("reading"), (view) => this.zoomTo(view));
+    this.columns = this.report.columns(this.marks);
+    this.speak();
     this.table = new VirtualTable(byId("table"), this.columns, {
       onSort: (number) => this.sortBy(number),
       onChoose: (place) => this.choose(place),
@@ -25,16 +22,35 @@ class ReportPage {
     byId("table").focus({ preventScroll: true });
   }
 
+  /** Puts the words for this kind of report where they belong. */
+  speak() {
+    const { words, choices } = this.report;
+    const files = this.data.heading.files;
+    const title = `${words.titled}: ${files.length === 1 ? files[0].split("/").pop() : `${files.length} files`}`;
+    document.title = `${title} - ${this.data.heading.generator}`;
+    byId("title").textContent = title;
+    byId("filter").placeholder = words.searched;
+    byId("choices").textContent = words.choices;
+    for (const [value, [text]] of Object.entries(choices))
+      byId("filter-found").append(make("option", { value }, text));
+    byId("list").setAttribute("aria-label", words.list);
+    byId("table").setAttribute("aria-label", words.list);
+    byId("detail").setAttribute("aria-label", words.detail);
+    byId("whole").textContent = words.whole;
+    byId("legend").setAttribute("aria-label", words.legend);
+    byId("z-key").textContent = words.zoom;
+  }
+
   // The table.
 
   /** Lists what passes the filters, in the order that was asked for. What was chosen stays chosen where it is listed. */
   list() {
     const words = byId("filter").value.toLowerCase().split(/\s+/).filter(Boolean);
     const mark = byId("filter-mark").value;
-    const found = byId("filter-found").value;
+    const [, passesChoice] = this.report.choices[byId("filter-found").value] ?? ["", () => true];
     this.listed = this.data.entries.filter((entry) =>
       words.every((word) => entry.text.includes(word) || this.marks.noteOf(entry).toLowerCase().includes(word)) &&
-      this.passesMark(entry, mark) && this.passesFound(entry, found));
+      this.passesMark(entry, mark) && passesChoice(entry));
     if (this.sorting)
       this.sort();
     this.table.setEntries(this.listed);
@@ -48,16 +64,6 @@ class ReportPage {
     if (wanted === "noted")
       return this.marks.noteOf(entry) !== "";
     return wanted === "" || (wanted === "none" ? mark === "" : mark === wanted);
-  }
-
-  passesFound(entry, wanted) {
-    switch (wanted) {
-      case "one": return !entry.isFailed && entry.count === 1;
-      case "several": return !entry.isFailed && entry.count > 1;
-      case "none": return !entry.isFailed && entry.count === 0;
-      case "failed": return entry.isFailed;
-      default: return true;
-    }
   }
 
   sort() {
@@ -88,7 +94,7 @@ class ReportPage {
   tell() {
     const { accepted, rejected } = this.marks.counts();
     const all = this.data.entries.length;
-    const name = (this.heading.isGrouped ? "group" : "trace") + (all === 1 ? "" : "s");
+    const name = all === 1 ? this.report.words.entry : this.report.words.entries;
     const listed = this.listed.length === all ? "" : `, ${this.listed.length} listed`;
     byId("tally").textContent = `${all} ${name}${listed}: ${accepted} accepted, ${rejected} rejected, ` +
       `${all - accepted - rejected} open` + (this.marks.storage ? "" : ". This browser keeps no marks: save them.");
@@ -119,31 +125,23 @@ class ReportPage {
     const entry = this.chosen;
     this.view = null;
     this.zoomed = -1;
+    this.model = null;
     byId("name").textContent = entry.name;
-    byId("facts").textContent = this.facts(entry);
+    byId("facts").textContent = this.report.facts(entry);
     byId("note").value = this.marks.noteOf(entry);
     this.showMark();
     this.showRemarks();
     this.showNumbers();
-    this.model = null;
     try {
-      const points = await this.data.pointsOf(entry);
-      if (this.chosen === entry)
-        this.showPicture(points);
+      const reader = await this.data.readerOf(entry);
+      if (this.chosen !== entry)
+        return;
+      this.model = this.report.model(entry, reader);
     } catch {
       const text = "The picture's data cannot be read. Is the browser too old?";
       byId("remarks").append(make("li", { class: "failed" }, text));
     }
-  }
-
-  facts(entry) {
-    const points = entry.traces.map((trace) => trace.points);
-    const most = largest(points, 0);
-    const thinned = entry.traces.some((trace) => trace.thinned) ? " (the picture shows their outline)" : "";
-    return [
-      this.data.fileOf(entry),
-      entry.traces.length > 1 ? `${entry.traces.length} traces of up to ${most} points` : `${most} points`,
-    ].filter(Boolean).join(", ") + thinned;
+    this.showPicture();
   }
 
   showMark() {
@@ -153,77 +151,22 @@ class ReportPage {
   }
 
   showRemarks() {
-    const entry = this.chosen;
-    const lines = (entry.remarks ?? []).map((remark) => make("li", {}, remark));
-    for (const trace of entry.traces) {
-      const before = entry.traces.length > 1 ? `${trace.id}: ` : "";
-      if (trace.problem)
-        lines.push(make("li", { class: "failed" }, `${before}failed: ${trace.problem}`));
-      for (const remark of trace.remarks ?? [])
-        lines.push(make("li", {}, before + remark));
-    }
-    byId("remarks").replaceChildren(...lines);
+    byId("remarks").replaceChildren(...this.report.remarks(this.chosen).map(({ text, isFailure }) =>
+      make("li", isFailure ? { class: "failed" } : {}, text)));
   }
 
-  showPicture({ consensus, traces }) {
-    const entry = this.chosen;
-    const isGroup = entry.traces.length > 1;
-    const series = traces.map((points, i) => ({
-      points,
-      name: entry.traces[i].id,
-      style: isGroup ? `series-${i % 6} dash-${Math.floor(i / 6) % 3}` : "",
-    }));
-    if (consensus)
-      series.push({ points: consensus, name: "consensus, scaled to the traces", style: "consensus" });
-    this.model = { timeUnit: entry.timeUnit, intensityUnit: entry.intensityUnit, isGroup, series,
-      peaks: entry.peaks ?? [], splits: entry.splits ?? [] };
-    this.picture.show(this.model, this.view);
+  showPicture() {
+    if (this.model)
+      this.picture.show(this.model, this.view);
     this.showView();
-    byId("legend").replaceChildren(...(isGroup ? series : []).slice(0, FEW_MEMBERS).map(legendItem));
+    byId("legend").replaceChildren(...(this.model ? this.report.legend(this.model) : []).map(legendItem));
+    this.showNumbers();
   }
 
+  /** Those that are known before the points are read come at once. */
   showNumbers() {
-    const entry = this.chosen;
-    const { columns } = this.heading;
-    const table = make("table", { "aria-label": this.heading.rows });
-    const head = make("tr");
-    const isGroup = entry.traces.length > 1;
-    head.append(make("th", { scope: "col" }, isGroup ? "trace" : this.heading.rows.slice(0, -1)));
-    for (const { name, isTime } of columns) {
-      const unit = isTime && entry.timeUnit ? ` (${entry.timeUnit})` : "";
-      head.append(make("th", { scope: "col" }, name.replace(/_/g, " ") + unit));
-    }
-    const body = make("tbody");
-    let count = 0;
-    for (let number = 0; number < entry.count; ++number) {
-      for (const trace of entry.traces) {
-        const values = trace.rows?.[number];
-        if (values && count++ < MOST_NUMBER_ROWS)
-          body.append(this.numberRow(isGroup ? trace.id : "", number, values));
-      }
-    }
-    const thead = make("thead");
-    thead.append(head);
-    table.append(thead, body);
-    byId("numbers").replaceChildren(...(count ? [table] : []));
-    if (count > MOST_NUMBER_ROWS)
-      byId("numbers").append(make("p", {}, `and ${count - MOST_NUMBER_ROWS} more, which the saved table has`));
-  }
-
-  numberRow(name, number, values) {
-    const row = make("tr");
-    const title = make("th", { scope: "row" });
-    if (this.chosen.peaks?.[number]) {
-      const button = make("button", { type: "button", title: "show this peak only" }, String(number + 1));
-      button.addEventListener("click", () => this.zoomToPeak(number));
-      title.append(button, ` ${name}`);
-    } else {
-      title.textContent = `${number + 1} ${name}`;
-    }
-    row.append(title);
-    for (const value of values)
-      row.append(make("td", { class: "number" }, value));
-    return row;
+    const numbers = this.report.numbers(this.chosen, this.model, (number) => this.zoomToStretch(number));
+    byId("numbers").replaceChildren(...numbers);
   }
 
   // Zoom.
@@ -237,25 +180,26 @@ class ReportPage {
     this.showView();
   }
 
-  /** The peak with as much on both sides. */
-  zoomToPeak(number) {
-    const [start, end] = this.chosen.peaks[number];
-    const width = end - start || 1;
+  zoomToStretch(number) {
     this.zoomed = number;
-    this.zoomTo([start - width, end + width]);
+    this.zoomTo(this.stretches()[number]);
   }
 
   zoomOn() {
-    const count = this.chosen?.peaks?.length ?? 0;
-    if (this.zoomed + 1 < count)
-      this.zoomToPeak(this.zoomed + 1);
+    if (this.zoomed + 1 < this.stretches().length)
+      this.zoomToStretch(this.zoomed + 1);
     else
       this.zoomTo(null);
   }
 
+  stretches() {
+    return this.chosen ? this.report.stretches(this.chosen) : [];
+  }
+
   showView() {
-    byId("shown").textContent = !this.view ? "Whole trace; drag in the picture to see a part of it" :
-      this.zoomed >= 0 ? `Peak ${this.zoomed + 1} of ${this.chosen.peaks.length}` : "A part of the trace";
+    const { whole, part, stretch } = this.report.words;
+    byId("shown").textContent = !this.view ? `${whole}; drag in the picture to see a part of it` :
+      this.zoomed >= 0 ? `${stretch} ${this.zoomed + 1} of ${this.stretches().length}` : part;
     byId("whole").hidden = !this.view;
   }
 
@@ -289,7 +233,7 @@ class ReportPage {
   }
 
   save() {
-    this.marks.save();
+    this.marks.save(this.report.lines(this.marks));
     this.say("The table was handed to the browser for saving.");
   }
 
@@ -375,13 +319,4 @@ function legendItem({ name, style }) {
   return item;
 }
 
-function start() {
-  const page = new ReportPage();
-  const files = page.heading.files;
-  const kind = page.heading.rows === "splits" ? "Splits" : "Peaks";
-  const title = `${kind}: ${files.length === 1 ? files[0].split("/").pop() : `${files.length} files`}`;
-  byId("title").textContent = title;
-  document.title = `${title} - ${page.heading.generator}`;
-}
-
-start();
+new ReportPage();

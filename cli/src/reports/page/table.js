@@ -160,6 +160,43 @@ class VirtualTable {
   }
 }
 
+const MARK_SIGNS = { accepted: "✓ accepted", rejected: "✗ rejected" };
+
+// Columns as `VirtualTable` wants them, each with the `key` that entries are sorted by. Missing numbers are not finite.
+
+function textColumn(title, width, key) {
+  return { title, width, key, fill: (cell, entry) => { cell.textContent = cell.title = key(entry); } };
+}
+
+function numberColumn(title, width, hint, key, write) {
+  return { title, width, hint, key, isNumber: true,
+    fill: (cell, entry) => { cell.textContent = Number.isFinite(key(entry)) ? write(key(entry)) : ""; } };
+}
+
+function markColumn(marks) {
+  return { title: "mark", width: 6, key: (entry) => marks.markOf(entry), fill: (cell, entry) => {
+    cell.textContent = MARK_SIGNS[marks.markOf(entry)] ?? "";
+    cell.className = marks.markOf(entry);
+  } };
+}
+
+function noteColumn(marks) {
+  return textColumn("note", 12, (entry) => marks.noteOf(entry).replace(/\s+/g, " "));
+}
+
+/** A table of numbers with all its rows. */
+function numberTable(label, titles, rows) {
+  const table = make("table", { "aria-label": label });
+  const head = make("tr");
+  head.append(...titles.map((title) => make("th", { scope: "col" }, title)));
+  const thead = make("thead");
+  thead.append(head);
+  const body = make("tbody");
+  body.append(...rows);
+  table.append(thead, body);
+  return table;
+}
+
 /** An element with attributes and a text, which is never read as HTML. */
 function make(name, attributes = {}, text = "") {
   const element = document.createElement(name);
@@ -167,4 +204,9 @@ function make(name, attributes = {}, text = "") {
     element.setAttribute(key, value);
   element.textContent = text;
   return element;
+}
+
+/** Also of more numbers than a call can have. */
+function largest(numbers, least) {
+  return numbers.reduce((a, b) => Math.max(a, b), least);
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The columns of the table, and the numbers of each entry that stand there.
 
-const MARK_SIGNS = { accepted: "✓ accepted", rejected: "✗ rejected" };
-
 /** Gives each entry what the table shows and looks for: its name, how much was found, and the main peak or split. */
 function summarize(data) {
   const numberOf = new Map(data.heading.columns.map((column, number) => [column.name, number]));
@@ -13,7 +11,7 @@ function summarize(data) {
   for (const entry of data.entries) {
     const found = entry.traces.filter((trace) => !trace.problem);
     const ids = entry.traces.map((trace) => trace.id);
-    entry.name = data.nameOf(entry);
+    entry.name = entry.group ?? entry.traces[0].id;
     entry.isFailed = found.length < entry.traces.length;
     entry.count = largest(found.map((trace) => trace.rows?.length ?? 0), 0);
     entry.main = mainRow(entry, found, valueOf);
@@ -58,12 +56,8 @@ function tableColumns(data, marks) {
   const units = new Set(data.entries.map((entry) => entry.timeUnit ?? ""));
   const unit = units.size === 1 ? [...units][0] : null; // null: times name their own
 
-  const text = (title, width, key) => ({ title, width, key,
-    fill: (cell, entry) => { cell.textContent = cell.title = key(entry); } });
-  const number = (title, width, hint, key, write) => ({ title, width, hint, key, isNumber: true,
-    fill: (cell, entry) => { cell.textContent = Number.isFinite(key(entry)) ? write(key(entry)) : ""; } });
   const measure = (name, width, hint, write) =>
-    number(name.replace(/_/g, " "), width, hint, (entry) => entry.main[name], write);
+    numberColumn(name.replace(/_/g, " "), width, hint, (entry) => entry.main[name], write);
   const share = (name, width, hint) => measure(name, width, hint, (value) => value.toFixed(3));
   const time = (name, hint) => ({ title: unit ? `${name} (${unit})` : name, width: 6, hint, isNumber: true,
     // Seconds where units differ.
@@ -74,19 +68,15 @@ function tableColumns(data, marks) {
       cell.textContent = Number.isFinite(value) ? value.toFixed(entry.timeUnit === "s" ? 1 : 3) + own : "";
     } });
 
-  const mark = { title: "mark", width: 6, key: (entry) => marks.markOf(entry), fill: (cell, entry) => {
-    cell.textContent = MARK_SIGNS[marks.markOf(entry)] ?? "";
-    cell.className = marks.markOf(entry);
-  } };
   const count = { title: heading.rows, width: 4, isNumber: true, key: (entry) => (entry.isFailed ? -1 : entry.count),
     fill: (cell, entry) => {
       cell.textContent = entry.isFailed ? "failed" : entry.count;
       cell.classList.toggle("failed", entry.isFailed);
     } };
   const ofPeak = heading.isGrouped ? "of the largest peak, all traces together" : "of the largest peak";
-  const columns = [mark, text(heading.isGrouped ? "group" : "id", 15, (entry) => entry.name)];
+  const columns = [markColumn(marks), textColumn(heading.isGrouped ? "group" : "id", 15, (entry) => entry.name)];
   if (heading.isGrouped)
-    columns.push(number("traces", 4, "traces of the group", (entry) => entry.traces.length, String));
+    columns.push(numberColumn("traces", 4, "traces of the group", (entry) => entry.traces.length, String));
   columns.push(count);
   if (has("split"))
     columns.push(time("split", "of the surest split"), share("probability", 7, "of the surest split"));
@@ -98,12 +88,7 @@ function tableColumns(data, marks) {
     columns.push(time("start", ofPeak), time("end", ofPeak), measure("height", 6, ofPeak, amountText),
       measure("area_above_line", 8, ofPeak, amountText));
   if (heading.files.length > 1)
-    columns.push(text("file", 10, (entry) => data.fileOf(entry)));
-  columns.push(text("note", 12, (entry) => marks.noteOf(entry).replace(/\s+/g, " ")));
+    columns.push(textColumn("file", 10, (entry) => data.fileOf(entry)));
+  columns.push(noteColumn(marks));
   return columns;
-}
-
-/** Also of more numbers than a call can have. */
-function largest(numbers, least) {
-  return numbers.reduce((a, b) => Math.max(a, b), least);
 }

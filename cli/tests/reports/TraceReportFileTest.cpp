@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ReportFile.h"
+#include "TraceReportFile.h"
 #include "PackedTrace.h"
 #include "ReportText.h"
 #include "TemporaryFiles.h"
@@ -34,12 +34,12 @@ ReportEntry entry(const QString &id, const QList<QPointF> &points)
     return entry;
 }
 
-class ReportFileTest : public ::testing::Test
+class TraceReportFileTest : public ::testing::Test
 {
 protected:
     QByteArray write(const QList<ReportEntry> &entries, const QString &name = QStringLiteral("a.html")) const
     {
-        ReportFile file(m_files.path(name), heading());
+        TraceReportFile file(m_files.path(name), heading());
         for (const ReportEntry &each : entries)
             EXPECT_FALSE(file.add(each).hasError());
         EXPECT_FALSE(QFileInfo::exists(m_files.path(name))) << "it appears when it is complete";
@@ -50,7 +50,7 @@ protected:
     TemporaryFiles m_files;
 };
 
-TEST_F(ReportFileTest, HoldsWhatWasAdded)
+TEST_F(TraceReportFileTest, HoldsWhatWasAdded)
 {
     const ReportText report(write({entry("SRM 1", {{1, 10}, {1.5, 20}, {2, 5}})}));
     EXPECT_EQ(report.heading.at("rows"), "peaks");
@@ -66,7 +66,7 @@ TEST_F(ReportFileTest, HoldsWhatWasAdded)
     EXPECT_EQ(report.series(report.entries[0]), QList<QList<QPointF>>({{{1, 10}, {1.5, 20}, {2, 5}}}));
 }
 
-TEST_F(ReportFileTest, GroupHasItsConsensusInFrontOfItsTraces)
+TEST_F(TraceReportFileTest, GroupHasItsConsensusInFrontOfItsTraces)
 {
     ReportEntry group = entry("y3", {{1, 4}, {2, 8}});
     group.group = QStringLiteral("AK 500");
@@ -84,7 +84,7 @@ TEST_F(ReportFileTest, GroupHasItsConsensusInFrontOfItsTraces)
     EXPECT_EQ(report.series(read), QList<QList<QPointF>>({{{1, 16}, {2, 32}}, {{1, 4}, {2, 8}}, {{1, 2}}}));
 }
 
-TEST_F(ReportFileTest, HostileTextIsDataOnly)
+TEST_F(TraceReportFileTest, HostileTextIsDataOnly)
 {
     const QStringList hostile = {"</script><script>alert(1)</script>",
                                  "<!--<script>",
@@ -132,7 +132,7 @@ QByteArray between(const QByteArray &page, const QByteArray &start, const QByteA
     return page.mid(from, page.indexOf(end, from) - from);
 }
 
-TEST_F(ReportFileTest, PolicyAllowsThePagesOwnStyleAndScriptOnly)
+TEST_F(TraceReportFileTest, PolicyAllowsThePagesOwnStyleAndScriptOnly)
 {
     const QByteArray page = write({entry("a", {{1, 1}})});
     const QByteArray policy = between(page, "<meta http-equiv=\"Content-Security-Policy\" content=\"", "\">");
@@ -149,7 +149,7 @@ TEST_F(ReportFileTest, PolicyAllowsThePagesOwnStyleAndScriptOnly)
     EXPECT_FALSE(page.contains("@data@"));
 }
 
-TEST_F(ReportFileTest, ManyEntriesAreWrittenInBlocks)
+TEST_F(TraceReportFileTest, ManyEntriesAreWrittenInBlocks)
 {
     QList<ReportEntry> entries;
     for (int i = 0; i < 500; ++i) {
@@ -172,7 +172,7 @@ TEST_F(ReportFileTest, ManyEntriesAreWrittenInBlocks)
     EXPECT_NE(report.ending.at("digest"), other.ending.at("digest"));
 }
 
-TEST_F(ReportFileTest, LongTraceIsSaidToBeThinned)
+TEST_F(TraceReportFileTest, LongTraceIsSaidToBeThinned)
 {
     const ReportText report(write({entry("a", QList<QPointF>(MOST_REPORTED_POINTS + 1, {1, 1}))}));
     EXPECT_EQ(report.entries[0].at("traces")[0].at("points"), MOST_REPORTED_POINTS + 1);
@@ -180,16 +180,16 @@ TEST_F(ReportFileTest, LongTraceIsSaidToBeThinned)
     EXPECT_LE(report.series(report.entries[0])[0].size(), MOST_REPORTED_POINTS);
 }
 
-TEST_F(ReportFileTest, NoFileAppearsWithoutEntriesOrWithoutItsEnd)
+TEST_F(TraceReportFileTest, NoFileAppearsWithoutEntriesOrWithoutItsEnd)
 {
     {
-        ReportFile empty(m_files.path("a.html"), heading());
+        TraceReportFile empty(m_files.path("a.html"), heading());
         EXPECT_FALSE(empty.finish().hasError());
-        ReportFile unfinished(m_files.path("b.html"), heading());
+        TraceReportFile unfinished(m_files.path("b.html"), heading());
         EXPECT_FALSE(unfinished.add(entry("a", {{1, 1}})).hasError());
     }
     EXPECT_TRUE(QDir(m_files.path({})).entryList(QDir::Files | QDir::Hidden).isEmpty());
-    ReportFile nowhere(m_files.path("nowhere/a.html"), heading());
+    TraceReportFile nowhere(m_files.path("nowhere/a.html"), heading());
     EXPECT_TRUE(nowhere.add(entry("a", {{1, 1}})).hasError());
 }
 

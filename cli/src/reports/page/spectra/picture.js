@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+// The picture of an entry: the measured spectrum, and below it the prediction upside down.
+
+const LABEL_ROOM = { x: 34, y: 14 }; // pixels between two labels, one of them at least
+const MOST_LABELS = 60;
+const NEAR = 8; // pixels within which the pointer finds a peak
+
+/** `model`: observed ({mz, share}) and ions ({mz, share, name, style, observedMz, observedShare}). */
+class MirrorPicture extends Plot {
+  ranges() {
+    const { observed, ions } = this.model;
+    const mzs = [...observed, ...ions].map(({ mz }) => mz);
+    const least = -largest(mzs.map((mz) => -mz), -Infinity);
+    const room = mzs.length ? Math.max(5, 0.02 * (largest(mzs, 0) - least)) : 0;
+    const [from, to] = this.view ?? (mzs.length ? [Math.max(0, least - room), largest(mzs, 0) + room] : [0, 1]);
+    const inView = [...observed, ...ions].filter(({ mz }) => mz >= from && mz <= to);
+    const height = 1.12 * (largest(inView.map(({ share }) => share), 0) || 1);
+    return { x: [from, to], y: [-height, height] };
+  }
+
+  axisTitles() {
+    return { x: "m/z", y: "measured (above) and predicted, % of the highest peak" };
+  }
+
+  /** Shares of both halves count upward. */
+  yTickText(value) {
+    return String(Number((100 * Math.abs(value)).toPrecision(3)));
+  }
+
+  drawContent() {
+    const { observed, ions } = this.model;
+    const right = MARGIN.left + this.plotWidth;
+    this.stems("stem consensus", observed.map(({ mz, share }) => [mz, share]));
+    for (const style of new Set(ions.map((ion) => ion.style))) {
+      const own = ions.filter((ion) => ion.style === style);
+      this.stems(`stem ${style}`, own.map(({ mz, share }) => [mz, -share]));
+      this.stems(`stem ${style}`, own.filter(({ observedMz }) => observedMz !== undefined)
+        .map(({ observedMz, observedShare }) => [observedMz, observedShare]));
+    }
+    this.add(this.plot, "path", { class: "axis", d: `M${MARGIN.left} ${round(this.y(0))}H${right}` });
+    this.drawLabels();
+  }
+
+  /** Upright lines from the middle, all in one element. */
+  stems(style, peaks) {
+    const [from, to] = this.xRange;
+    const middle = round(this.y(0));
+    const path = peaks.filter(([mz]) => mz >= from && mz <= to)
+      .map(([mz, share]) => `M${round(this.x(mz))} ${middle}V${round(this.y(share))}`);
+    if (path.length)
+      this.add(this.plot, "path", { class: style, d: path.join("") });
+  }
+
+  /** The names of the ions, those of the highest peaks first, where there is room for them. */
+  drawLabels() {
+    const placed = [];
+    const place = (mz, share, name) => {
+      const [x, y] = [round(this.x(mz)), round(this.y(share) + (share < 0 ? 13 : -4))];
+      const isFree = placed.every((other) =>
+        Math.abs(other.x - x) >= LABEL_ROOM.x || Math.abs(other.y - y) >= LABEL_ROOM.y);
+      if (!isFree || placed.length >= MOST_LABELS)
+        return;
+      placed.push({ x, y });
+      this.add(this.plot, "text", { class: "ion-label", x, y, "text-anchor": "middle" }, name);
+    };
+    const [from, to] = this.xRange;
+    // Isotope peaks stand beside the peak that has the name.
+    const named = this.model.ions.filter(({ mz, name }) => mz >= from && mz <= to && name && !name.includes(" i"));
+    for (const ion of named.sort((a, b) => b.share - a.share)) {
+      if (ion.observedMz === undefined)
+        place(ion.mz, -ion.share, ion.name);
+      else
+        place(ion.observedMz, ion.observedShare, ion.name);
+    }
+  }
+
+  /** The nearest peaks of both halves. */
+  readingAt(mz) {
+    const reach = this.valueAt(NEAR) - this.valueAt(0);
+    const near = (peaks) => peaks.filter((peak) => Math.abs(peak.mz - mz) <= reach)
+      .reduce((best, peak) => (best && best.share >= peak.share ? best : peak), null);
+    const percent = (share) => `${(100 * share).toFixed(1)} %`;
+    const observed = near(this.model.observed);
+    const ion = near(this.model.ions);
+    return [
+      observed ? `measured ${observed.mz.toFixed(4)}: ${percent(observed.share)}` : "",
+      ion ? `${ion.name} predicted ${ion.mz.toFixed(4)}: ${percent(ion.share)}` : "",
+    ].filter(Boolean).join(", ");
+  }
+}
