@@ -27,7 +27,7 @@ Reading read(const QString &path)
     if (rows.hasError())
         return reading;
     for (const PeptideListRow &row : rows.value())
-        reading.parts.append(bits(row.line, row.problem) + bitsOf(row.precursor));
+        reading.parts.append(bits(row.line, row.problem, row.scan) + bitsOf(row.precursor));
     return reading;
 }
 
@@ -50,7 +50,7 @@ void tryInput(const QByteArray &input)
     const Result<QList<PeptideListRow>> rows = readPeptideList(fileWith(NAME, input));
     if (rows.hasError())
         return;
-    QByteArray table = "peptide\tcharge\tenergy\n";
+    QByteArray table = "peptide\tcharge\tenergy\tscan\n";
     QList<QByteArray> expected;
     for (const PeptideListRow &row : rows.value()) {
         requireMass(row.precursor);
@@ -61,13 +61,13 @@ void tryInput(const QByteArray &input)
         table += peptide.toUtf8() + '\t' + QByteArray::number(row.precursor.charge) + '\t';
         if (!std::isnan(row.precursor.collisionEnergy))
             table += QByteArray::number(row.precursor.collisionEnergy, 'g', 17);
-        table += '\n';
-        expected.append(bitsOf(row.precursor));
+        table += '\t' + row.scan.toUtf8() + '\n';
+        expected.append(bitsOf(row.precursor) + bits(row.scan));
     }
     const Result<QList<PeptideListRow>> again = readPeptideList(fileWith(NAME, table));
     require(!again.hasError() && again.value().size() == expected.size(), "written rows are all read");
     for (qsizetype i = 0; i < expected.size(); ++i)
-        require(bitsOf(again.value()[i].precursor) == expected[i], "a written row reads the same");
+        require(bitsOf(again.value()[i].precursor) + bits(again.value()[i].scan) == expected[i], "a written row reads the same");
 }
 
 } // namespace zav::fuzz

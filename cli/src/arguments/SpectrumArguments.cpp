@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <map>
+#include <utility>
 
 namespace zav {
 
@@ -17,7 +18,7 @@ constexpr char EXAMPLES[] =
     R"(The peptide is written in upper-case one-letter code or, with modifications, in ProForma:
 AC[Carbamidomethyl]DM[Oxidation]K, [Acetyl]-AM[UNIMOD:35]K, AM[+15.9949]K, <[Carbamidomethyl]@C>ACDMK. The charge is
 that of the precursor, 1 to 5; with modifications or --energy, 1 to 6. FILE.tsv of --peptides has the columns peptide
-and charge, with or without a header line; with one, also energy, which may be empty.
+and charge, with or without a header line; with one, also energy and scan, which may be empty.
 
 Without modifications and --energy, the network of the charge predicts, at about 28 to 40 of normalised collision
 energy. Otherwise the network of peptides with modifications does, at an energy of 30 unless --energy says another.
@@ -30,7 +31,10 @@ Without --format the output is a table on a terminal, what the ending of the -o 
 .json), and TSV otherwise. Intensities are relative to the base peak. Peaks over 2000 m/z are left out, and those under
 0.025; with modifications or --energy those under 0.04, isotopes apart.
 
-Exit code: 0 everything asked was predicted, 1 something was not (standard error says what and why), 2 wrong usage.
+With --peptides, --against compares each prediction with the spectrum that the column scan names. --scores and --report
+say how well each agrees: the spectral angle over b and y ions, and how much of the measured intensity is explained.
+
+Exit code: 0 everything asked was done, 1 something was not (standard error says what and why), 2 wrong usage.
 
 Examples:
   zav spectrum LQSRPAAPPAPGPGQLTLR 3
@@ -38,6 +42,7 @@ Examples:
   zav spectrum LQSRPAAPPAPGPGQLTLR 3 --plot mirror.svg --against run.mzML --scan 30069
   zav spectrum 'AC[Carbamidomethyl]DM[Oxidation]K' 2 --energy 27
   zav spectrum --peptides peptides.tsv --no-isotopes -o library.msp
+  zav spectrum --peptides identified.tsv --against run.mzML --scores scores.tsv --report report.html -o predicted.mgf
   cut -f 1,2 peptides.tsv | zav spectrum --peptides - --format json > spectra.json
 )";
 
@@ -63,9 +68,11 @@ public:
 
 private:
     QString contradiction() const;
+    Error checkOutputs() const;
     QString convert(SpectrumOptions *options) const;
 
-    std::string m_peptide, m_charge, m_energy, m_peptides, m_format, m_output, m_plot, m_against, m_scan, m_tolerance;
+    std::string m_peptide, m_charge, m_energy, m_peptides, m_format, m_output, m_plot, m_against, m_scan, m_scores,
+        m_report, m_tolerance;
     double m_cysteine = SpectrumOptions().cysteineMass;
     NetworkArguments m_networks;
     bool m_noIsotopes = false, m_annotate = false, m_verbose = false;
@@ -96,6 +103,13 @@ void SpectrumArguments::addTo(CLI::App *command)
         ->type_name("FILE");
     command->add_option("--scan", m_scan, "which spectrum of that file: scan number, native id or title")
         ->type_name("SCAN");
+    command->add_option("--scores", m_scores, "write a table of the comparisons (TSV); - is standard output")
+        ->type_name("FILE");
+    command
+        ->add_option(
+            "--report", m_report,
+            "write an HTML page of the comparisons: mirror plots, scores, marks and notes; - is standard output")
+        ->type_name("FILE");
     command->add_option("--tolerance", m_tolerance, "of the comparison, such as 20ppm or 0.02Da [20ppm]")
         ->type_name("WIDTH");
     command->add_flag("-v,--verbose", m_verbose, "also show where in the program each failure occurred");
@@ -111,10 +125,12 @@ QString SpectrumArguments::contradiction() const
     if (!isList && m_charge.empty())
         return m_peptide.empty() ? QStringLiteral("PEPTIDE and CHARGE, or --peptides, are missing")
                                  : QStringLiteral("CHARGE is missing");
-    if (isList && !(m_plot.empty() && m_against.empty()))
-        return QStringLiteral("--plot and --against are for one peptide, not for --peptides");
-    if (m_against.empty() && !(m_scan.empty() && m_tolerance.empty()))
-        return QStringLiteral("--scan and --tolerance need --against");
+    if (isList && !m_plot.empty())
+        return QStringLiteral("--plot is for one peptide, not for --peptides");
+    if (isList && !m_scan.empty())
+        return QStringLiteral("--scan is for one peptide; a list of --peptides has the column scan");
+    if (m_against.empty() && !(m_scan.empty() && m_tolerance.empty() && m_scores.empty() && m_report.empty()))
+        return QStringLiteral("--scan, --tolerance, --scores and --report need --against");
     if (!m_plot.empty() && !isPicture(text(m_plot)))
         return QStringLiteral("--plot draws a file ending in .svg, .png or .pdf, not '%1'")
             .arg(displayText(text(m_plot)));
@@ -155,6 +171,23 @@ QString SpectrumArguments::convert(SpectrumOptions *options) const
     return {};
 }
 
+/// No two outputs go to one place, and none over an input.
+Error SpectrumArguments::checkOutputs() const
+{
+    const QString standardOutput = QStringLiteral("-");
+    QStringList outputs = {m_output.empty() ? standardOutput : text(m_output)};
+    for (const auto &[option, path] : {std::pair("--plot", text(m_plot)), std::pair("--scores", text(m_scores)),
+                                       std::pair("--report", text(m_report))}) {
+        if (path == standardOutput && outputs.contains(standardOutput))
+            return wrongArgument(QStringLiteral("%1 - needs -o FILE: only one output can go to standard output")
+                                     .arg(QLatin1String(option)));
+        if (Error error = checkNotAmong(outputs, path); error.hasError())
+            return error;
+        outputs.append(path);
+    }
+    return checkNotOverwritten({text(m_peptides), text(m_against)}, outputs);
+}
+
 Result<CommandLine> SpectrumArguments::options() const
 {
     SpectrumOptions options;
@@ -163,8 +196,7 @@ Result<CommandLine> SpectrumArguments::options() const
         problem = convert(&options);
     if (!problem.isEmpty())
         return wrongArgument(problem);
-    if (Error error = checkNotOverwritten({text(m_peptides), text(m_against)}, {text(m_output), text(m_plot)});
-        error.hasError())
+    if (Error error = checkOutputs(); error.hasError())
         return error;
     options.peptide = text(m_peptide);
     options.peptideList = text(m_peptides);
@@ -176,6 +208,8 @@ Result<CommandLine> SpectrumArguments::options() const
     options.picturePath = text(m_plot);
     options.observedPath = text(m_against);
     options.scan = text(m_scan);
+    options.scoresPath = text(m_scores);
+    options.reportPath = text(m_report);
     options.verbose = m_verbose;
     return CommandLine(options);
 }

@@ -157,6 +157,8 @@ Error TraceArguments::checkOutputs(const TraceOptions &options) const
     const QString standardOutput = QStringLiteral("-");
     if (options.reportPath == standardOutput && (options.outputPath.isEmpty() || options.outputPath == standardOutput))
         return wrongArgument(QStringLiteral("--report - needs -o FILE: both would go to standard output"));
+    if (Error error = checkNotAmong({options.outputPath}, options.picturePath); error.hasError())
+        return error;
     const QStringList others = {options.outputPath, options.picturePath};
     if (Error error = checkNotAmong(others, options.reportPath); error.hasError())
         return error;

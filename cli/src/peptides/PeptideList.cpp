@@ -18,15 +18,16 @@ constexpr char PEPTIDE[] = "peptide";
 constexpr char SEQUENCE[] = "sequence";
 constexpr char CHARGE[] = "charge";
 constexpr char ENERGY[] = "energy";
+constexpr char SCAN[] = "scan";
 
-/// Where peptide, charge and energy stand.
+/// Where peptide, charge, energy and scan stand.
 class PeptideColumns
 {
 public:
     /// Whether `line` is a header; if it is none, the columns are the first two.
     bool readHeader(QByteArrayView line)
     {
-        m_heading.look(line, {PEPTIDE, SEQUENCE, CHARGE, ENERGY});
+        m_heading.look(line, {PEPTIDE, SEQUENCE, CHARGE, ENERGY, SCAN});
         const qsizetype peptide = m_heading.column(PEPTIDE);
         const qsizetype sequence = m_heading.column(SEQUENCE);
         const bool isSequence = sequence >= 0 && (peptide < 0 || sequence < peptide); // the first of the two counts
@@ -43,6 +44,7 @@ public:
     {
         PeptideListRow row;
         row.precursor.peptide = m_heading.text(line, m_peptide);
+        row.scan = m_heading.text(line, SCAN);
         const QString charge = m_heading.text(line, CHARGE);
         bool isNumber = false;
         row.precursor.charge = charge.toInt(&isNumber);

@@ -5,9 +5,13 @@
 #include "PrintableText.h"
 #include "SpectrumFile.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QList>
 
+#include <algorithm>
 #include <limits>
+#include <optional>
+#include <utility>
 
 namespace zav {
 
@@ -17,69 +21,81 @@ constexpr char SOURCE_FILE[] = "cli/src/readers/ObservedSpectrumFile";
 
 constexpr char INDEX_PREFIX[] = "index=";
 
-template <typename Predicate>
-QList<int> spectraThat(const SpectrumFile &file, const Predicate &isWanted)
+/// The spectra that some scans may name, found by looking through a file's spectra once.
+class NamedSpectra
 {
-    QList<int> found;
-    for (int i = 0; i < file.spectrumCount(); ++i) {
-        if (isWanted(file.identity(i)))
-            found.append(i);
-    }
-    return found;
-}
-
-bool hasScanNumbers(const SpectrumFile &file)
-{
-    return !spectraThat(file, [](const SpectrumIdentity &identity) { return identity.scanNumber >= 0; }).isEmpty();
-}
-
-QList<int> spectrumAt(const SpectrumFile &file, const QString &index)
-{
-    bool isNumber = false;
-    const int number = index.toInt(&isNumber);
-    return isNumber && number >= 0 && number < file.spectrumCount() ? QList<int>{number} : QList<int>{};
-}
-
-QList<int> spectraNamed(const SpectrumFile &file, const QString &scan)
-{
-    QList<int> byName = spectraThat(file, [&](const SpectrumIdentity &identity) { return identity.name == scan; });
-    if (!byName.isEmpty())
-        return byName;
-    if (scan.startsWith(QLatin1String(INDEX_PREFIX)))
-        return spectrumAt(file, scan.mid(static_cast<qsizetype>(sizeof(INDEX_PREFIX)) - 1));
-    if (!hasScanNumbers(file))
-        return spectrumAt(file, scan);
-    bool isNumber = false;
-    const int number = scan.toInt(&isNumber);
-    return spectraThat(file,
-                       [&](const SpectrumIdentity &identity) { return isNumber && identity.scanNumber == number; });
-}
-
-// What the user could have asked for instead.
-QString describeSpectra(const SpectrumFile &file)
-{
-    int first = std::numeric_limits<int>::max();
-    int last = -1;
-    for (int i = 0; i < file.spectrumCount(); ++i) {
-        if (const int scanNumber = file.identity(i).scanNumber; scanNumber >= 0) {
-            first = std::min(first, scanNumber);
-            last = std::max(last, scanNumber);
+public:
+    NamedSpectra(const SpectrumFile &file, const QStringList &scans) : m_count(file.spectrumCount())
+    {
+        for (const QString &scan : scans) {
+            m_byName.insert(scan, {});
+            bool isNumber = false;
+            if (const int number = scan.toInt(&isNumber); isNumber)
+                m_byNumber.insert(number, {});
         }
+        for (int i = 0; i < m_count; ++i)
+            look(i, file.identity(i));
     }
-    const QString kind = last < 0 ? QStringLiteral("index") : QStringLiteral("scan");
-    return QStringLiteral("it holds %1 %2, %3 %4 to %5")
-        .arg(QString::number(file.spectrumCount()),
-             file.spectrumCount() == 1 ? QStringLiteral("spectrum") : QStringLiteral("spectra"), kind,
-             QString::number(last < 0 ? 0 : first), QString::number(last < 0 ? file.spectrumCount() - 1 : last));
-}
 
-Result<int> namedSpectrum(SpectrumFile *file, const QString &path, const QString &scan)
+    QList<int> spectraNamed(const QString &scan) const
+    {
+        const QList<int> byName = m_byName.value(scan);
+        if (!byName.isEmpty())
+            return byName;
+        if (scan.startsWith(QLatin1String(INDEX_PREFIX)))
+            return spectrumAt(scan.mid(static_cast<qsizetype>(sizeof(INDEX_PREFIX)) - 1));
+        if (!hasScanNumbers())
+            return spectrumAt(scan);
+        bool isNumber = false;
+        const int number = scan.toInt(&isNumber);
+        return isNumber && number >= 0 ? m_byNumber.value(number) : QList<int>();
+    }
+
+    /// What the user could have asked for instead.
+    QString description() const
+    {
+        const QString kind = hasScanNumbers() ? QStringLiteral("scan") : QStringLiteral("index");
+        return QStringLiteral("it holds %1 %2, %3 %4 to %5")
+            .arg(QString::number(m_count), m_count == 1 ? QStringLiteral("spectrum") : QStringLiteral("spectra"), kind,
+                 QString::number(hasScanNumbers() ? m_firstNumber : 0),
+                 QString::number(hasScanNumbers() ? m_lastNumber : m_count - 1));
+    }
+
+private:
+    void look(int index, const SpectrumIdentity &identity)
+    {
+        if (const auto named = m_byName.find(identity.name); named != m_byName.end())
+            named->append(index);
+        if (identity.scanNumber < 0)
+            return;
+        m_firstNumber = std::min(m_firstNumber, identity.scanNumber);
+        m_lastNumber = std::max(m_lastNumber, identity.scanNumber);
+        if (const auto numbered = m_byNumber.find(identity.scanNumber); numbered != m_byNumber.end())
+            numbered->append(index);
+    }
+
+    bool hasScanNumbers() const { return m_lastNumber >= 0; }
+
+    QList<int> spectrumAt(const QString &index) const
+    {
+        bool isNumber = false;
+        const int number = index.toInt(&isNumber);
+        return isNumber && number >= 0 && number < m_count ? QList<int>{number} : QList<int>{};
+    }
+
+    int m_count;
+    int m_firstNumber = std::numeric_limits<int>::max();
+    int m_lastNumber = -1;
+    QHash<QString, QList<int>> m_byName;
+    QHash<int, QList<int>> m_byNumber;
+};
+
+Result<int> namedSpectrum(SpectrumFile *file, const NamedSpectra &names, const QString &path, const QString &scan)
 {
     const QString shown = displayText(scan);
-    const QList<int> found = spectraNamed(*file, scan);
+    const QList<int> found = names.spectraNamed(scan);
     if (found.isEmpty())
-        return Error(InvalidInput,
-                     QStringLiteral("%1: has no spectrum '%2': ").arg(path, shown) + describeSpectra(*file));
+        return Error(InvalidInput, QStringLiteral("%1: has no spectrum '%2': ").arg(path, shown) + names.description());
     if (found.size() > 1)
         return Error(InvalidInput, QStringLiteral("%1: '%2' names %3 spectra: give a native id or index=N")
                                        .arg(path, shown, QString::number(found.size())));
@@ -105,16 +121,23 @@ Result<int> onlySpectrum(SpectrumFile *file, const QString &path)
     if (found.isEmpty())
         return Error(InvalidInput, path + QStringLiteral(": holds no MS2 spectrum"));
     if (found.size() > 1)
-        return Error(InvalidInput, QStringLiteral("%1: holds %2 MS2 spectra: choose one with --scan")
-                                       .arg(path, QString::number(found.size())));
+        return Error(
+            InvalidInput,
+            QStringLiteral("%1: holds %2 MS2 spectra: name one by its scan").arg(path, QString::number(found.size())));
     return found.constFirst();
 }
 
-Result<int> chooseSpectrum(SpectrumFile *file, const QString &path, const QString &scan)
+QList<Result<int>> chooseSpectra(SpectrumFile *file, const QString &path, const QStringList &scans)
 {
-    if (file->spectrumCount() == 0)
-        return cannotRead(inputName(path), QStringLiteral("it holds no spectrum"));
-    return scan.isEmpty() ? onlySpectrum(file, path) : namedSpectrum(file, path, scan);
+    const NamedSpectra names(*file, scans);
+    std::optional<Result<int>> only;
+    QList<Result<int>> chosen;
+    for (const QString &scan : scans) {
+        if (scan.isEmpty() && !only)
+            only = onlySpectrum(file, path);
+        chosen.append(scan.isEmpty() ? *only : namedSpectrum(file, names, path, scan));
+    }
+    return chosen;
 }
 
 template <typename T>
@@ -128,13 +151,38 @@ Error caughtAt(const Result<T> &result, const char *function, int line)
 
 Result<ObservedSpectrum> readObservedSpectrum(const QString &path, const QString &scan)
 {
-    const Result<std::unique_ptr<SpectrumFile>> file = openSpectrumFile(path);
+    const Result<std::unique_ptr<ObservedSpectra>> spectra = ObservedSpectra::open(path, {scan});
+    if (spectra.hasError())
+        return caughtAt(spectra, Q_FUNC_INFO, __LINE__);
+    Result<ObservedSpectrum> spectrum = spectra.value()->read(0);
+    if (spectrum.hasError())
+        return caughtAt(spectrum, Q_FUNC_INFO, __LINE__);
+    return spectrum;
+}
+
+ObservedSpectra::ObservedSpectra(std::unique_ptr<SpectrumFile> file) : m_file(std::move(file)) {}
+
+ObservedSpectra::~ObservedSpectra() = default;
+
+Result<std::unique_ptr<ObservedSpectra>> ObservedSpectra::open(const QString &path, const QStringList &scans)
+{
+    Result<std::unique_ptr<SpectrumFile>> file =
+        openSpectrumFile(path, scans.size() > 1 ? SpectraToRead::Many : SpectraToRead::One);
     if (file.hasError())
         return caughtAt(file, Q_FUNC_INFO, __LINE__);
-    const Result<int> index = chooseSpectrum(file.value().get(), path, scan);
-    if (index.hasError())
-        return caughtAt(index, Q_FUNC_INFO, __LINE__);
-    Result<ObservedSpectrum> spectrum = file.value()->spectrum(index.value());
+    std::unique_ptr<ObservedSpectra> spectra(new ObservedSpectra(std::move(file).value()));
+    if (spectra->m_file->spectrumCount() == 0)
+        return cannotRead(inputName(path), QStringLiteral("it holds no spectrum"));
+    spectra->m_places = chooseSpectra(spectra->m_file.get(), path, scans);
+    return spectra;
+}
+
+Result<ObservedSpectrum> ObservedSpectra::read(qsizetype number) const
+{
+    const Result<int> &place = m_places[number];
+    if (place.hasError())
+        return caughtAt(place, Q_FUNC_INFO, __LINE__);
+    Result<ObservedSpectrum> spectrum = m_file->spectrum(place.value());
     if (spectrum.hasError())
         return caughtAt(spectrum, Q_FUNC_INFO, __LINE__);
     return spectrum;

@@ -188,12 +188,13 @@ Error readPeaks(LineReader *lines, QList<QPointF> *peaks)
 
 } // namespace
 
-Result<std::unique_ptr<SpectrumFile>> openMgfFile(const QString &path)
+Result<std::unique_ptr<SpectrumFile>> openMgfFile(const QString &path, SpectraToRead wanted)
 {
-    Result<std::unique_ptr<LineReader>> lines = LineReader::open(path, MAX_LINE_BYTES);
-    if (lines.hasError())
-        return lines.error();
-    auto file = std::make_unique<MgfFile>(path, std::move(lines).value());
+    Result<std::unique_ptr<ByteStream>> bytes = openSpectrumBytes(path, wanted);
+    if (bytes.hasError())
+        return bytes.error();
+    auto lines = std::make_unique<LineReader>(std::move(bytes).value(), MAX_LINE_BYTES);
+    auto file = std::make_unique<MgfFile>(path, std::move(lines));
     if (Error error = file->index(); error.hasError())
         return error;
     if (file->spectrumCount() == 0)

@@ -19,17 +19,22 @@ bool endsWithAny(const QString &path, std::initializer_list<const char *> ending
 
 } // namespace
 
-Result<std::unique_ptr<SpectrumFile>> openSpectrumFile(const QString &path)
+Result<std::unique_ptr<SpectrumFile>> openSpectrumFile(const QString &path, SpectraToRead wanted)
 {
     if (endsWithAny(path, {".mzml", ".mzml.gz"}))
-        return openMzMlFile(path);
+        return openMzMlFile(path, wanted);
     if (endsWithAny(path, {".mgf"}))
-        return openMgfFile(path);
+        return openMgfFile(path, wanted);
     if (endsWithAny(path, {".tsv", ".txt"}))
         return readPeakTable(path);
     return Error(InvalidInput,
                  path +
                      QStringLiteral(": spectra are read from files that end in .mzML, .mzML.gz, .mgf, .tsv or .txt"));
+}
+
+Result<std::unique_ptr<ByteStream>> openSpectrumBytes(const QString &path, SpectraToRead wanted)
+{
+    return wanted == SpectraToRead::Many ? ByteStream::openSeekable(path) : ByteStream::open(path);
 }
 
 bool isPeak(const QPointF &peak)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "ByteStream.h"
 #include "Spectrum.h"
 
 #include <zav/Result.h>
@@ -40,8 +41,15 @@ public:
     virtual Result<ObservedSpectrum> spectrum(int index) = 0;
 };
 
+/// How many of a file's spectra are going to be read: with `Many`, gzipped content is copied, so that each is found
+/// quickly.
+enum class SpectraToRead { One, Many };
+
 /// Opens a file by its ending, as `readObservedSpectrum` describes.
-Result<std::unique_ptr<SpectrumFile>> openSpectrumFile(const QString &path);
+Result<std::unique_ptr<SpectrumFile>> openSpectrumFile(const QString &path, SpectraToRead wanted = SpectraToRead::One);
+
+/// The content of such a file.
+Result<std::unique_ptr<ByteStream>> openSpectrumBytes(const QString &path, SpectraToRead wanted);
 
 /// True for an m/z above 0 and an intensity of 0 or more, both finite.
 bool isPeak(const QPointF &peak);

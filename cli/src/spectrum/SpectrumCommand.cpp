@@ -2,7 +2,6 @@
 #include "SpectrumCommand.h"
 
 #include "NetworkLoading.h"
-#include "ObservedSpectrumFile.h"
 #include "PictureFile.h"
 #include "PrintableText.h"
 #include "SpectrumPlot.h"
@@ -31,6 +30,16 @@ OutputFormat formatOf(const SpectrumOptions &options)
                                                                                 : OutputFormat::Tsv;
 }
 
+QString comparisonText(const SpectrumComparison &comparison)
+{
+    return QStringLiteral(
+               "spectral angle %1, cosine %2 over b and y ions\n%3 of %4 observed peaks explained, %5 % of the "
+               "intensity\n")
+        .arg(QString::number(comparison.spectralAngle, 'f', 3), QString::number(comparison.cosine, 'f', 3),
+             QString::number(comparison.explainedPeaks), QString::number(comparison.observedPeaks),
+             QString::number(100 * comparison.explainedIntensity, 'f', 1));
+}
+
 } // namespace
 
 SpectrumCommand::SpectrumCommand(const SpectrumOptions &options)
@@ -41,11 +50,22 @@ SpectrumCommand::SpectrumCommand(const SpectrumOptions &options)
 Error SpectrumCommand::work()
 {
     Error error =
-        inTurn(this, {&SpectrumCommand::readPeptides, &SpectrumCommand::readObserved, &SpectrumCommand::loadNetworks,
-                      &SpectrumCommand::predictAll, &SpectrumCommand::finishOutput, &SpectrumCommand::compareAndDraw});
-    if (!error.hasError() && isList() && m_failed > 0)
-        messages().note(QStringLiteral("%1 of %2 precursors could not be predicted").arg(m_failed).arg(m_rows.size()));
+        inTurn(this, {&SpectrumCommand::readPeptides, &SpectrumCommand::openObserved, &SpectrumCommand::readObserved,
+                      &SpectrumCommand::loadNetworks, &SpectrumCommand::predictAll, &SpectrumCommand::finishOutput,
+                      &SpectrumCommand::showComparisons, &SpectrumCommand::draw});
+    if (!error.hasError() && isList())
+        noteFailures();
     return error;
+}
+
+void SpectrumCommand::noteFailures()
+{
+    if (m_failed > 0)
+        messages().note(QStringLiteral("%1 of %2 precursors could not be predicted").arg(m_failed).arg(m_rows.size()));
+    if (m_notCompared > 0)
+        messages().note(QStringLiteral("%1 of %2 predictions could not be compared")
+                            .arg(m_notCompared)
+                            .arg(m_rows.size() - m_failed));
 }
 
 Error SpectrumCommand::readPeptides()
@@ -58,7 +78,7 @@ Error SpectrumCommand::readPeptides()
             return rows.error();
         m_rows = rows.value();
     } else {
-        m_rows = {PeptideListRow{{m_options.peptide, m_options.charge}, 0, {}}};
+        m_rows = {PeptideListRow{{m_options.peptide, m_options.charge}, m_options.scan, 0, {}}};
     }
     for (PeptideListRow &row : m_rows) {
         if (std::isnan(row.precursor.collisionEnergy))
@@ -80,13 +100,16 @@ void SpectrumCommand::checkPeptides()
                                                 : Error(InvalidInput, row.problem));
 }
 
+bool SpectrumCommand::hasEnergies() const
+{
+    return std::any_of(m_rows.begin(), m_rows.end(),
+                       [](const PeptideListRow &row) { return !std::isnan(row.precursor.collisionEnergy); });
+}
+
 void SpectrumCommand::prepareOutput()
 {
-    const bool hasEnergies = std::any_of(m_rows.begin(), m_rows.end(), [](const PeptideListRow &row) {
-        return !std::isnan(row.precursor.collisionEnergy);
-    });
     m_output = std::make_unique<SpectrumOutput>(m_options.outputPath, m_format,
-                                                WriterOptions{m_options.annotate, isList(), hasEnergies});
+                                                WriterOptions{m_options.annotate, isList(), hasEnergies()});
 }
 
 Error SpectrumCommand::loadNetworks()
@@ -131,7 +154,7 @@ Error SpectrumCommand::predictBlock(qsizetype first, qsizetype end)
     if (m_predictor)
         noteRemarks();
     for (qsizetype i = first; i < end; ++i) {
-        Error error = accept(m_rows[i], m_problems[i].hasError() ? m_problems[i] : outcomes.takeFirst());
+        Error error = accept(i, m_problems[i].hasError() ? m_problems[i] : outcomes.takeFirst());
         if (error.hasError())
             return error;
     }
@@ -150,15 +173,19 @@ void SpectrumCommand::noteRemarks()
     }
 }
 
-Error SpectrumCommand::accept(const PeptideListRow &row, const Result<PredictedSpectrum> &outcome)
+/// The error is one of writing.
+Error SpectrumCommand::accept(qsizetype number, const Result<PredictedSpectrum> &outcome)
 {
     if (outcome.hasError()) {
-        reportFailure(row, outcome.error());
-        return {};
+        ++m_failed;
+        reportFailure(m_rows[number], outcome.error());
+        return compare(number, outcome);
     }
     if (!isList())
         m_spectrum = outcome.value();
-    return m_output->write(outcome.value());
+    if (Error error = m_output->write(outcome.value()); error.hasError())
+        return error;
+    return compare(number, outcome);
 }
 
 Error SpectrumCommand::finishOutput()
@@ -167,54 +194,110 @@ Error SpectrumCommand::finishOutput()
 }
 
 /// Before the prediction, so that a mistyped path costs no time and writes nothing.
-Error SpectrumCommand::readObserved()
+Error SpectrumCommand::openObserved()
 {
     if (!m_options.picturePath.isEmpty() && !canWritePictures())
         return Error(Failure, QStringLiteral("this build of zav cannot draw pictures"));
-    if (m_options.observedPath.isEmpty() || m_problems.first().hasError())
+    if (m_options.observedPath.isEmpty() || (!isList() && m_problems.first().hasError()))
         return {};
-    const Result<ObservedSpectrum> observed = readObservedSpectrum(m_options.observedPath, m_options.scan);
+    QStringList scans;
+    for (const PeptideListRow &row : m_rows)
+        scans.append(row.scan);
+    Result<std::unique_ptr<ObservedSpectra>> run = ObservedSpectra::open(m_options.observedPath, scans);
+    if (run.hasError())
+        return run.error();
+    m_run = std::move(run).value();
+    m_comparisons = std::make_unique<ComparisonOutput>(
+        ComparisonPaths{m_options.observedPath, m_options.scoresPath, m_options.reportPath}, hasEnergies());
+    return {};
+}
+
+/// A single spectrum that cannot be read ends the run, and so do scans of which none is to be found.
+Error SpectrumCommand::readObserved()
+{
+    if (!m_run)
+        return {};
+    if (isList()) {
+        qsizetype missing = 0;
+        while (missing < m_rows.size() && m_run->problem(missing).hasError())
+            ++missing;
+        return missing == m_rows.size() ? m_run->problem(0) : Error();
+    }
+    const Result<ObservedSpectrum> observed = m_run->read(0);
     if (observed.hasError())
         return observed.error();
     m_observed = observed.value();
     return {};
 }
 
-Error SpectrumCommand::compareAndDraw()
+/// The error is one of writing.
+Error SpectrumCommand::compare(qsizetype number, const Result<PredictedSpectrum> &outcome)
 {
-    if (!m_spectrum)
+    if (!m_run)
         return {};
-    const Precursor &precursor = m_spectrum->precursor;
-    std::optional<SpectrumComparison> comparison;
-    if (m_observed) {
-        comparison = compareSpectra(*m_spectrum, *m_observed, m_options.tolerance);
-        printComparison(*comparison);
+    const PeptideListRow &row = m_rows[number];
+    ComparedSpectrum compared;
+    compared.precursor = row.precursor;
+    compared.scan = row.scan;
+    if (outcome.hasError()) {
+        compared.problem = outcome.error().message();
+        return m_comparisons->add(compared);
     }
-    if (m_options.picturePath.isEmpty())
-        return {};
-    // The modification of all cysteines is not worth a mark: it is in every peptide that is written without any.
-    const Peptidoform marked = isProForma(precursor.peptide) ? m_spectrum->peptidoform : Peptidoform(precursor.peptide);
-    return drawSpectrum({marked, precursor.charge, precursor.collisionEnergy, m_spectrum->precursorMz,
-                         m_spectrum->peaks, m_observed, comparison},
-                        m_options.picturePath);
+    compared.predicted = outcome.value();
+    compareWith(isList() ? m_run->read(number) : Result<ObservedSpectrum>(*m_observed), &compared);
+    if (!compared.problem.isEmpty()) {
+        ++m_notCompared;
+        reportFailure(row, Error(Failure, compared.problem));
+    }
+    if (!isList())
+        m_comparison = compared.comparison;
+    return m_comparisons->add(compared);
+}
+
+void SpectrumCommand::compareWith(const Result<ObservedSpectrum> &observed, ComparedSpectrum *compared)
+{
+    if (observed.hasError()) {
+        compared->problem = observed.error().message();
+        return;
+    }
+    compared->observed = observed.value();
+    compared->comparison = compareSpectra(*compared->predicted, *compared->observed, m_options.tolerance);
 }
 
 /// On standard output, unless another program reads the spectrum there.
-void SpectrumCommand::printComparison(const SpectrumComparison &comparison)
+Error SpectrumCommand::showComparisons()
 {
-    const bool isFree = m_format == OutputFormat::Table || !terminal::isStandardOutput(m_options.outputPath);
-    const QString text =
-        QStringLiteral("spectral angle %1, cosine %2 over b and y ions\n%3 of %4 observed peaks explained, %5 % of the "
-                       "intensity\n")
-            .arg(QString::number(comparison.spectralAngle, 'f', 3), QString::number(comparison.cosine, 'f', 3),
-                 QString::number(comparison.explainedPeaks), QString::number(comparison.observedPeaks),
-                 QString::number(100 * comparison.explainedIntensity, 'f', 1));
-    std::fputs(qUtf8Printable(text), isFree ? stdout : stderr);
+    if (!m_run)
+        return {};
+    if (Error error = m_comparisons->finish(); error.hasError())
+        return error;
+    const QString text = m_comparison ? comparisonText(*m_comparison) : m_comparisons->summary();
+    std::fputs(qUtf8Printable(text), isStandardOutputFree() ? stdout : stderr);
+    return {};
+}
+
+bool SpectrumCommand::isStandardOutputFree() const
+{
+    const QString standardOutput = QStringLiteral("-");
+    if (m_options.scoresPath == standardOutput || m_options.reportPath == standardOutput)
+        return false;
+    return m_format == OutputFormat::Table || !terminal::isStandardOutput(m_options.outputPath);
+}
+
+Error SpectrumCommand::draw()
+{
+    if (!m_spectrum || m_options.picturePath.isEmpty())
+        return {};
+    const Precursor &precursor = m_spectrum->precursor;
+    // The modification of all cysteines is not worth a mark: it is in every peptide that is written without any.
+    const Peptidoform marked = isProForma(precursor.peptide) ? m_spectrum->peptidoform : Peptidoform(precursor.peptide);
+    return drawSpectrum({marked, precursor.charge, precursor.collisionEnergy, m_spectrum->precursorMz,
+                         m_spectrum->peaks, m_observed, m_comparison},
+                        m_options.picturePath);
 }
 
 void SpectrumCommand::reportFailure(const PeptideListRow &row, const Error &error)
 {
-    ++m_failed;
     const QString name = displayName(row.precursor);
     const QString line = QStringLiteral("%1:%2: ").arg(inputName(m_options.peptideList)).arg(row.line);
     fail(error, isList() ? line + name : name);

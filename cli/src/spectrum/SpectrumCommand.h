@@ -2,8 +2,9 @@
 #pragma once
 
 #include "Command.h"
+#include "ComparisonOutput.h"
+#include "ObservedSpectrumFile.h"
 #include "PeptideList.h"
-#include "SpectrumComparison.h"
 #include "SpectrumOptions.h"
 #include "SpectrumPredictor.h"
 #include "SpectrumWriter.h"
@@ -16,7 +17,8 @@
 
 namespace zav {
 
-/// `zav spectrum`: predicts the spectra that were asked for, writes them, and for one peptide compares and draws.
+/// `zav spectrum`: predicts the spectra that were asked for, writes them and compares them with measured ones. Draws a
+/// single one.
 class SpectrumCommand : public Command
 {
 public:
@@ -31,12 +33,18 @@ private:
     Error predictAll();
     Error predictBlock(qsizetype first, qsizetype end);
     void noteRemarks();
-    Error accept(const PeptideListRow &row, const Result<PredictedSpectrum> &outcome);
+    Error accept(qsizetype number, const Result<PredictedSpectrum> &outcome);
     Error finishOutput();
+    Error openObserved();
     Error readObserved();
-    Error compareAndDraw();
-    void printComparison(const SpectrumComparison &comparison);
+    Error compare(qsizetype number, const Result<PredictedSpectrum> &outcome);
+    void compareWith(const Result<ObservedSpectrum> &observed, ComparedSpectrum *compared);
+    Error showComparisons();
+    Error draw();
     void reportFailure(const PeptideListRow &row, const Error &error);
+    void noteFailures();
+    bool hasEnergies() const;
+    bool isStandardOutputFree() const;
     bool isList() const { return !m_options.peptideList.isEmpty(); }
 
     SpectrumOptions m_options;
@@ -46,9 +54,14 @@ private:
     QList<Error> m_problems; ///< one per row: why it cannot be predicted, or no error
     qsizetype m_failed = 0;
     std::unique_ptr<SpectrumPredictor> m_predictor;
-    QStringList m_noted; ///< remarks on predictions that the user has read
+    QStringList m_noted;                    ///< remarks on predictions that the user has read
+    std::unique_ptr<ObservedSpectra> m_run; ///< of each row the spectrum to compare with; null: none is to be compared
+    std::unique_ptr<ComparisonOutput> m_comparisons; ///< with `m_run`
+    qsizetype m_notCompared = 0;                     ///< though predicted
+    // Of a run for one peptide.
     std::optional<ObservedSpectrum> m_observed;
-    std::optional<PredictedSpectrum> m_spectrum; ///< of a run for one peptide
+    std::optional<PredictedSpectrum> m_spectrum;
+    std::optional<SpectrumComparison> m_comparison;
 };
 
 } // namespace zav

@@ -28,7 +28,9 @@ struct SpectrumOptions
     bool annotate = false;
     QString picturePath;  ///< empty: none
     QString observedPath; ///< a measured spectrum to compare with; empty: none
-    QString scan;         ///< which of that file's spectra
+    QString scan;         ///< which of that file's spectra, for one peptide
+    QString scoresPath;   ///< a table of the comparisons; empty: none
+    QString reportPath;   ///< a page of them; empty: none
     MassTolerance tolerance;
     bool verbose = false;
 

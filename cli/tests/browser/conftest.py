@@ -39,10 +39,34 @@ class Workplace:
     def report_of(self, name, sources, *arguments, command="limits", exit_code=0):
         report = self.folder / f"{name}.html"
         table = self.folder / f"{name}.tsv"
-        program = [os.environ["ZAV_PROGRAM"], command, *map(str, sources)]
-        run = subprocess.run([*program, "--report", report, "-o", table, *arguments], capture_output=True, check=False)
-        assert run.returncode == exit_code, run.stderr.decode()
+        self.run(command, *sources, "--report", report, "-o", table, *arguments, exit_code=exit_code)
         return report
+
+    def spectra_report(self, name, peptides, run, *arguments, exit_code=0):
+        """Of peptides (peptide, charge, scan); the table has the scores."""
+        source = self.list(f"{name}.peptides.tsv", ("peptide", "charge", "scan"), peptides)
+        report = self.folder / f"{name}.html"
+        outputs = ("--report", report, "--scores", self.folder / f"{name}.tsv", "-o", self.folder / f"{name}.json")
+        self.run("spectrum", "--peptides", source, "--against", run, *outputs, *arguments, exit_code=exit_code)
+        return report
+
+    def predictions(self, name, peptides):
+        """An MGF file of the predicted spectra of peptides, each with the title PEPTIDE/CHARGE."""
+        source = self.list(f"{name}.tsv", ("peptide", "charge"), peptides)
+        predicted = self.folder / f"{name}.mgf"
+        self.run("spectrum", "--peptides", source, "-o", predicted)
+        return predicted
+
+    def list(self, name, *rows):
+        path = self.folder / name
+        lines = [rows[0], *rows[1]]
+        path.write_text("".join("\t".join(map(str, line)) + "\n" for line in lines), encoding="utf-8")
+        return path
+
+    def run(self, *arguments, exit_code=0):
+        program = [os.environ["ZAV_PROGRAM"], *map(str, arguments)]
+        run = subprocess.run(program, capture_output=True, check=False)
+        assert run.returncode == exit_code, run.stderr.decode()
 
     def rows(self, name):
         lines = (self.folder / f"{name}.tsv").read_text(encoding="utf-8").splitlines()
@@ -68,3 +92,9 @@ def browser(workplace):
     driver.set_script_timeout(30)
     yield driver
     driver.quit()
+
+
+@pytest.fixture(autouse=True)
+def nothing_kept(browser):
+    yield
+    browser.execute_script("try { localStorage.clear(); } catch { /* there is none */ }")

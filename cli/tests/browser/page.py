@@ -84,7 +84,7 @@ class Page:
         return self.text("#name")
 
     def wait_for_picture(self):
-        self.wait(lambda: self.script('return document.querySelectorAll("#picture .trace").length > 0'))
+        self.wait(lambda: self.script('return document.querySelectorAll("#picture .trace, #picture .stem").length > 0'))
 
     def save(self, folder):
         """The lines of the table that the page saves."""

@@ -30,12 +30,6 @@ def mixed(workplace):
     return workplace.report("mixed", lines)
 
 
-@pytest.fixture(autouse=True)
-def nothing_kept(browser):
-    yield
-    browser.execute_script("try { localStorage.clear(); } catch { /* there is none */ }")
-
-
 def screenshot(page, name):
     if folder := os.environ.get("ZAV_REPORT_SCREENSHOTS"):
         pathlib.Path(folder).mkdir(parents=True, exist_ok=True)

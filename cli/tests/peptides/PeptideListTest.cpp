@@ -47,6 +47,17 @@ TEST(PeptideList, HeaderIsSkippedAndSaysWhereTheColumnsStand)
     EXPECT_EQ(summary("charge\tsequence\tpeptide\n2\tAK\tCK\n"), "2:AK/2");
 }
 
+TEST(PeptideList, HeaderMayNameTheScan)
+{
+    const QList<PeptideListRow> rows =
+        read("Scan\tpeptide\tcharge\n30069\tPEPTIDE\t2\ncontroller=1 scan=7\tSAMPLER\t3\n\tSAMPLER\t2\n");
+    ASSERT_EQ(rows.size(), 3);
+    EXPECT_EQ(rows[0].scan, QStringLiteral("30069"));
+    EXPECT_EQ(rows[1].scan, QStringLiteral("controller=1 scan=7"));
+    EXPECT_EQ(rows[2].scan, QString());
+    EXPECT_EQ(read("PEPTIDE\t2\t30069\n").first().scan, QString()) << "only a header says where it stands";
+}
+
 TEST(PeptideList, HeaderNamesBothColumnsAndComesFirst)
 {
     EXPECT_EQ(summary("peptide\nPEPTIDE\t2\n"), "1:peptide/0!the charge is missing 2:PEPTIDE/2");

@@ -99,9 +99,28 @@ TEST_F(MzMlReader, ScanIsFoundByNativeIdScanNumberAndIndex)
     EXPECT_EQ(read(mzMl({{"spectrum=5"}, {"spectrum=6", 2, {9}, {9}}}), "1").value().peaks.constFirst().x(), 9);
 }
 
+TEST_F(MzMlReader, ManyScansOfOneFileAreEachTheirOwn)
+{
+    const QStringList scans = {"13", "function=2 scan=12", "14", "11", "12", "index=1", "", "13"};
+    for (const char *name : {"a.mzML", "a.mzML.gz"}) {
+        const QByteArray content = mzMl(RUN);
+        const QString path = files.write(name, QString(name).endsWith("gz") ? gzip(content) : content);
+        const auto spectra = ObservedSpectra::open(path, scans);
+        ASSERT_FALSE(spectra.hasError()) << files.withoutFolder(spectra.error().message());
+        QList<double> mzs;
+        for (qsizetype i = 0; i < scans.size(); ++i) {
+            const auto spectrum = spectra.value()->read(i);
+            EXPECT_EQ(spectrum.error().message(), spectra.value()->problem(i).message());
+            EXPECT_EQ(spectrum.error().message(), readObservedSpectrum(path, scans[i]).error().message());
+            mzs.append(spectrum.hasError() ? 0 : spectrum.value().peaks.constFirst().x());
+        }
+        EXPECT_EQ(mzs, (QList<double>{3, 2, 0, 0, 0, 1, 0, 3}));
+    }
+}
+
 TEST_F(MzMlReader, ScanThatCannotBeUsedIsRefused)
 {
-    EXPECT_EQ(message(read(mzMl(RUN))), "a.mzML: holds 3 MS2 spectra: choose one with --scan");
+    EXPECT_EQ(message(read(mzMl(RUN))), "a.mzML: holds 3 MS2 spectra: name one by its scan");
     EXPECT_EQ(message(read(mzMl(RUN), "12")), "a.mzML: '12' names 2 spectra: give a native id or index=N");
     EXPECT_EQ(message(read(mzMl(RUN), "11")), "a.mzML: spectrum '11' is a survey spectrum (MS1), not MS/MS");
     EXPECT_EQ(message(read(mzMl(RUN), "14")), "a.mzML: has no spectrum '14': it holds 4 spectra, scan 11 to 13");

@@ -127,6 +127,26 @@ TEST_F(PeakTextReader, GzippedContentIsReadTheSame)
     EXPECT_EQ(read("a.tsv", gzip("100.5 20\n200.25 1000\n")).value().peaks, TWO_PEAKS);
 }
 
+TEST_F(PeakTextReader, ManyScansOfOneFileAreEachTheirOwn)
+{
+    const QStringList scans = {"b", "12", "13", "99", "b"};
+    for (const bool isGzipped : {false, true}) {
+        const QString path = files.write("a.mgf", isGzipped ? gzip(THREE_SPECTRA) : THREE_SPECTRA);
+        const auto spectra = ObservedSpectra::open(path, scans);
+        ASSERT_FALSE(spectra.hasError());
+        for (qsizetype i = 0; i < scans.size(); ++i) {
+            const auto one = readObservedSpectrum(path, scans[i]);
+            const auto same = spectra.value()->read(i);
+            ASSERT_EQ(same.error().message(), one.error().message());
+            EXPECT_EQ(same.hasError(), scans[i] == QStringLiteral("99"));
+            if (!one.hasError()) {
+                EXPECT_EQ(same.value().title, one.value().title);
+                EXPECT_EQ(same.value().peaks, one.value().peaks);
+            }
+        }
+    }
+}
+
 TEST_F(PeakTextReader, WithoutScanNumbersANumberIsTheIndexFromZero)
 {
     QByteArray content = THREE_SPECTRA;
@@ -137,7 +157,7 @@ TEST_F(PeakTextReader, WithoutScanNumbersANumberIsTheIndexFromZero)
 TEST_F(PeakTextReader, WithoutAScanSeveralSpectraAreCountedAndRefused)
 {
     const auto spectrum = read("a.mgf", THREE_SPECTRA);
-    EXPECT_EQ(message(spectrum), "a.mgf: holds 2 MS2 spectra: choose one with --scan");
+    EXPECT_EQ(message(spectrum), "a.mgf: holds 2 MS2 spectra: name one by its scan");
     EXPECT_TRUE(spectrum.error().equals(InvalidInput));
 }
 

@@ -72,6 +72,14 @@ struct ReportText
         return points;
     }
 
+    static nlohmann::json readJson(const QByteArray &bytes, qsizetype *place)
+    {
+        const auto size = qFromLittleEndian<quint32>(bytes.constData() + *place);
+        const QByteArray text = bytes.mid(*place + 4, size);
+        *place += 4 + size;
+        return nlohmann::json::parse(text.toStdString());
+    }
+
 private:
     void add(const QString &name, const QByteArray &text)
     {

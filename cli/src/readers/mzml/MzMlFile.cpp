@@ -181,9 +181,9 @@ private:
 
 } // namespace
 
-Result<std::unique_ptr<SpectrumFile>> openMzMlFile(const QString &path)
+Result<std::unique_ptr<SpectrumFile>> openMzMlFile(const QString &path, SpectraToRead wanted)
 {
-    Result<std::unique_ptr<ByteStream>> bytes = ByteStream::open(path);
+    Result<std::unique_ptr<ByteStream>> bytes = openSpectrumBytes(path, wanted);
     if (bytes.hasError())
         return bytes.error();
     if (bytes.value()->peek().isEmpty())

@@ -63,7 +63,7 @@ class SpectrumReport {
         (share) => `${(100 * share).toFixed(1)} %`),
       measure("peaks", "explained_peaks", 4, "measured peaks that are explained", String),
       measure("precursor (ppm)", "precursor_ppm", 7.5, "m/z of the precursor that the file names, against the peptide's",
-        (ppm) => ppm.toFixed(1)),
+        ppmText),
       noteColumn(marks));
     return columns;
   }
@@ -127,7 +127,7 @@ class SpectrumReport {
     const rows = model.ions.slice(0, MOST_IONS).map((ion) => {
       const isSeen = ion.observedMz !== undefined;
       const cells = [ion.mz.toFixed(4), ion.share.toFixed(3), isSeen ? ion.observedMz.toFixed(4) : "",
-        isSeen ? (1e6 * (ion.observedMz / ion.mz - 1)).toFixed(1) : "", isSeen ? ion.observedShare.toFixed(3) : ""];
+        isSeen ? ppmText(1e6 * (ion.observedMz / ion.mz - 1)) : "", isSeen ? ion.observedShare.toFixed(3) : ""];
       const row = make("tr");
       row.append(make("th", { scope: "row" }, ion.name), ...cells.map((text) => make("td", { class: "number" }, text)));
       return row;
@@ -149,6 +149,11 @@ class SpectrumReport {
     }
     return lines;
   }
+}
+
+/** With one decimal, and no minus in front of 0. */
+function ppmText(ppm) {
+  return (Math.round(10 * ppm) / 10 + 0).toFixed(1);
 }
 
 const makeReport = (data) => new SpectrumReport(data);

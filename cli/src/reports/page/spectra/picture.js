@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The picture of an entry: the measured spectrum, and below it the prediction upside down.
 
-const LABEL_ROOM = { x: 34, y: 14 }; // pixels between two labels, one of them at least
+const LETTER = 7; // pixels that a letter of a label needs
+const LINE = 14; // and a line of them
 const MOST_LABELS = 60;
 const NEAR = 8; // pixels within which the pointer finds a peak
 
@@ -57,10 +58,10 @@ class MirrorPicture extends Plot {
     const place = (mz, share, name) => {
       const [x, y] = [round(this.x(mz)), round(this.y(share) + (share < 0 ? 13 : -4))];
       const isFree = placed.every((other) =>
-        Math.abs(other.x - x) >= LABEL_ROOM.x || Math.abs(other.y - y) >= LABEL_ROOM.y);
+        Math.abs(other.x - x) >= LETTER * (other.name.length + name.length + 1) / 2 || Math.abs(other.y - y) >= LINE);
       if (!isFree || placed.length >= MOST_LABELS)
         return;
-      placed.push({ x, y });
+      placed.push({ x, y, name });
       this.add(this.plot, "text", { class: "ion-label", x, y, "text-anchor": "middle" }, name);
     };
     const [from, to] = this.xRange;

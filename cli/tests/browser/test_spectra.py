@@ -1,0 +1,130 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Reports of measured spectra as a reader uses them."""
+
+import pytest
+from conftest import DATA
+from page import Page
+
+PEPTIDES = [("PEPTIDEK", 2), ("LQSRPAAPPAPGPGQLTLR", 3), ("ELVISLIVESK", 2)]
+MEASURED = "LQSRPAAPPAPGPGQLTLR"
+
+
+def title(peptide, charge):
+    return f"{peptide}/{charge}"
+
+
+@pytest.fixture(scope="session")
+def predicted(workplace):
+    return workplace.predictions("predicted", PEPTIDES)
+
+
+@pytest.fixture(scope="session")
+def own(workplace, predicted):
+    """Each prediction against itself, the last against another, and one whose spectrum is missing."""
+    rows = [(peptide, charge, title(peptide, charge)) for peptide, charge in PEPTIDES]
+    rows += [("ELVISLIVESR", 2, title(*PEPTIDES[0])), ("PEPTIDER", 2, "nowhere")]
+    return workplace.spectra_report("own", rows, predicted, exit_code=1)
+
+
+def paths(page, css):
+    """Of each path the places (x, from, to) of its stems."""
+    texts = page.script("return [...document.querySelectorAll(arguments[0])].map((p) => p.getAttribute('d'))", css)
+    stems = [stem for text in texts for stem in text.split("M")[1:]]
+    return [(float(s.split()[0]), float(s.split()[1].split("V")[0]), float(s.split("V")[1])) for s in stems]
+
+
+def test_prediction_agrees_with_itself(browser, workplace, own):
+    page = Page(browser, own)
+    assert page.title() == "Spectra: predicted.mgf"
+    assert page.column("peptide") == ["PEPTIDEK", "LQSRPAAPPAPGPGQLTLR", "ELVISLIVESK", "ELVISLIVESR", "PEPTIDER"]
+    assert page.column("angle")[:3] == ["1.000"] * 3
+    assert page.column("explained")[:3] == ["100.0 %"] * 3
+    assert page.column("precursor (ppm)")[:3] == ["0.0"] * 3
+    assert float(page.column("angle")[3]) < 0.5
+    assert page.column("angle")[4] == "failed"
+    page.wait_for_picture()
+    # PEPTIDEK 2+: what is measured stands as high as what is predicted hangs.
+    stems = paths(page, "#picture .series-0, #picture .series-1, #picture .series-2")
+    middle = stems[0][1]
+    up = sorted(round(x) for x, _, end in stems if end < middle)
+    down = sorted(round(x) for x, _, end in stems if end > middle)
+    assert up == down
+    assert len(up) > 5
+    assert page.problems() == []
+
+
+def test_shows_the_scores_of_the_table(browser, workplace, own):
+    page = Page(browser, own)
+    header, *rows = workplace.rows("own")
+    assert header[:3] == ["peptide", "charge", "scan"]
+    for title_, name, write in (
+        ("angle", "spectral_angle", lambda text: f"{float(text):.3f}"),
+        ("explained", "explained_intensity", lambda text: f"{100 * float(text):.1f} %"),
+        ("peaks", "explained_peaks", str),
+    ):
+        expected = [write(row[header.index(name)]) if len(row) > header.index(name) and row[3] else "" for row in rows]
+        shown = page.column(title_)
+        assert shown[:4] == expected[:4]
+    page.keys("a", "j", "r", "n", *"not this one")
+    saved = page.save(workplace.folder)
+    assert saved[0] == ["peptide", "charge", "scan", "mark", "note", *header[3:]]
+    assert [row[3:5] for row in saved[1:3]] == [["accepted", ""], ["rejected", "not this one"]]
+    assert [row[:3] + row[5:] for row in saved[1:]] == rows
+    assert page.problems() == []
+
+
+def test_filters_sorts_and_tells_failures(browser, own):
+    page = Page(browser, own)
+    page.sort("angle")
+    assert page.column("peptide")[0] == "ELVISLIVESR"
+    assert page.column("peptide")[-1] == "PEPTIDER", "what failed is last"
+    page.select("#filter-found", "high")
+    assert page.column("peptide") == ["PEPTIDEK", "LQSRPAAPPAPGPGQLTLR", "ELVISLIVESK"]
+    page.select("#filter-found", "failed")
+    assert page.column("peptide") == ["PEPTIDER"]
+    assert "has no spectrum 'nowhere'" in page.text("#remarks .failed")
+    page.select("#filter-found", "")
+    page.filter("elvis")
+    assert page.column("peptide") == ["ELVISLIVESR", "ELVISLIVESK"]
+    assert "5 spectra, 2 listed" in page.text("#tally")
+    assert page.problems() == []
+
+
+@pytest.mark.parametrize("scheme", ["light", "dark"])
+def test_mirror_of_a_real_spectrum(browser, workplace, scheme):
+    run = DATA / f"{MEASURED}.mzML"
+    report = workplace.spectra_report("real", [(MEASURED, 3, 30069)], run)
+    page = Page(browser, report, scheme=scheme)
+    page.wait_for_picture()
+    labels = page.script('return [...document.querySelectorAll("#picture .ion-label")].map((e) => e.textContent)')
+    assert {"y9+", "b7+", "b10+", "y7+"} <= set(labels), "the highest ones"
+    # Of each half the highest peak reaches 100 %, which is the height but for 12 %.
+    stems = paths(page, "#picture .stem")
+    middle = stems[0][1]
+    half = page.script('return (document.getElementById("picture").clientHeight - 38 - 42) / 2')
+    assert min(end for _, _, end in stems) == pytest.approx(middle - half / 1.12, abs=0.6)
+    assert max(end for _, _, end in stems) == pytest.approx(middle + half / 1.12, abs=0.6)
+    # y1 of arginine: 156.10111 + 18.01056 + 1.00728.
+    cells = page.script(
+        """const row = [...document.querySelectorAll("#numbers tbody tr")].find((r) => r.cells[0].textContent === "y1+");
+           return [...row.cells].map((cell) => cell.textContent)"""
+    )
+    assert float(cells[1]) == pytest.approx(175.11895, abs=1e-4)
+    assert float(cells[3]) == pytest.approx(175.119, abs=175.119 * 20e-6)
+    assert abs(float(cells[4])) <= 20
+    assert "precursor m/z 643.03" in page.text("#facts")
+    assert page.problems() == []
+
+
+def test_hostile_names_are_text(browser, workplace, predicted):
+    hostile = "</script><script>document.title='caught'</script>"
+    rows = [("PEPTIDEK", 2, hostile), (hostile, 2, "PEPTIDEK/2"), ("PEPTIDEK", 2, "PEPTIDEK/2")]
+    page = Page(browser, workplace.spectra_report("hostile", rows, predicted, exit_code=1))
+    assert page.column("scan")[0] == hostile
+    assert page.column("peptide")[1] == hostile
+    page.keys("j", "j")
+    page.wait_for_picture()
+    assert "caught" not in page.script("return document.title")
+    assert page.script('return document.querySelectorAll("script:not([type])").length') == 1
+    assert page.requests() == [(workplace.folder / "hostile.html").as_uri()]
+    assert page.problems() == []
