@@ -67,7 +67,8 @@ void tryInput(const QByteArray &input)
     const Result<QList<PeptideListRow>> again = readPeptideList(fileWith(NAME, table));
     require(!again.hasError() && again.value().size() == expected.size(), "written rows are all read");
     for (qsizetype i = 0; i < expected.size(); ++i)
-        require(bitsOf(again.value()[i].precursor) + bits(again.value()[i].scan) == expected[i], "a written row reads the same");
+        require(bitsOf(again.value()[i].precursor) + bits(again.value()[i].scan) == expected[i],
+                "a written row reads the same");
 }
 
 } // namespace zav::fuzz
