@@ -101,7 +101,9 @@ TF_Tensor *newResult()
     const std::size_t byteCount = values.size() * sizeof(float);
     void *bytes = ::operator new(byteCount);
     std::copy(values.begin(), values.end(), static_cast<float *>(bytes));
-    const std::vector<std::int64_t> shape{static_cast<std::int64_t>(values.size())};
+    std::vector<std::int64_t> shape = runtime.resultShape;
+    if (shape.empty())
+        shape.push_back(static_cast<std::int64_t>(values.size()));
     return created("tensor", new TF_Tensor{TF_FLOAT, shape, bytes, byteCount, freeBytes, nullptr});
 }
 

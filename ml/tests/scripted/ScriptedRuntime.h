@@ -32,7 +32,8 @@ struct ScriptedRuntime
     bool refusesNewTensor = false; ///< TF_NewTensor calls the deallocator and returns null, as TensorFlow does
     bool refusesAllocation = false;
     bool hidesTensorData = false;
-    std::vector<float> results{42.0F}; ///< the values of every output, in one dimension
+    std::vector<float> results{42.0F};       ///< the values of every output
+    std::vector<std::int64_t> resultShape{}; ///< of every output; empty: one dimension
 
     // What it was asked.
     std::vector<std::string> calls;       ///< functions in order, with the arguments that matter in parentheses
