@@ -85,6 +85,7 @@ def cases(is_short):
     yield workbench.split_case()
     yield workbench.spectrum_case()
     yield workbench.peptides_case()
+    yield workbench.compare_case()
     yield from (workbench.library_case(ending) for ending in endings)
     yield workbench.library_case("tsv", "--low-memory", "library --low-memory")
 

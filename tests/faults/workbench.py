@@ -299,6 +299,13 @@ def report_case():
                 ("l.tsv", "l.html"), {"t.txt": chromatograms()})
 
 
+def compare_case():
+    run = b"BEGIN IONS\nTITLE=one\n300.1 5\n500.2 9\nEND IONS\nBEGIN IONS\nTITLE=two\n300.1 5\nEND IONS\n"
+    return Case("spectrum --against", "spectrum --peptides {d}/list.txt --against d/run.mgf --scores {d}/s.tsv "
+                "--report {d}/s.html -o {d}/s.msp", ("s.tsv", "s.html", "s.msp"),
+                {"list.txt": b"peptide\tcharge\tscan\nAAGGISSLEDAK\t2\ttwo\nLLGWQK\t2\tone\n", "run.mgf": run})
+
+
 def split_case():
     return Case("split --plot", "split {d}/t.txt --threads 1 -o {d}/l.json --plot {d}/pictures --plot-format png",
                 ("l.json", "pictures/0001_one.png", "pictures/0002_two.png"), {"t.txt": chromatograms()})
