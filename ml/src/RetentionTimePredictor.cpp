@@ -41,18 +41,27 @@ QStringList retentionTimeNetwork::trainedModifications()
 Error RetentionTimePredictor::Private::init(const QString &networkPath)
 {
     ZAV_RETURN_IF_ERROR(model.init(networkPath.toStdString(), {}), __LINE__);
-    ZAV_RETURN_IF_ERROR(input.init(model.getGraph(), model.getStatus(), peptidoformRows::NETWORK_INPUT), __LINE__);
-    ZAV_RETURN_IF_ERROR(output.init(model.getGraph(), model.getStatus(), retentionTimeNetwork::OUTPUT), __LINE__);
+    ZAV_RETURN_IF_ERROR(bindTensors(), __LINE__);
+    initialised = true;
+    return NoError;
+}
+
+Error RetentionTimePredictor::Private::bindTensors()
+{
+    input.emplace();
+    output.emplace();
+    ZAV_RETURN_IF_ERROR(input->init(model.getGraph(), model.getStatus(), peptidoformRows::NETWORK_INPUT), __LINE__);
+    ZAV_RETURN_IF_ERROR(output->init(model.getGraph(), model.getStatus(), retentionTimeNetwork::OUTPUT), __LINE__);
     // Other sizes might hold the same number of values, and the rows of one peptidoform would run into the next.
     const std::vector<std::int64_t> expected{-1, peptidoformRows::ROW_COUNT, peptidoformRows::COLUMN_COUNT};
-    ZAV_RETURN_IF_ERROR(ErrorUtils::equal(input.getShape(), expected, misfitError), __LINE__);
-    initialised = true;
+    ZAV_RETURN_IF_ERROR(ErrorUtils::equal(input->getShape(), expected, misfitError), __LINE__);
     return NoError;
 }
 
 Error RetentionTimePredictor::Private::predict(const QList<Peptidoform> &peptidoforms)
 {
     ZAV_RETURN_IF_ERROR(ErrorUtils::equal(initialised, true, notLoadedError), __LINE__);
+    ZAV_RETURN_IF_ERROR(bindTensors(), __LINE__);
     headCount = 0;
     heads.clear();
     Error outcome;
@@ -93,10 +102,10 @@ Error RetentionTimePredictor::Private::predictBlock(const QList<Peptidoform> &pe
     std::vector<float> rows(count * peptidoformRows::SIZE, 0.0F);
     for (std::size_t i = 0; i < count; ++i)
         peptidoformRows::write(peptidoforms.at(first[i]), &rows[i * peptidoformRows::SIZE]);
-    ZAV_RETURN_IF_ERROR(input.setData<float>(std::move(rows)), __LINE__);
-    ZAV_RETURN_IF_ERROR(model.run(input, output), __LINE__);
+    ZAV_RETURN_IF_ERROR(input->setData<float>(std::move(rows)), __LINE__);
+    ZAV_RETURN_IF_ERROR(model.run(*input, *output), __LINE__);
     std::vector<float> values;
-    ZAV_RETURN_IF_ERROR(output.getData<float>(&values), __LINE__);
+    ZAV_RETURN_IF_ERROR(output->getData<float>(&values), __LINE__);
     ZAV_RETURN_IF_ERROR(keepHeads(values, first, count, peptidoforms.size()), __LINE__);
     return NoError;
 }
@@ -107,7 +116,7 @@ Error RetentionTimePredictor::Private::keepHeads(const std::vector<float> &value
 {
     const std::size_t headsEach = values.size() / count;
     const std::vector<std::int64_t> expected{static_cast<std::int64_t>(count), static_cast<std::int64_t>(headsEach)};
-    ZAV_RETURN_IF_ERROR(ErrorUtils::equal(output.getShape(), expected, misfitError), __LINE__);
+    ZAV_RETURN_IF_ERROR(ErrorUtils::equal(output->getShape(), expected, misfitError), __LINE__);
     ZAV_RETURN_IF_ERROR(
         ErrorUtils::equal(headsEach > 0 && (headCount == 0 || headCount == headsEach), true, misfitError), __LINE__);
     if (headCount == 0) {
@@ -126,7 +135,7 @@ RetentionTimePredictor::~RetentionTimePredictor() = default;
 
 Error RetentionTimePredictor::init(const QString &networkPath)
 try {
-    d = std::make_unique<Private>(); // a tensor bound again might keep the shape of the network before
+    d = std::make_unique<Private>(); // nothing of the network before stays
     ZAV_RETURN_IF_ERROR(d->init(networkPath), __LINE__);
     return NoError;
 } catch (const std::bad_alloc &) {

@@ -9,6 +9,7 @@
 #include <QtCore/QStringList>
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 namespace zav {
@@ -37,13 +38,14 @@ public:
     Error predict(const QList<Peptidoform> &peptidoforms);
 
     Model model;
-    Tensor input;
-    Tensor output;
+    std::optional<Tensor> input; ///< bound anew for each prediction: a failure makes a tensor invalid
+    std::optional<Tensor> output;
     bool initialised = false;
     std::size_t headCount = 0;
     std::vector<float> heads;
 
 private:
+    Error bindTensors();
     std::vector<qsizetype> selectByLength(const QList<Peptidoform> &peptidoforms, Error *remarks) const;
     Error predictBlock(const QList<Peptidoform> &peptidoforms, const qsizetype *first, std::size_t count);
     Error keepHeads(const std::vector<float> &values, const qsizetype *first, std::size_t count,
