@@ -2,7 +2,7 @@
 //
 // Door: the graph of a network, whose operations are read before TensorFlow sees it.
 // Promises: operations, sorted and each once, or a message; a written graph has the operations that were written; two
-// graphs one after the other, which protobuf takes for one, have the operations of both, and an error of one stays.
+// graphs one after the other, which protobuf takes for one, have the operations of both.
 #include "FuzzSupport.h"
 #include "GraphOperations.h"
 
@@ -50,9 +50,9 @@ void tryInput(const QByteArray &input)
     for (const QByteArray &joined : {written + input, input + written}) {
         const Result<QList<QByteArray>> both = graphOperations(joined);
         if (!read.hasError())
-            require(both.value() == eachOnce(read.value() + words), "a second graph adds its operations");
+            require(!both.hasError() && both.value() == eachOnce(read.value() + words),
+                    "a second graph adds its operations");
     }
-    require(graphOperations(written + input).hasError() == read.hasError(), "a graph in front hides no error");
     if (read.hasError())
         return;
     require(read.value() == eachOnce(read.value()), "sorted, each once");
