@@ -66,6 +66,8 @@ Result<CommandLine> RetentionArguments::options() const
     if (!m_plot.empty() && !isPicture(text(m_plot)))
         return wrongArgument(QStringLiteral("--plot draws a file ending in .svg, .png or .pdf, not '%1'")
                                  .arg(displayText(text(m_plot))));
+    if (Error error = checkNotAmong({text(m_output)}, text(m_plot)); error.hasError())
+        return error;
     if (Error error = checkNotOverwritten({text(m_peptides), text(m_calibrate)}, {text(m_output), text(m_plot)});
         error.hasError())
         return error;
