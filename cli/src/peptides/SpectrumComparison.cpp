@@ -137,6 +137,20 @@ QList<PeakMatch> matchPeaks(const QList<FragmentPeak> &predicted, const QList<QP
     return matches;
 }
 
+/// With a highest intensity from 0.5 to 1, so that no square or sum of them overflows or vanishes. A power of two is
+/// the factor: no digit changes.
+QList<QPointF> scaled(QList<QPointF> peaks)
+{
+    double highest = 0;
+    for (const QPointF &peak : peaks)
+        highest = std::max(highest, peak.y());
+    int exponent = 0;
+    std::frexp(highest, &exponent);
+    for (QPointF &peak : peaks)
+        peak.ry() = std::ldexp(peak.y(), -exponent);
+    return peaks;
+}
+
 double sumOfIntensities(const QList<QPointF> &peaks)
 {
     return std::accumulate(peaks.begin(), peaks.end(), 0.0,
@@ -163,15 +177,16 @@ SpectrumComparison compareSpectra(const PredictedSpectrum &predicted, const Obse
                                   const MassTolerance &tolerance)
 {
     SpectrumComparison comparison;
-    comparison.cosine = cosineOfBackboneIons(predicted, observed.peaks, tolerance);
+    const QList<QPointF> peaks = scaled(observed.peaks);
+    comparison.cosine = cosineOfBackboneIons(predicted, peaks, tolerance);
     comparison.spectralAngle = 1 - 2 * std::acos(comparison.cosine) / std::numbers::pi;
-    comparison.matches = matchPeaks(predicted.peaks, observed.peaks, tolerance);
+    comparison.matches = matchPeaks(predicted.peaks, peaks, tolerance);
     comparison.explainedPeaks = static_cast<int>(comparison.matches.size());
-    comparison.observedPeaks = static_cast<int>(observed.peaks.size());
+    comparison.observedPeaks = static_cast<int>(peaks.size());
     double explained = 0;
     for (const PeakMatch &match : comparison.matches)
-        explained += observed.peaks[match.observed].y();
-    const double total = sumOfIntensities(observed.peaks);
+        explained += peaks[match.observed].y();
+    const double total = sumOfIntensities(peaks);
     comparison.explainedIntensity = total > 0 ? explained / total : 0;
     return comparison;
 }

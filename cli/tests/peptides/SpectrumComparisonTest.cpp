@@ -60,6 +60,16 @@ TEST(SpectralAngle, OfSwappedIntensitiesAgreesWithAHandCalculation)
     EXPECT_NEAR(comparison.spectralAngle, 0.819331, 1e-6);
 }
 
+TEST(SpectralAngle, DoesNotDependOnTheUnitOfTheIntensities)
+{
+    for (const double unit : {1e305, 1e-300}) { // the squares overflow, or vanish
+        const auto comparison = compareSpectra(alanylGlycine({ion(B1, 0.6, u'b'), ion(Y1, 0.8, u'y')}),
+                                               spectrum({{B1, 400 * unit}, {Y1, 300 * unit}, {500, 300 * unit}}));
+        EXPECT_NEAR(comparison.cosine, 0.96, 1e-12);
+        EXPECT_NEAR(comparison.explainedIntensity, 0.7, 1e-12);
+    }
+}
+
 TEST(SpectralAngle, FallsForAnIonThatIsSeenButNotPredicted)
 {
     // cos = 0.6 * 300 / (0.6 * 500)
