@@ -2,10 +2,12 @@
 #include "SpectrumReportFile.h"
 
 #include "PackedTrace.h"
+#include "PrintableText.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace zav {
@@ -42,6 +44,13 @@ Json ionsOf(const ReportedSpectrum &spectrum)
     return ions;
 }
 
+/// The text as tables write it, where that is another.
+void setCell(Json *object, const char *key, const QString &text)
+{
+    if (const QString cell = displayText(text, std::numeric_limits<int>::max()); cell != text)
+        (*object)[key] = jsonText(cell);
+}
+
 } // namespace
 
 SpectrumReportFile::SpectrumReportFile(const QString &path, const QString &run, const QList<QByteArray> &columns)
@@ -54,7 +63,9 @@ Error SpectrumReportFile::add(const ReportedSpectrum &spectrum)
                    {"peptide", jsonText(spectrum.peptide)},
                    {"charge", spectrum.charge},
                    {"scan", jsonText(spectrum.scan)}};
-    if (!std::isnan(spectrum.collisionEnergy))
+    setCell(&object, "peptideCell", spectrum.peptide);
+    setCell(&object, "scanCell", spectrum.scan);
+    if (std::isfinite(spectrum.collisionEnergy))
         object["energy"] = spectrum.collisionEnergy;
     if (!spectrum.title.isEmpty())
         object["title"] = jsonText(spectrum.title);

@@ -28,7 +28,7 @@ struct ReportedIon
 struct ReportedSpectrum
 {
     QString peptide;
-    int charge = 0;                                                    ///< of the precursor
+    int charge = 0;                                                    ///< of the precursor; 0 where it is unknown
     double collisionEnergy = std::numeric_limits<double>::quiet_NaN(); ///< normalised; NaN: none was asked for
     QString scan;                                                      ///< as it was asked for
     QString title;                                                     ///< what the file calls it

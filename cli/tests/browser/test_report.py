@@ -8,7 +8,7 @@ import threading
 
 import pytest
 from conftest import DATA, trace
-from page import Page
+from page import CONTRAST, Page
 from selenium.webdriver.common.keys import Keys
 
 TWO = ((60, 900, 4), (140, 8000, 6))
@@ -339,48 +339,6 @@ def test_zoom_shows_one_peak(browser, workplace, mixed):
     page.keys("z")
     assert page.text("#shown").startswith("Whole trace")
     assert page.problems() == []
-
-
-# The contrast of each visible text with what lies behind it, by the definition of WCAG 2.
-CONTRAST = """
-const luminance = (color) => {
-  const [r, g, b] = color.map((c) => (c / 255 <= 0.04045 ? c / 255 / 12.92 : ((c / 255 + 0.055) / 1.055) ** 2.4));
-  return 0.2126 * r + 0.7152 * g + 0.0722 * b;
-};
-const parse = (text) => {
-  const numbers = text.match(/[\\d.]+/g).map(Number);
-  return numbers.length < 4 ? [...numbers, 1] : numbers;
-};
-const behind = (element) => {
-  const layers = [];
-  for (let e = element; e; e = e.parentElement)
-    layers.push(parse(getComputedStyle(e).backgroundColor));
-  const over = (under, [r, g, b, a]) => [r, g, b].map((c, i) => c * a + under[i] * (1 - a));
-  return layers.reverse().reduce(over, [255, 255, 255]);
-};
-const contrast = (a, b) => {
-  const [high, low] = [luminance(a), luminance(b)].sort((x, y) => y - x);
-  return (high + 0.05) / (low + 0.05);
-};
-const found = [];
-const add = (element, color, what, least) =>
-  found.push([what, contrast(parse(color).slice(0, 3), behind(element)), least]);
-for (const element of document.querySelectorAll("body *")) {
-  if (!element.getClientRects().length || element.closest("script"))
-    continue;
-  const style = getComputedStyle(element);
-  const isSvg = element instanceof SVGElement;
-  if ([...element.childNodes].some((node) => node.nodeType === Node.TEXT_NODE && node.textContent.trim()))
-    add(element, isSvg ? style.fill : style.color, `${element.tagName} ${element.textContent.trim()}`, 4.5);
-  if (element.placeholder)
-    add(element, getComputedStyle(element, "::placeholder").color, `placeholder of ${element.id}`, 4.5);
-  if (isSvg && style.stroke !== "none" && !element.closest(".band, .range"))
-    add(element, style.stroke, `line ${element.getAttribute("class")}`, 3);
-  if (/^(BUTTON|INPUT|SELECT|TEXTAREA)$/.test(element.tagName) && style.borderTopWidth !== "0px")
-    add(element.parentElement, style.borderTopColor, `edge of ${element.id}`, 3);
-}
-return found;
-"""
 
 
 @pytest.mark.parametrize("scheme", ["light", "dark"])

@@ -3,7 +3,7 @@
 
 import pytest
 from conftest import DATA
-from page import Page
+from page import CONTRAST, Page
 
 PEPTIDES = [("PEPTIDEK", 2), ("LQSRPAAPPAPGPGQLTLR", 3), ("ELVISLIVESK", 2)]
 MEASURED = "LQSRPAAPPAPGPGQLTLR"
@@ -46,10 +46,11 @@ def test_prediction_agrees_with_itself(browser, workplace, own):
     # PEPTIDEK 2+: what is measured stands as high as what is predicted hangs.
     stems = paths(page, "#picture .series-0, #picture .series-1, #picture .series-2")
     middle = stems[0][1]
-    up = sorted(round(x) for x, _, end in stems if end < middle)
-    down = sorted(round(x) for x, _, end in stems if end > middle)
-    assert up == down
+    up = sorted((round(x), middle - end) for x, _, end in stems if end < middle)
+    down = sorted((round(x), end - middle) for x, _, end in stems if end > middle)
     assert len(up) > 5
+    assert [x for x, _ in up] == [x for x, _ in down]
+    assert [h for _, h in up] == pytest.approx([h for _, h in down], abs=0.25)  # each end is rounded to 0.1
     assert page.problems() == []
 
 
@@ -98,12 +99,12 @@ def test_mirror_of_a_real_spectrum(browser, workplace, scheme):
     page.wait_for_picture()
     labels = page.script('return [...document.querySelectorAll("#picture .ion-label")].map((e) => e.textContent)')
     assert {"y9+", "b7+", "b10+", "y7+"} <= set(labels), "the highest ones"
-    # Of each half the highest peak reaches 100 %, which is the height but for 12 %.
+    # Of each half the highest peak reaches 100 %, which is the height but for 18 pixels.
     stems = paths(page, "#picture .stem")
     middle = stems[0][1]
     half = page.script('return (document.getElementById("picture").clientHeight - 38 - 42) / 2')
-    assert min(end for _, _, end in stems) == pytest.approx(middle - half / 1.12, abs=0.6)
-    assert max(end for _, _, end in stems) == pytest.approx(middle + half / 1.12, abs=0.6)
+    assert min(end for _, _, end in stems) == pytest.approx(middle - (half - 18), abs=0.6)
+    assert max(end for _, _, end in stems) == pytest.approx(middle + (half - 18), abs=0.6)
     # y1 of arginine: 156.10111 + 18.01056 + 1.00728.
     cells = page.script(
         """const row = [...document.querySelectorAll("#numbers tbody tr")].find((r) => r.cells[0].textContent === "y1+");
@@ -112,8 +113,84 @@ def test_mirror_of_a_real_spectrum(browser, workplace, scheme):
     assert float(cells[1]) == pytest.approx(175.11895, abs=1e-4)
     assert float(cells[3]) == pytest.approx(175.119, abs=175.119 * 20e-6)
     assert abs(float(cells[4])) <= 20
-    assert "precursor m/z 643.03" in page.text("#facts")
+    facts = page.text("#facts")
+    assert f"angle {page.column('angle')[0]}" in facts
+    assert f"{page.column('explained')[0]} of the intensity explained" in facts
+    assert "precursor m/z 643.03" in facts
+    inside = page.script(
+        """const box = document.querySelector("#picture svg").getBoundingClientRect();
+           return [...document.querySelectorAll("#picture .ion-label")].every((label) => {
+             const own = label.getBoundingClientRect();
+             return own.top >= box.top && own.bottom <= box.bottom && own.left >= box.left - 1 && own.right <= box.right + 1;
+           })"""
+    )
+    assert inside, "no label is cut off"
+    assert all(ratio >= least for _, ratio, least in page.script(CONTRAST))
     assert page.problems() == []
+
+
+def test_keys_zoom_through_the_quarters(browser, workplace):
+    report = workplace.spectra_report("zoomed", [(MEASURED, 3, 30069)], DATA / f"{MEASURED}.mzML")
+    page = Page(browser, report)
+    page.wait_for_picture()
+    whole = len(paths(page, "#picture .stem"))
+    shown = 0
+    for quarter in range(1, 5):
+        page.keys("z")
+        assert page.text("#shown") == f"Quarter {quarter} of 4"
+        shown += len(paths(page, "#picture .stem"))
+    assert shown == whole, "each peak is in one of them"
+    page.keys("z")
+    assert page.text("#shown").startswith("Whole spectrum")
+    assert len(paths(page, "#picture .stem")) == whole
+    assert page.problems() == []
+
+
+def test_drags_end_where_digits_do(browser, workplace):
+    report = workplace.spectra_report("dragged", [(MEASURED, 3, 30069)], DATA / f"{MEASURED}.mzML")
+    page = Page(browser, report)
+    page.wait_for_picture()
+    for _ in range(20):
+        page.drag("#picture", 300, 310)
+    assert page.text("#shown") == "A part of the spectrum"
+    assert page.script('return document.querySelectorAll("#picture path[d*=NaN]").length') == 0
+    assert page.problems() == []
+
+
+def test_failed_and_empty_spectra_show_no_old_picture(browser, workplace, predicted):
+    empty = workplace.folder / "empty.mgf"
+    empty.write_text(predicted.read_text(encoding="utf-8") + "BEGIN IONS\nTITLE=none\nEND IONS\n", encoding="utf-8")
+    rows = [("PEPTIDEK", 2, "PEPTIDEK/2"), ("PEPTIDEK", 2, "nowhere"), ("PEPTIDEK", 2, "none"), ("PEPTIDEK", "two", "x")]
+    page = Page(browser, workplace.spectra_report("empties", rows, empty, exit_code=1))
+    page.wait_for_picture()
+    page.keys("j")
+    assert not page.element("#figure").is_displayed()
+    page.keys("j")
+    assert page.element("#figure").is_displayed()
+    page.wait_for_picture()
+    assert page.column("angle")[2] == "0.000"
+    assert "0 of 0 peaks" in page.text("#facts")
+    page.keys("j")
+    assert page.chosen() == "PEPTIDEK"
+    assert page.column("charge")[3] == ""
+    assert page.problems() == []
+
+
+def test_data_that_cannot_be_read_are_told(browser, own):
+    page = Page(browser, own)
+    page.wait_for_picture()
+    page.script("for (const element of document.querySelectorAll('script.points')) element.textContent = 'AAAA'")
+    page.script("ReportData.prototype.block = () => { throw new Error('gone'); }")
+    page.keys("j")
+    assert "cannot be read" in page.text("#remarks .failed")
+    assert not page.element("#figure").is_displayed()
+
+
+def test_saved_names_are_those_of_the_scores(browser, workplace, predicted):
+    rows = [("PEPTIDEK", 2, "PEPTIDEK/2"), ("PEPTIDEK", 2, "control\x01x")]
+    page = Page(browser, workplace.spectra_report("control", rows, predicted, exit_code=1))
+    saved = page.save(workplace.folder)
+    assert [row[:3] for row in saved] == [row[:3] for row in workplace.rows("control")]
 
 
 def test_hostile_names_are_text(browser, workplace, predicted):

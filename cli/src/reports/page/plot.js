@@ -4,6 +4,7 @@
 const SVG = "http://www.w3.org/2000/svg";
 const MARGIN = { left: 66, right: 14, top: 38, bottom: 42 };
 const SHORTEST_DRAG = 6; // pixels: shorter ones are clicks
+const NARROWEST_VIEW = 1e-6; // of the values in it: their digits end there
 
 /**
  * What a picture adds: `ranges()` of both axes, `{x: [from, to], y: [low, high]}`; `axisTitles()`, `{x, y}`;
@@ -25,13 +26,17 @@ class Plot {
     svg.addEventListener("dblclick", () => this.onView(null));
   }
 
+  /** `model` null: nothing. */
   show(model, view) {
     this.model = model;
     this.view = view;
+    this.reading.textContent = "";
     this.draw();
   }
 
   draw() {
+    if (!this.model)
+      this.svg.replaceChildren();
     if (!this.model || !this.svg.clientWidth)
       return;
     this.width = this.svg.clientWidth;
@@ -120,8 +125,10 @@ class Plot {
     const [left, right] = [this.dragStart, this.xOf(event)].sort((a, b) => a - b);
     this.dragStart = undefined;
     this.showRange(0, 0);
-    if (right - left >= SHORTEST_DRAG)
-      this.onView([this.valueAt(Math.max(left, MARGIN.left)), this.valueAt(Math.min(right, this.width - MARGIN.right))]);
+    const view = [this.valueAt(Math.max(left, MARGIN.left)), this.valueAt(Math.min(right, this.width - MARGIN.right))];
+    const least = NARROWEST_VIEW * Math.max(Math.abs(view[0]), Math.abs(view[1]));
+    if (right - left >= SHORTEST_DRAG && view[1] - view[0] > least)
+      this.onView(view);
   }
 
   showRange(a, b) {

@@ -132,12 +132,17 @@ class ReportPage {
     this.showMark();
     this.showRemarks();
     this.showNumbers();
+    let reader = null;
     try {
-      const reader = await this.data.readerOf(entry);
-      if (this.chosen !== entry)
-        return;
-      this.model = this.report.model(entry, reader);
+      reader = await this.data.readerOf(entry);
     } catch {
+      // Told below.
+    }
+    if (this.chosen !== entry)
+      return;
+    if (reader) {
+      this.model = this.report.model(entry, reader);
+    } else {
       const text = "The picture's data cannot be read. Is the browser too old?";
       byId("remarks").append(make("li", { class: "failed" }, text));
     }
@@ -155,9 +160,10 @@ class ReportPage {
       make("li", isFailure ? { class: "failed" } : {}, text)));
   }
 
+  /** Nothing where the entry has no picture. */
   showPicture() {
-    if (this.model)
-      this.picture.show(this.model, this.view);
+    byId("figure").hidden = !this.model;
+    this.picture.show(this.model, this.view);
     this.showView();
     byId("legend").replaceChildren(...(this.model ? this.report.legend(this.model) : []).map(legendItem));
     this.showNumbers();
@@ -175,8 +181,7 @@ class ReportPage {
     this.view = view;
     if (!view)
       this.zoomed = -1;
-    if (this.model)
-      this.picture.show(this.model, view);
+    this.picture.show(this.model, view);
     this.showView();
   }
 
@@ -193,7 +198,7 @@ class ReportPage {
   }
 
   stretches() {
-    return this.chosen ? this.report.stretches(this.chosen) : [];
+    return this.model ? this.report.stretches(this.chosen, this.model) : [];
   }
 
   showView() {

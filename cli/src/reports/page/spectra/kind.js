@@ -18,7 +18,8 @@ class SpectrumReport {
       detail: "The chosen spectrum",
       whole: "Whole spectrum",
       part: "A part of the spectrum",
-      zoom: "show the whole spectrum",
+      stretch: "Quarter",
+      zoom: "zoom to the next quarter",
       choices: "Spectral angle",
       legend: "Ions",
     };
@@ -35,7 +36,7 @@ class SpectrumReport {
 
   summarize(entry) {
     entry.isFailed = Boolean(entry.problem);
-    entry.name = `${entry.peptide} ${entry.charge}+`;
+    entry.name = entry.peptide + (entry.charge ? ` ${entry.charge}+` : "");
     entry.angle = this.value(entry, "spectral_angle");
     entry.text = [entry.peptide, entry.scan, entry.title ?? ""].join("\n").toLowerCase();
   }
@@ -54,11 +55,11 @@ class SpectrumReport {
         cell.textContent = entry.isFailed ? "failed" : entry.angle.toFixed(3);
         cell.classList.toggle("failed", entry.isFailed);
       } };
-    const columns = [markColumn(marks), textColumn("peptide", 14, (entry) => entry.peptide),
-      numberColumn("charge", 4.5, "of the precursor", (entry) => entry.charge, String)];
+    const columns = [markColumn(marks), textColumn("peptide", 12, (entry) => entry.peptide),
+      numberColumn("charge", 4.5, "of the precursor", (entry) => entry.charge || NaN, String)];
     if (entries.some((entry) => entry.energy !== undefined))
       columns.push(numberColumn("energy", 4.5, "normalised collision energy", (entry) => entry.energy ?? NaN, String));
-    columns.push(textColumn("scan", 5, (entry) => entry.scan), angle,
+    columns.push(textColumn("scan", 6, (entry) => entry.scan), angle,
       measure("explained", "explained_intensity", 5.5, "share of the measured intensity that a predicted peak explains",
         (share) => `${(100 * share).toFixed(1)} %`),
       measure("peaks", "explained_peaks", 4, "measured peaks that are explained", String),
@@ -74,14 +75,15 @@ class SpectrumReport {
 
   facts(entry) {
     const measured = entry.observedMz ? `, measured ${entry.observedMz.toFixed(4)}` : "";
-    const peaks = entry.isFailed ? "" :
-      `${entry.values[this.columnOf.get("explained_peaks")]} of ${entry.values[this.columnOf.get("observed_peaks")]} ` +
-      "peaks explained";
+    const explained = (100 * this.value(entry, "explained_intensity")).toFixed(1);
+    const scores = entry.isFailed ? "" : `angle ${entry.angle.toFixed(3)}, ` +
+      `${this.value(entry, "explained_peaks")} of ${this.value(entry, "observed_peaks")} peaks and ` +
+      `${explained} % of the intensity explained`;
     return [
-      entry.title || `${this.data.fileOf(entry)}, ${entry.scan}`,
+      scores,
+      entry.title || [this.data.fileOf(entry), entry.scan].filter(Boolean).join(", "),
       entry.mz ? `precursor m/z ${entry.mz.toFixed(4)}${measured}` : "",
       entry.energy === undefined ? "" : `energy ${entry.energy}`,
-      peaks,
     ].filter(Boolean).join(", ") + (entry.thinned ? " (the picture shows the outline of the measured peaks)" : "");
   }
 
@@ -89,8 +91,10 @@ class SpectrumReport {
     return entry.problem ? [{ text: `failed: ${entry.problem}`, isFailure: true }] : [];
   }
 
-  /** Intensities as shares of the highest peak. */
+  /** Intensities as shares of the highest peak. Null where nothing was compared. */
   model(entry, reader) {
+    if (entry.isFailed)
+      return null;
     const points = reader.readPoints();
     const ions = reader.readJson().map(([mz, intensity, name, observedMz, observedIntensity]) =>
       ({ mz, intensity, name, observedMz, observedIntensity, style: ION_STYLES[name[0]] ?? OTHER_ION_STYLE }));
@@ -115,8 +119,10 @@ class SpectrumReport {
       { name: "measured, not explained", style: "consensus" }];
   }
 
-  stretches() {
-    return [];
+  /** The quarters of the m/z, for those who zoom by keys. */
+  stretches(entry, model) {
+    const [from, to] = mzRange(model);
+    return [0, 1, 2, 3].map((i) => [from + (i * (to - from)) / 4, from + ((i + 1) * (to - from)) / 4]);
   }
 
   /** The predicted peaks, each with the measured one that it explains. */
@@ -144,8 +150,8 @@ class SpectrumReport {
     const energy = (value) => (hasEnergies ? [value ?? ""] : []);
     const lines = [["peptide", "charge", ...energy("energy"), "scan", "mark", "note", ...heading.columns]];
     for (const entry of entries) {
-      lines.push([entry.peptide, entry.charge, ...energy(entry.energy), entry.scan, marks.markOf(entry),
-        marks.noteOf(entry), ...(entry.values ?? heading.columns.map(() => ""))]);
+      lines.push([entry.peptideCell ?? entry.peptide, entry.charge || "", ...energy(entry.energy),
+        entry.scanCell ?? entry.scan, marks.markOf(entry), marks.noteOf(entry), ...(entry.values ?? heading.columns.map(() => ""))]);
     }
     return lines;
   }

@@ -3,6 +3,7 @@
 
 const LETTER = 7; // pixels that a letter of a label needs
 const LINE = 14; // and a line of them
+const LABEL_ROOM = 18; // pixels beyond the highest peaks
 const MOST_LABELS = 60;
 const NEAR = 8; // pixels within which the pointer finds a peak
 
@@ -10,12 +11,10 @@ const NEAR = 8; // pixels within which the pointer finds a peak
 class MirrorPicture extends Plot {
   ranges() {
     const { observed, ions } = this.model;
-    const mzs = [...observed, ...ions].map(({ mz }) => mz);
-    const least = -largest(mzs.map((mz) => -mz), -Infinity);
-    const room = mzs.length ? Math.max(5, 0.02 * (largest(mzs, 0) - least)) : 0;
-    const [from, to] = this.view ?? (mzs.length ? [Math.max(0, least - room), largest(mzs, 0) + room] : [0, 1]);
+    const [from, to] = this.view ?? mzRange(this.model);
     const inView = [...observed, ...ions].filter(({ mz }) => mz >= from && mz <= to);
-    const height = 1.12 * (largest(inView.map(({ share }) => share), 0) || 1);
+    const half = Math.max(2 * LABEL_ROOM, (this.height - MARGIN.top - MARGIN.bottom) / 2);
+    const height = (largest(inView.map(({ share }) => share), 0) || 1) * (half / (half - LABEL_ROOM));
     return { x: [from, to], y: [-height, height] };
   }
 
@@ -56,7 +55,9 @@ class MirrorPicture extends Plot {
   drawLabels() {
     const placed = [];
     const place = (mz, share, name) => {
-      const [x, y] = [round(this.x(mz)), round(this.y(share) + (share < 0 ? 13 : -4))];
+      const room = (LETTER * name.length) / 2;
+      const x = round(Math.max(MARGIN.left + room, Math.min(MARGIN.left + this.plotWidth - room, this.x(mz))));
+      const y = round(this.y(share) + (share < 0 ? 13 : -4));
       const isFree = placed.every((other) =>
         Math.abs(other.x - x) >= LETTER * (other.name.length + name.length + 1) / 2 || Math.abs(other.y - y) >= LINE);
       if (!isFree || placed.length >= MOST_LABELS)
@@ -75,7 +76,7 @@ class MirrorPicture extends Plot {
     }
   }
 
-  /** The nearest peaks of both halves. */
+  /** The highest peaks near the pointer of both halves. The picture's m/z are rounded to single precision. */
   readingAt(mz) {
     const reach = this.valueAt(NEAR) - this.valueAt(0);
     const near = (peaks) => peaks.filter((peak) => Math.abs(peak.mz - mz) <= reach)
@@ -84,8 +85,18 @@ class MirrorPicture extends Plot {
     const observed = near(this.model.observed);
     const ion = near(this.model.ions);
     return [
-      observed ? `measured ${observed.mz.toFixed(4)}: ${percent(observed.share)}` : "",
+      observed ? `measured ${observed.mz.toFixed(3)}: ${percent(observed.share)}` : "",
       ion ? `${ion.name} predicted ${ion.mz.toFixed(4)}: ${percent(ion.share)}` : "",
     ].filter(Boolean).join(", ");
   }
+}
+
+/** The m/z of a model with room on both sides. */
+function mzRange({ observed, ions }) {
+  const mzs = [...observed, ...ions].map(({ mz }) => mz);
+  if (!mzs.length)
+    return [0, 1];
+  const [least, most] = [-largest(mzs.map((mz) => -mz), -Infinity), largest(mzs, 0)];
+  const room = Math.max(5, 0.02 * (most - least));
+  return [Math.max(0, least - room), most + room];
 }

@@ -89,7 +89,7 @@ class TraceReport {
   }
 
   /** All measures, as the program's own table has them. `onStretch` shows the peak of a number. */
-  numbers(entry, model, onStretch) {
+  numbers(entry, _model, onStretch) {
     const isGroup = entry.traces.length > 1;
     const titles = this.heading.columns.map(({ name, isTime }) =>
       name.replace(/_/g, " ") + (isTime && entry.timeUnit ? ` (${entry.timeUnit})` : ""));
