@@ -31,8 +31,10 @@ Without --format the output is a table on a terminal, what the ending of the -o 
 .json), and TSV otherwise. Intensities are relative to the base peak. Peaks over 2000 m/z are left out, and those under
 0.025; with modifications or --energy those under 0.04, isotopes apart.
 
-With --peptides, --against compares each prediction with the spectrum that the column scan names. --scores and --report
-say how well each agrees: the spectral angle over b and y ions, and how much of the measured intensity is explained.
+--against compares a prediction with the spectrum that --scan names, or with --peptides each with the one that the column
+scan names: a native id, a title or a scan number; in a file without scan numbers the place, from 0; index=N is always
+the place. --scores and --report say how well they agree: the spectral angle over b and y ions, and how much of the
+measured intensity is explained. With either, the predicted spectra are written only where -o or --format asks for them.
 
 Exit code: 0 everything asked was done, 1 something was not (standard error says what and why), 2 wrong usage.
 
@@ -42,7 +44,7 @@ Examples:
   zav spectrum LQSRPAAPPAPGPGQLTLR 3 --plot mirror.svg --against run.mzML --scan 30069
   zav spectrum 'AC[Carbamidomethyl]DM[Oxidation]K' 2 --energy 27
   zav spectrum --peptides peptides.tsv --no-isotopes -o library.msp
-  zav spectrum --peptides identified.tsv --against run.mzML --scores scores.tsv --report report.html -o predicted.mgf
+  zav spectrum --peptides identified.tsv --against run.mzML --scores scores.tsv --report report.html
   cut -f 1,2 peptides.tsv | zav spectrum --peptides - --format json > spectra.json
 )";
 
@@ -69,6 +71,12 @@ public:
 private:
     QString contradiction() const;
     Error checkOutputs() const;
+
+    /// Who asks for comparisons, and not where to write spectra or how, wants no spectra.
+    bool writesSpectra() const
+    {
+        return (m_scores.empty() && m_report.empty()) || !m_output.empty() || !m_format.empty();
+    }
     QString convert(SpectrumOptions *options) const;
 
     std::string m_peptide, m_charge, m_energy, m_peptides, m_format, m_output, m_plot, m_against, m_scan, m_scores,
@@ -99,7 +107,9 @@ void SpectrumArguments::addTo(CLI::App *command)
     command->add_flag("--annotate", m_annotate,
                       "name the ion of each peak, as y7-H2O++; its heavier isotopes as y7-H2O++ i1");
     command->add_option("--plot", m_plot, "draw the spectrum: .svg, .png or .pdf")->type_name("FILE");
-    command->add_option("--against", m_against, "compare with a measured spectrum: .mzML, .mgf or .tsv")
+    command
+        ->add_option("--against", m_against,
+                     "compare with a measured spectrum, or with those that --peptides names: .mzML, .mgf or .tsv")
         ->type_name("FILE");
     command->add_option("--scan", m_scan, "which spectrum of that file: scan number, native id or title")
         ->type_name("SCAN");
@@ -175,12 +185,14 @@ QString SpectrumArguments::convert(SpectrumOptions *options) const
 Error SpectrumArguments::checkOutputs() const
 {
     const QString standardOutput = QStringLiteral("-");
-    QStringList outputs = {m_output.empty() ? standardOutput : text(m_output)};
+    QStringList outputs;
+    if (writesSpectra())
+        outputs.append(m_output.empty() ? standardOutput : text(m_output));
     for (const auto &[option, path] : {std::pair("--plot", text(m_plot)), std::pair("--scores", text(m_scores)),
                                        std::pair("--report", text(m_report))}) {
         if (path == standardOutput && outputs.contains(standardOutput))
-            return wrongArgument(QStringLiteral("%1 - needs -o FILE: only one output can go to standard output")
-                                     .arg(QLatin1String(option)));
+            return wrongArgument(
+                QStringLiteral("%1 -: only one output can go to standard output").arg(QLatin1String(option)));
         if (Error error = checkNotAmong(outputs, path); error.hasError())
             return error;
         outputs.append(path);
@@ -203,6 +215,7 @@ Result<CommandLine> SpectrumArguments::options() const
     options.networks = m_networks.choice();
     options.cysteineMass = m_cysteine;
     options.outputPath = text(m_output);
+    options.writesSpectra = writesSpectra();
     options.isotopes = !m_noIsotopes;
     options.annotate = m_annotate;
     options.picturePath = text(m_plot);

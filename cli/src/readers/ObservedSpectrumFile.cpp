@@ -3,7 +3,6 @@
 
 #include "ByteStream.h"
 #include "PrintableText.h"
-#include "SpectrumFile.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QList>
@@ -108,7 +107,7 @@ Result<int> namedSpectrum(SpectrumFile *file, const NamedSpectra &names, const Q
     return found.constFirst();
 }
 
-Result<int> onlySpectrum(SpectrumFile *file, const QString &path)
+Result<int> onlySpectrum(SpectrumFile *file, const QString &path, SpectraToRead wanted)
 {
     QList<int> found;
     for (int i = 0; i < file->spectrumCount(); ++i) {
@@ -121,20 +120,22 @@ Result<int> onlySpectrum(SpectrumFile *file, const QString &path)
     if (found.isEmpty())
         return Error(InvalidInput, path + QStringLiteral(": holds no MS2 spectrum"));
     if (found.size() > 1)
-        return Error(
-            InvalidInput,
-            QStringLiteral("%1: holds %2 MS2 spectra: name one by its scan").arg(path, QString::number(found.size())));
+        return Error(InvalidInput, QStringLiteral("%1: holds %2 MS2 spectra: choose one with %3")
+                                       .arg(path, QString::number(found.size()),
+                                            wanted == SpectraToRead::One ? QStringLiteral("--scan")
+                                                                         : QStringLiteral("the list's column scan")));
     return found.constFirst();
 }
 
-QList<Result<int>> chooseSpectra(SpectrumFile *file, const QString &path, const QStringList &scans)
+QList<Result<int>> chooseSpectra(SpectrumFile *file, const QString &path, const QStringList &scans,
+                                 SpectraToRead wanted)
 {
     const NamedSpectra names(*file, scans);
     std::optional<Result<int>> only;
     QList<Result<int>> chosen;
     for (const QString &scan : scans) {
         if (scan.isEmpty() && !only)
-            only = onlySpectrum(file, path);
+            only = onlySpectrum(file, path, wanted);
         chosen.append(scan.isEmpty() ? *only : namedSpectrum(file, names, path, scan));
     }
     return chosen;
@@ -151,7 +152,7 @@ Error caughtAt(const Result<T> &result, const char *function, int line)
 
 Result<ObservedSpectrum> readObservedSpectrum(const QString &path, const QString &scan)
 {
-    const Result<std::unique_ptr<ObservedSpectra>> spectra = ObservedSpectra::open(path, {scan});
+    const Result<std::unique_ptr<ObservedSpectra>> spectra = ObservedSpectra::open(path, {scan}, SpectraToRead::One);
     if (spectra.hasError())
         return caughtAt(spectra, Q_FUNC_INFO, __LINE__);
     Result<ObservedSpectrum> spectrum = spectra.value()->read(0);
@@ -164,16 +165,16 @@ ObservedSpectra::ObservedSpectra(std::unique_ptr<SpectrumFile> file) : m_file(st
 
 ObservedSpectra::~ObservedSpectra() = default;
 
-Result<std::unique_ptr<ObservedSpectra>> ObservedSpectra::open(const QString &path, const QStringList &scans)
+Result<std::unique_ptr<ObservedSpectra>> ObservedSpectra::open(const QString &path, const QStringList &scans,
+                                                               SpectraToRead wanted)
 {
-    Result<std::unique_ptr<SpectrumFile>> file =
-        openSpectrumFile(path, scans.size() > 1 ? SpectraToRead::Many : SpectraToRead::One);
+    Result<std::unique_ptr<SpectrumFile>> file = openSpectrumFile(path, wanted);
     if (file.hasError())
         return caughtAt(file, Q_FUNC_INFO, __LINE__);
     std::unique_ptr<ObservedSpectra> spectra(new ObservedSpectra(std::move(file).value()));
     if (spectra->m_file->spectrumCount() == 0)
         return cannotRead(inputName(path), QStringLiteral("it holds no spectrum"));
-    spectra->m_places = chooseSpectra(spectra->m_file.get(), path, scans);
+    spectra->m_places = chooseSpectra(spectra->m_file.get(), path, scans, wanted);
     return spectra;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Spectrum.h"
+#include "SpectrumFile.h"
 
 #include <zav/Result.h>
 
@@ -12,8 +13,6 @@
 #include <memory>
 
 namespace zav {
-
-class SpectrumFile;
 
 /// Reads one spectrum from an mzML, MGF or TSV file, told apart by the file's ending: .mzML (also .mzML.gz), .mgf,
 /// .tsv or .txt (m/z and intensity, separated by white space).
@@ -27,12 +26,15 @@ class SpectrumFile;
 Result<ObservedSpectrum> readObservedSpectrum(const QString &path, const QString &scan);
 
 /// Many spectra of one file, each by its scan as `readObservedSpectrum` takes it. The file is looked through once for
-/// all of them; their peaks are read one at a time. Of a gzipped mzML file an inflated copy is kept with the object.
+/// all of them; their peaks are read one at a time. Of gzipped content, and of a pipe, a copy is kept with the object.
 class ObservedSpectra
 {
 public:
     /// The error is that of a file that cannot be read. Scans that name no spectrum are for `problem`.
-    static Result<std::unique_ptr<ObservedSpectra>> open(const QString &path, const QStringList &scans);
+    static Result<std::unique_ptr<ObservedSpectra>> open(const QString &path, const QStringList &scans)
+    {
+        return open(path, scans, SpectraToRead::Many);
+    }
 
     ~ObservedSpectra();
 
@@ -43,6 +45,10 @@ public:
     Result<ObservedSpectrum> read(qsizetype number) const;
 
 private:
+    friend Result<ObservedSpectrum> readObservedSpectrum(const QString &path, const QString &scan);
+
+    static Result<std::unique_ptr<ObservedSpectra>> open(const QString &path, const QStringList &scans,
+                                                         SpectraToRead wanted);
     explicit ObservedSpectra(std::unique_ptr<SpectrumFile> file);
 
     std::unique_ptr<SpectrumFile> m_file;

@@ -113,12 +113,13 @@ Error ComparisonOutput::add(const ComparedSpectrum &compared)
 Error ComparisonOutput::addScores(const ComparedSpectrum &compared)
 {
     QList<QByteArray> heading = {"peptide", "charge"};
-    QList<QByteArray> cells = {cell(peptideOf(compared)), QByteArray::number(compared.precursor.charge)};
+    const int charge = compared.precursor.charge; // 0 where the list has none that can be read
+    QList<QByteArray> cells = {cell(peptideOf(compared)), charge == 0 ? QByteArray() : QByteArray::number(charge)};
     if (m_hasEnergies) {
         const double energy = compared.precursor.collisionEnergy;
         heading.append("energy");
-        cells.append(std::isnan(energy) ? QByteArray()
-                                        : QByteArray::number(energy, 'g', QLocale::FloatingPointShortest));
+        cells.append(std::isfinite(energy) ? QByteArray::number(energy, 'g', QLocale::FloatingPointShortest)
+                                           : QByteArray());
     }
     heading.append("scan");
     cells.append(cell(compared.scan));
@@ -149,9 +150,10 @@ QString ComparisonOutput::summary() const
 {
     if (m_angles.empty())
         return {};
-    return QStringLiteral("spectral angle %1, %2 % of the intensity explained (medians of %3 comparisons)\n")
-        .arg(QString::number(median(m_angles), 'f', 3), QString::number(100 * median(m_explained), 'f', 1),
-             QString::number(m_angles.size()));
+    const QString medians = m_angles.size() == 1 ? QStringLiteral("1 comparison")
+                                                 : QStringLiteral("medians of %1 comparisons").arg(m_angles.size());
+    return QStringLiteral("spectral angle %1, %2 % of the intensity explained (%3)\n")
+        .arg(QString::number(median(m_angles), 'f', 3), QString::number(100 * median(m_explained), 'f', 1), medians);
 }
 
 } // namespace zav

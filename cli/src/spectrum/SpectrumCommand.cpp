@@ -2,6 +2,7 @@
 #include "SpectrumCommand.h"
 
 #include "NetworkLoading.h"
+#include "OutputFile.h"
 #include "PictureFile.h"
 #include "PrintableText.h"
 #include "SpectrumPlot.h"
@@ -28,6 +29,16 @@ OutputFormat formatOf(const SpectrumOptions &options)
         return *options.format;
     return options.outputPath.isEmpty() && terminal::standardOutputIsTerminal() ? OutputFormat::Table
                                                                                 : OutputFormat::Tsv;
+}
+
+Error writeToStandardOutput(const QByteArray &text)
+{
+    OutputFile file(QStringLiteral("-"));
+    if (Error error = file.open(); error.hasError())
+        return error;
+    if (Error error = file.write(text); error.hasError())
+        return error;
+    return file.commit();
 }
 
 QString comparisonText(const SpectrumComparison &comparison)
@@ -183,8 +194,10 @@ Error SpectrumCommand::accept(qsizetype number, const Result<PredictedSpectrum> 
     }
     if (!isList())
         m_spectrum = outcome.value();
-    if (Error error = m_output->write(outcome.value()); error.hasError())
-        return error;
+    if (m_options.writesSpectra) {
+        if (Error error = m_output->write(outcome.value()); error.hasError())
+            return error;
+    }
     return compare(number, outcome);
 }
 
@@ -272,16 +285,20 @@ Error SpectrumCommand::showComparisons()
     if (Error error = m_comparisons->finish(); error.hasError())
         return error;
     const QString text = m_comparison ? comparisonText(*m_comparison) : m_comparisons->summary();
-    std::fputs(qUtf8Printable(text), isStandardOutputFree() ? stdout : stderr);
+    if (isStandardOutputFree())
+        return writeToStandardOutput(text.toUtf8());
+    std::fputs(qUtf8Printable(text), stderr);
     return {};
 }
 
 bool SpectrumCommand::isStandardOutputFree() const
 {
-    const QString standardOutput = QStringLiteral("-");
-    if (m_options.scoresPath == standardOutput || m_options.reportPath == standardOutput)
-        return false;
-    return m_format == OutputFormat::Table || !terminal::isStandardOutput(m_options.outputPath);
+    for (const QString &path : {m_options.scoresPath, m_options.reportPath}) {
+        if (!path.isEmpty() && terminal::isStandardOutput(path))
+            return false;
+    }
+    return m_format == OutputFormat::Table || !m_options.writesSpectra ||
+           !terminal::isStandardOutput(m_options.outputPath);
 }
 
 Error SpectrumCommand::draw()

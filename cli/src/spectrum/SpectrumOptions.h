@@ -23,7 +23,8 @@ struct SpectrumOptions
     NetworkChoice networks;
     double cysteineMass = peptideMasses::DEFAULT_CYSTEINE_MODIFICATION; ///< Da, for peptides in one-letter code
     std::optional<OutputFormat> format;
-    QString outputPath; ///< empty: standard output
+    QString outputPath;        ///< empty: standard output
+    bool writesSpectra = true; ///< false: the comparisons only
     bool isotopes = true;
     bool annotate = false;
     QString picturePath;  ///< empty: none

@@ -158,7 +158,7 @@ TEST_F(ComparedSpectra, FileWithNoneOfTheScansEndsTheRunAtOnce)
     EXPECT_EQ(none.exitCode, 1);
     EXPECT_EQ(none.standardError, "zav: run.mgf: has no spectrum '7': it holds 2 spectra, index 0 to 1\n");
     EXPECT_EQ(run(QStringList{"--peptides", "-"} + outputs, "PEPTIDEK\t2\n").standardError,
-              "zav: run.mgf: holds 2 MS2 spectra: name one by its scan\n");
+              "zav: run.mgf: holds 2 MS2 spectra: choose one with the list's column scan\n");
     EXPECT_EQ(files(), QStringList({"list.tsv", "run.mgf"}));
 }
 
@@ -174,10 +174,25 @@ TEST_F(ComparedSpectra, ListWithoutScansIsComparedWithTheOnlySpectrum)
     EXPECT_LT(rows[2][3].toDouble(), 0.8);
 }
 
+TEST_F(ComparedSpectra, SpectraAreWrittenWhereTheyAreAskedFor)
+{
+    predict("PEPTIDEK\t2\n", "run.mgf");
+    const QStringList list = {"--peptides", "-", "--against", "run.mgf"};
+    const std::string summary = "spectral angle 1.000, 100.0 % of the intensity explained (1 comparison)\n";
+    EXPECT_EQ(run(list + QStringList{"--report", "a.html"}, "PEPTIDEK\t2\n").standardOutput, summary);
+    const ProgramRun scored = run(list + QStringList{"--scores", "-"}, "PEPTIDEK\t2\n");
+    EXPECT_EQ(linesOf(scored.standardOutput).size(), 2) << "the table alone";
+    EXPECT_EQ(scored.standardError, summary);
+    const ProgramRun asked = run(list + QStringList{"--scores", "a.tsv", "--format", "mgf"}, "PEPTIDEK\t2\n");
+    EXPECT_EQ(asked.standardOutput.find("BEGIN IONS\n"), 0u);
+    EXPECT_EQ(asked.standardError, summary);
+    EXPECT_EQ(run(list, "PEPTIDEK\t2\n").standardOutput.find("mz\tintensity"), 0u);
+}
+
 TEST_F(ComparedSpectra, OnePeptideMayHaveAReportToo)
 {
     predict("PEPTIDEK\t2\n", "run.mgf");
-    const ProgramRun one = run({"PEPTIDEK", "2", "--against", "run.mgf", "--report", "-", "-o", "out.tsv"});
+    const ProgramRun one = run({"PEPTIDEK", "2", "--against", "run.mgf", "--report", "-"});
     EXPECT_EQ(one.exitCode, 0);
     EXPECT_EQ(one.standardError.find("spectral angle 1.000, cosine 1.000"), 0u);
     const ReportText report(QByteArray::fromStdString(one.standardOutput));

@@ -111,7 +111,9 @@ TEST_F(MzMlReader, ManyScansOfOneFileAreEachTheirOwn)
         for (qsizetype i = 0; i < scans.size(); ++i) {
             const auto spectrum = spectra.value()->read(i);
             EXPECT_EQ(spectrum.error().message(), spectra.value()->problem(i).message());
-            EXPECT_EQ(spectrum.error().message(), readObservedSpectrum(path, scans[i]).error().message());
+            if (!scans[i].isEmpty()) {
+                EXPECT_EQ(spectrum.error().message(), readObservedSpectrum(path, scans[i]).error().message());
+            }
             mzs.append(spectrum.hasError() ? 0 : spectrum.value().peaks.constFirst().x());
         }
         EXPECT_EQ(mzs, (QList<double>{3, 2, 0, 0, 0, 1, 0, 3}));
@@ -120,7 +122,7 @@ TEST_F(MzMlReader, ManyScansOfOneFileAreEachTheirOwn)
 
 TEST_F(MzMlReader, ScanThatCannotBeUsedIsRefused)
 {
-    EXPECT_EQ(message(read(mzMl(RUN))), "a.mzML: holds 3 MS2 spectra: name one by its scan");
+    EXPECT_EQ(message(read(mzMl(RUN))), "a.mzML: holds 3 MS2 spectra: choose one with --scan");
     EXPECT_EQ(message(read(mzMl(RUN), "12")), "a.mzML: '12' names 2 spectra: give a native id or index=N");
     EXPECT_EQ(message(read(mzMl(RUN), "11")), "a.mzML: spectrum '11' is a survey spectrum (MS1), not MS/MS");
     EXPECT_EQ(message(read(mzMl(RUN), "14")), "a.mzML: has no spectrum '14': it holds 4 spectra, scan 11 to 13");

@@ -157,7 +157,7 @@ TEST_F(PeakTextReader, WithoutScanNumbersANumberIsTheIndexFromZero)
 TEST_F(PeakTextReader, WithoutAScanSeveralSpectraAreCountedAndRefused)
 {
     const auto spectrum = read("a.mgf", THREE_SPECTRA);
-    EXPECT_EQ(message(spectrum), "a.mgf: holds 2 MS2 spectra: name one by its scan");
+    EXPECT_EQ(message(spectrum), "a.mgf: holds 2 MS2 spectra: choose one with --scan");
     EXPECT_TRUE(spectrum.error().equals(InvalidInput));
 }
 
