@@ -39,6 +39,8 @@ breathe_projects = {"zav": os.environ["ZAV_DOXYGEN_XML"]}
 breathe_default_project = "zav"
 cpp_maximum_signature_line_length = 90
 
+toc_object_entries_show_parents = "hide"
+
 html_theme = "furo"
 html_title = f"zav {release}"
 html_static_path = [str(ROOT / "docs/site/static")]

@@ -43,8 +43,8 @@ public:
     static constexpr int LONGEST_PEPTIDE = 52;             ///< residues; the shortest has 2
     static constexpr int HIGHEST_CHARGE = 6;               ///< of a precursor; the lowest is 1
     static constexpr double DEFAULT_COLLISION_ENERGY = 30; ///< normalised
-    static constexpr double LOWEST_COLLISION_ENERGY = 10;
-    static constexpr double HIGHEST_COLLISION_ENERGY = 60;
+    static constexpr double LOWEST_COLLISION_ENERGY = 10;  ///< that is taken
+    static constexpr double HIGHEST_COLLISION_ENERGY = 60; ///< that is taken
 
     /// Loads nothing.
     PeptidoformSpectrumPredictor();

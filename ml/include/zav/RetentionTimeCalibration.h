@@ -37,7 +37,7 @@ struct ObservedRetentionTime
 class ZAV_ML_EXPORT RetentionTimeCalibration
 {
 public:
-    static constexpr int FEWEST_PAIRS = 10;
+    static constexpr int FEWEST_PAIRS = 10; ///< that a calibration needs
 
     /// Fits a calibration with one prediction of the pairs' peptidoforms. Some 200 pairs that span the gradient are
     /// worth having; a second for thousands of them.

@@ -50,6 +50,7 @@ public:
     /// "retention_times".
     Error init(const QString &networkPath);
 
+    /// True once a network is loaded.
     bool isInit() const;
 
     /// The iRT of each peptidoform, in their order.

@@ -47,6 +47,7 @@ struct Modification
     ElementalComposition composition; ///< what is added; all zeros where only the mass is known
     double mass = 0.0;                ///< Da, monoisotopic, what is added
 
+    /// Whether nothing but its mass is known.
     bool isMassOnly() const { return unimodAccession == 0; }
 
     /// Same name and mass.
@@ -60,6 +61,7 @@ struct Modification
 /// mass alone. Any number of threads may use these functions at once.
 namespace modifications {
 
+/// A modification with what the table says of it.
 struct Entry
 {
     Modification modification;

@@ -63,6 +63,7 @@ public:
     /// "[Acetyl]-AC[Carbamidomethyl]DM[+15.9949]K". `fromProForma` reads it back to an equal peptidoform.
     QString toProForma() const;
 
+    /// One-letter codes, N-terminus first.
     const QString &sequence() const { return m_sequence; }
 
     /// In the order of their positions.

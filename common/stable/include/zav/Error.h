@@ -26,6 +26,7 @@ public:
     Error();
     /// Implicit, so that a check reads `equal(count, expected, Failure)`.
     Error(ErrorCode code); // NOLINT(google-explicit-constructor)
+    /// A failure with what it is about, in one line.
     Error(ErrorCode code, const QString &message);
     Error(const Error &other);
     Error(Error &&other) noexcept;
@@ -33,8 +34,11 @@ public:
     Error &operator=(Error &&other) noexcept;
     ~Error() override;
 
+    /// The kind of the failure.
     ErrorCode code() const { return m_code; }
+    /// Whether the call failed. Warnings alone are no error.
     bool hasError() const { return m_code != NoError; }
+    /// Whether the code is this one.
     bool equals(ErrorCode code) const { return m_code == code; }
 
     /// English, not localised, possibly empty: some failures are told by their code and trail alone.
@@ -49,8 +53,11 @@ public:
     /// Records where the error was caught and returns this object, to be returned at once.
     Error &ecatch(const char *functionSignature, const char *sourceFile, int line);
 
+    /// As that of `Warnings`, for chains of calls.
     Error &addWarning(const QString &warning);
+    /// As that of `Warnings`, for chains of calls.
     Error &addWarnings(const QList<QString> &warnings);
+    /// As that of `Warnings`, for chains of calls.
     Error &clearWarnings();
 
 private:

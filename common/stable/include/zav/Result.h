@@ -30,10 +30,12 @@ public:
         Warnings::resetWarningsInternal(std::get<0>(m_outcome).warnings());
     }
 
+    /// Whether it holds an error.
     bool hasError() const { return m_outcome.index() == 0; }
 
     /// The value. Only for a result without error: std::bad_variant_access otherwise.
     const T &value() const & { return std::get<1>(m_outcome); }
+    /// The value, moved out of a result that is about to end.
     T value() && { return std::get<1>(std::move(m_outcome)); }
 
     /// The error, or an `Error` without error when there is a value.

@@ -24,17 +24,20 @@ public:
 
     /// The texts, oldest first.
     QList<QString> warnings() const { return m_warnings; }
+    /// Whether there is any.
     bool hasWarnings() const { return !m_warnings.isEmpty(); }
 
-    /// Appends one text, or several in their order. Equal texts are kept.
+    /// Appends one text. Equal texts are kept.
     void addWarning(const QString &warning) { addWarningInternal(warning); }
+    /// Appends several texts in their order. Equal texts are kept.
     void addWarnings(const QList<QString> &warnings) { addWarningsInternal(warnings); }
 
     /// Removes every text.
     void clearWarnings() { clearWarningsInternal(); }
 
-    /// Replaces every text by the ones given.
+    /// Replaces every text by the one given.
     void resetWarning(const QString &warning) { resetWarningInternal(warning); }
+    /// Replaces every text by the ones given.
     void resetWarnings(const QList<QString> &warnings) { resetWarningsInternal(warnings); }
 
 protected:
