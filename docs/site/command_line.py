@@ -45,7 +45,9 @@ def joined(block):
 
 
 def escaped(text):
-    return re.sub(r"([\\`*_\[\]<>|{}#])", r"\\\1", text).replace(r"\[\]", "[]")
+    """The text as Markdown, with the names of options as code."""
+    plain = re.sub(r"([\\`*_\[\]<>|{}#])", r"\\\1", text)
+    return re.sub(r"(?<![\w-])(--[a-z][a-z-]*[a-z]|-[a-z]\b)", r"`\1`", plain)
 
 
 def table(head, entries):

@@ -15,7 +15,7 @@ project_copyright = "the zav authors; licensed under Apache-2.0"
 release = re.search(r"VERSION (\d+\.\d+\.\d+)", (ROOT / "CMakeLists.txt").read_text(encoding="utf-8"))[1]
 version = release
 language = "en"
-smartquotes = False  # they would make dashes of the -- of options
+smartquotes_action = "D"  # dashes only, in the descriptions of parameters; options stand in backticks
 
 extensions = ["myst_nb", "sphinx.ext.autodoc", "sphinx.ext.napoleon", "breathe"]
 exclude_patterns = ["site"]

@@ -30,7 +30,7 @@ ELSEWHERE = {
 FRONT_PAGE = {"README.md": "index.md"}  # README.md is the front page of the sources, docs/index.md that of the site
 
 SECTION = re.compile(r"^<!-- from (\S+): (.*) -->$")  # stands for a section of that page
-OPTIONAL = {"../packages"}  # entries of a toctree that are left out where the page does not exist
+OPTIONAL = {"packages"}  # entries of a toctree that are left out where the page does not exist
 
 LINK = re.compile(r"(?<=\]\()([^)\s]+)(?=\))")
 FENCE = re.compile(r"^\s*(`{3,}|:{3,})")
@@ -51,11 +51,17 @@ def cpp_classes():
     return names - {"Entry", "Private"}
 
 
+def python_names():
+    text = (ROOT / "python/zav/__init__.py").read_text(encoding="utf-8")
+    return set(re.findall(r'^    "([A-Za-z]\w*)",$', text, re.MULTILINE))
+
+
 class Site:
     def __init__(self, folder):
         self.folder = folder
         self.problems = []
         self.classes = cpp_classes()
+        self.python_names = python_names()
         self.places = {name: name.removeprefix("docs/") for name in tracked("docs/*.md")} | ELSEWHERE
 
     def stage(self):
@@ -87,7 +93,7 @@ class Site:
             else:
                 line = LINK.sub(lambda found, at=number: self.link(page, found[1], f"{page}:{at}", place), line)
                 line = self.with_classes(line)
-            if line not in OPTIONAL or f"docs/{Path(line).name}.md" in self.places:
+            if line not in OPTIONAL or f"docs/{line}.md" in self.places:
                 lines.append(line)
         return "\n".join(lines) + "\n"
 
@@ -132,7 +138,9 @@ class Site:
 
     def class_link(self, found):
         name = found[1].removeprefix("zav::")
-        return f"{{cpp:any}}`{found[1]} <zav::{name}>`" if name in self.classes else found[0]
+        if name in self.classes:
+            return f"{{cpp:any}}`{found[1]} <zav::{name}>`"
+        return f"{{py:obj}}{found[0]}" if name.removeprefix("zav.") in self.python_names and "." in name else found[0]
 
 
 def main():
