@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """Makes docs/reference/command-line.md from what the program says of its own options.
 
-command_line.py            fails where the page is not what the program says now
+command_line.py            fails where the page is not what the program says now, or where a page shows a command with
+                           an option that the program does not have
 command_line.py --write    writes the page
 
 The program is `zav` on the PATH.
@@ -13,7 +14,8 @@ import subprocess
 import sys
 from pathlib import Path
 
-PAGE = Path(__file__).resolve().parents[1] / "reference/command-line.md"
+ROOT = Path(__file__).resolve().parents[2]
+PAGE = ROOT / "docs/reference/command-line.md"
 COMMANDS = ["spectrum", "library", "library merge", "retention", "limits", "split", "inspect"]
 
 HEAD = """# Command line
@@ -88,12 +90,26 @@ def page():
     return HEAD + "\n".join(rows) + "\n\n" + "\n\n".join(text for _, text in sections.values()) + "\n"
 
 
+def unknown_options():
+    """The options in the commands of all pages that the program does not have."""
+    options = {command: set(re.findall(r"(?<!\S)--[a-z-]+|(?<=,)--[a-z-]+", help_of(command))) for command in COMMANDS}
+    for path in [ROOT / "README.md", *sorted((ROOT / "docs").rglob("*.md"))]:
+        for block in re.findall(r"^```(?:sh)?\n(.*?)^```", path.read_text(encoding="utf-8"), re.MULTILINE | re.DOTALL):
+            lines = block.replace("\\\n", " ").splitlines()
+            for command, arguments in re.findall(r"\bzav (library merge|[a-z]+) ([^|#\n]*)", "\n".join(lines)):
+                used = set(re.findall(r"(?<!\S)--[a-z][a-z-]*", arguments))
+                for option in sorted(used - options.get(command, used)):
+                    yield f"{path.relative_to(ROOT)}: zav {command} has no {option}"
+
+
 def main():
     now = page()
     if sys.argv[1:] == ["--write"]:
         PAGE.write_text(now, encoding="utf-8")
-    elif PAGE.read_text(encoding="utf-8") != now:
+    if PAGE.read_text(encoding="utf-8") != now:
         sys.exit("docs/reference/command-line.md is not what the program says: run scripts/test-tutorials --write")
+    if unknown := list(unknown_options()):
+        sys.exit("\n".join(unknown))
 
 
 if __name__ == "__main__":
