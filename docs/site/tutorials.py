@@ -34,6 +34,7 @@ LINK = re.compile(r"(!?)\[[^\]]*\]\(([^)\s#]+)\)")
 NUMBER = re.compile(r"(-?\d+(?:\.\d+)?(?:[eE][+-]?\d+)?)")
 LEFT_OUT = "..."
 RELATIVE_TOLERANCE = 0.005  # of a number with decimals: networks differ by less than that between processors
+LONGEST = 300  # seconds that a page may take
 LAST_DIGITS = 2  # or so many units of the last digit shown
 
 
@@ -134,7 +135,9 @@ class Page:
             for file in self.data:
                 shutil.copy(file, folder)
             script = script_of(self.steps, records)
-            ended = subprocess.run(["bash", "-c", script], cwd=folder, stdin=subprocess.DEVNULL, check=False)
+            ended = subprocess.run(
+                ["bash", "-c", script], cwd=folder, stdin=subprocess.DEVNULL, check=False, timeout=LONGEST
+            )
             outputs = [self.output(records / f"{number}.out") for number in range(len(self.steps))]
             if ended.returncode != 0:
                 last = [output for output in outputs if output is not None][-1]
