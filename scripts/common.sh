@@ -4,8 +4,7 @@
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)"
 
-readonly TENSORFLOW_VERSION=2.21.0
-tensorflow_dir="${XDG_CACHE_HOME:-$HOME/.cache}/zav/tensorflow-$TENSORFLOW_VERSION"
+tensorflow_dir="$("$root/scripts/install-runtime" --folder)"
 
 # Standard output is for the program's output; messages of the scripts go to standard error.
 say() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; }

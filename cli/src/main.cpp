@@ -6,6 +6,9 @@
 #include "LibraryMergeCommand.h"
 #include "LimitsCommand.h"
 #include "RetentionCommand.h"
+#include "RuntimeCache.h"
+#include "RuntimeCommand.h"
+#include "RuntimeInstallCommand.h"
 #include "SpectrumCommand.h"
 #include "SplitCommand.h"
 
@@ -71,6 +74,16 @@ int run(const LibraryMergeOptions &options)
     return LibraryMergeCommand(options).run();
 }
 
+int run(const RuntimeOptions &options)
+{
+    return RuntimeCommand(options).run();
+}
+
+int run(const RuntimeInstallOptions &options)
+{
+    return RuntimeInstallCommand(options).run();
+}
+
 /// Runs a command in the surroundings that it asks for.
 template <typename Options>
 int runCommand(const Options &options, char **argv)
@@ -80,6 +93,7 @@ int runCommand(const Options &options, char **argv)
     // The application object would take some of the arguments for its own.
     int applicationArgc = 1;
     const auto application = createApplication(applicationArgc, argv, options.drawsPictures());
+    useRuntimeCache();
     return run(options);
 }
 

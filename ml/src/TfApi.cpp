@@ -87,47 +87,72 @@ QString configuredName()
     return configured.isEmpty() ? usualName : configured;
 }
 
-/// The folder of the shared library or program that this code was linked into; empty if the system does not say.
-QString ownFolder()
+/// The file of the shared library or program that holds the function; empty if the system does not say.
+QString fileOf(QFunctionPointer function)
 {
 #if defined(Q_OS_WIN)
     HMODULE module = nullptr;
     wchar_t path[MAX_PATH] = {};
     const DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (!GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&ownFolder), &module) ||
+    if (!GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(function), &module) ||
         GetModuleFileNameW(module, path, MAX_PATH) == 0)
         return {};
-    return QFileInfo(QString::fromWCharArray(path)).absolutePath();
+    return QFileInfo(QString::fromWCharArray(path)).absoluteFilePath();
 #else
     Dl_info module;
-    if (dladdr(reinterpret_cast<void *>(&ownFolder), &module) == 0)
+    if (dladdr(reinterpret_cast<void *>(function), &module) == 0)
         return {};
-    return QFileInfo(QFile::decodeName(module.dli_fname)).absolutePath();
+    return QFileInfo(QFile::decodeName(module.dli_fname)).absoluteFilePath();
 #endif
 }
 
-/// The folders that are looked through before the system's own search.
-QStringList runtimeFolders()
+/// The folder `zav` beside the library or program that this code was linked into; empty if the system does not say.
+QString folderBesideLibrary()
 {
-    QStringList folders;
-    if (const QString own = ownFolder(); !own.isEmpty())
-        folders.append(own + QStringLiteral("/zav"));
-    if (const QString configured = QStringLiteral(ZAV_TENSORFLOW_DIR); !configured.isEmpty())
-        folders.append(configured);
-    return folders;
+    const QString own = fileOf(reinterpret_cast<QFunctionPointer>(&fileOf));
+    return own.isEmpty() ? QString() : QFileInfo(own).absolutePath() + QStringLiteral("/zav");
 }
 
-QString findRuntime()
+struct RuntimeChoice
 {
-    QString name = configuredName();
+    QString fileName;
+    RuntimeOrigin origin = RuntimeOrigin::System;
+};
+
+QString &hostFolder()
+{
+    static QString folder;
+    return folder;
+}
+
+bool systemFinds(const QString &name)
+{
+    return QLibrary(name).load(); // it stays open
+}
+
+RuntimeChoice findRuntime()
+{
+    const QString name = configuredName();
     if (QDir::isAbsolutePath(name))
-        return name;
-    for (const QString &folder : runtimeFolders()) {
-        QString candidate = folder + QLatin1Char('/') + name;
-        if (QFileInfo::exists(candidate))
-            return candidate;
-    }
-    return name;
+        return {name, RuntimeOrigin::ConfiguredPath};
+    const auto isIn = [&name](const QString &folder) {
+        return !folder.isEmpty() && QFileInfo::exists(folder + QLatin1Char('/') + name);
+    };
+    const QString buildFolder = QStringLiteral(ZAV_TENSORFLOW_DIR);
+    if (const QString beside = folderBesideLibrary(); isIn(beside))
+        return {beside + QLatin1Char('/') + name, RuntimeOrigin::BesideLibrary};
+    if (isIn(buildFolder))
+        return {buildFolder + QLatin1Char('/') + name, RuntimeOrigin::BuildFolder};
+    if (isIn(hostFolder()) && !systemFinds(name))
+        return {hostFolder() + QLatin1Char('/') + name, RuntimeOrigin::HostFolder};
+    return {name, RuntimeOrigin::System};
+}
+
+const RuntimeChoice &runtimeChoice()
+{
+    // Each prediction looks the table up twice: asking the file system every time would cost more than the network.
+    static const RuntimeChoice choice = findRuntime();
+    return choice;
 }
 
 /// Why the runtime must not be opened; found out once, as its name is.
@@ -150,8 +175,9 @@ Error missingFunction(const char *name)
 {
     const QString fileName = TfApi::runtimeFileName();
     return {Failure, QStringLiteral("TensorFlow's function %1 was not found in \"%2\" (%3). The networks need the "
-                                    "TensorFlow C library, version 2: run scripts/setup, or put it into a folder "
-                                    "\"zav\" beside this library or where the system looks for libraries.")
+                                    "TensorFlow C library, version 2: 'zav runtime install' fetches it for the "
+                                    "program zav, scripts/setup for a build; or put it into a folder \"zav\" beside "
+                                    "this library or where the system looks for libraries.")
                          .arg(QLatin1String(name), fileName, reasonFor(fileName))};
 }
 
@@ -186,9 +212,23 @@ Error TfApi::checkComplete() const
 
 QString TfApi::runtimeFileName()
 {
-    // Each prediction looks the table up twice: asking the file system every time would cost more than the network.
-    static const QString name = findRuntime();
-    return name;
+    return runtimeChoice().fileName;
+}
+
+RuntimeOrigin TfApi::runtimeOrigin()
+{
+    return runtimeChoice().origin;
+}
+
+QString TfApi::openedFile() const
+{
+    return runtimeChoice().origin == RuntimeOrigin::System ? fileOf(reinterpret_cast<QFunctionPointer>(TF_Version))
+                                                           : runtimeChoice().fileName;
+}
+
+void TfApi::setHostFolder(const QString &folder)
+{
+    hostFolder() = folder;
 }
 
 } // namespace zav

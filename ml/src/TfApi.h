@@ -4,6 +4,7 @@
 #include "TfTypes.h"
 
 #include <zav/Error.h>
+#include <zav/TensorFlowRuntime.h>
 
 #include <QtCore/QString>
 
@@ -79,8 +80,19 @@ struct TfApi
 
     /// The file that functions are looked up in: the absolute path that the build was configured with; or the first
     /// that exists of the folder `zav` beside the library that holds this code and the folder that the build was
-    /// configured with; or the bare file name, which the system searches. Chosen once, at the first call.
+    /// configured with; or the bare file name, where the system finds a file that it can open; or the file in the
+    /// host's folder, where it exists; or the bare file name. Chosen once, at the first call.
     static QString runtimeFileName();
+
+    /// How that file was chosen.
+    static RuntimeOrigin runtimeOrigin();
+
+    /// The path of the file that the functions were found in: where the system searched, the one that it found. For a
+    /// complete table.
+    QString openedFile() const;
+
+    /// The folder that is looked at last; see `TensorFlowRuntime`. Without effect once the file was chosen.
+    static void setHostFolder(const QString &folder);
 };
 
 } // namespace zav

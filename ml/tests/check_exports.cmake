@@ -9,6 +9,7 @@ set(CLASSES
     PeptidoformSpectrumPredictor
     RetentionTimeCalibration
     RetentionTimePredictor
+    TensorFlowRuntime
     XicBaselineLimitsDetector
     XicPeakSplitter)
 

@@ -58,6 +58,7 @@ std::unique_ptr<CommandArguments> retentionArguments();
 std::unique_ptr<CommandArguments> limitsArguments();
 std::unique_ptr<CommandArguments> splitArguments();
 std::unique_ptr<CommandArguments> inspectArguments();
+std::unique_ptr<CommandArguments> runtimeArguments(); ///< and those of `zav runtime install`
 
 /// Text of the command line, which is UTF-8.
 inline QString text(const std::string &utf8)

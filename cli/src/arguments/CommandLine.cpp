@@ -21,8 +21,8 @@ using Commands = std::vector<std::unique_ptr<CommandArguments>>;
 Commands allCommands()
 {
     Commands commands;
-    for (const auto &make :
-         {spectrumArguments, libraryArguments, retentionArguments, limitsArguments, splitArguments, inspectArguments})
+    for (const auto &make : {spectrumArguments, libraryArguments, retentionArguments, limitsArguments, splitArguments,
+                             inspectArguments, runtimeArguments})
         commands.push_back(make());
     return commands;
 }

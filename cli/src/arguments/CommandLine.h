@@ -6,6 +6,8 @@
 #include "LibraryOptions.h"
 #include "LimitsCommand.h"
 #include "RetentionCommand.h"
+#include "RuntimeCommand.h"
+#include "RuntimeInstallCommand.h"
 #include "SpectrumOptions.h"
 #include "SplitCommand.h"
 
@@ -24,8 +26,9 @@ struct EarlyExit
 };
 
 /// What the arguments ask for. The options of a command say whether it is `verbose` and whether it draws pictures.
-using CommandLine = std::variant<EarlyExit, SpectrumOptions, LimitsOptions, SplitOptions, InspectOptions,
-                                 LibraryOptions, LibraryMergeOptions, RetentionOptions>;
+using CommandLine =
+    std::variant<EarlyExit, SpectrumOptions, LimitsOptions, SplitOptions, InspectOptions, LibraryOptions,
+                 LibraryMergeOptions, RetentionOptions, RuntimeOptions, RuntimeInstallOptions>;
 
 /// Reads the program's arguments (UTF-8). Needs no application object.
 CommandLine parseCommandLine(int argc, const char *const *argv);

@@ -84,6 +84,15 @@ TEST_F(ScriptedRuntimeTest, IsFoundInTheFolderZavBesideTheProgram)
     EXPECT_STREQ("scripted", api.TF_Version());
 }
 
+TEST_F(ScriptedRuntimeTest, IsDescribed)
+{
+    const Result<RuntimeDescription> described = TensorFlowRuntime::describe();
+    ASSERT_FALSE(described.hasError());
+    EXPECT_EQ(QStringLiteral("scripted"), described.value().version);
+    EXPECT_TRUE(described.value().file.endsWith(QStringLiteral("/scripted/zav/libtensorflow.so.2")));
+    EXPECT_EQ(RuntimeOrigin::BesideLibrary, described.value().origin);
+}
+
 TEST_F(ScriptedRuntimeTest, InitGoesItsStepsInOrder)
 {
     ASSERT_FALSE(model->init(path, {}).hasError());

@@ -18,6 +18,7 @@ void expectExplained(const Error &error)
     EXPECT_TRUE(error.message().contains(QStringLiteral("\"" ZAV_TENSORFLOW_LIBRARY "\""))) << error.message();
     EXPECT_TRUE(error.message().contains(QStringLiteral(EXPECTED_REASON))) << error.message();
     EXPECT_TRUE(error.message().contains(QStringLiteral("scripts/setup"))) << error.message();
+    EXPECT_TRUE(error.message().contains(QStringLiteral("zav runtime install"))) << error.message();
 }
 
 TEST(UnusableRuntime, IsTheConfiguredFile)
@@ -44,6 +45,15 @@ TEST(UnusableRuntime, TensorInitTellsTheFileTheFunctionAndTheReason)
     expectExplained(error);
     EXPECT_EQ(QStringList{QStringLiteral("Tensor::init in ml/src/Tensor")}, trailOf(error));
     EXPECT_EQ(-1, TensorInspector::state(tensor));
+}
+
+TEST(UnusableRuntime, CannotBeDescribed)
+{
+    const Result<RuntimeDescription> described = TensorFlowRuntime::describe();
+    ASSERT_TRUE(described.hasError());
+    expectExplained(described.error());
+    EXPECT_EQ(QStringList{QStringLiteral("TensorFlowRuntime::describe in ml/src/TensorFlowRuntime")},
+              trailOf(described.error()));
 }
 
 TEST(UnusableRuntime, NothingElseReachesIt)
