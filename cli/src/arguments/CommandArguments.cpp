@@ -55,6 +55,21 @@ NetworkChoice NetworkArguments::choice() const
     return {text(m_folder), m_isTrusted};
 }
 
+void offerChoices(CLI::Option *option, const std::vector<std::string> &choices)
+{
+    // A validator that accepts everything carries them in its name, which the help does not show.
+    option->check(CLI::Validator([](std::string &) { return std::string(); }, "", CLI::detail::join(choices, " ")));
+}
+
+std::vector<std::string> offeredChoices(CLI::Option *option)
+{
+    try {
+        return CLI::detail::split_up(option->get_validator(0)->get_name());
+    } catch (const CLI::OptionNotFound &) {
+        return {};
+    }
+}
+
 std::string withDefault(const std::string &description, double value)
 {
     return withDefault(description, QString::number(value, 'g', QLocale::FloatingPointShortest).toStdString());

@@ -12,10 +12,12 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
-}
+class Option;
+} // namespace CLI
 
 namespace zav {
 
@@ -59,6 +61,23 @@ std::unique_ptr<CommandArguments> limitsArguments();
 std::unique_ptr<CommandArguments> splitArguments();
 std::unique_ptr<CommandArguments> inspectArguments();
 std::unique_ptr<CommandArguments> runtimeArguments(); ///< and those of `zav runtime install`
+
+using Commands = std::vector<std::unique_ptr<CommandArguments>>;
+
+/// The commands of the program, in the order of `zav --help`.
+Commands allCommands();
+
+/// The definition of the whole command line. The commands have to outlive it.
+std::unique_ptr<CLI::App> programDefinition(const Commands &commands);
+
+/// Says which values an option takes, for the completion of the command line. Checks nothing.
+void offerChoices(CLI::Option *option, const std::vector<std::string> &choices);
+
+/// Offered for an option that takes a file and whose word in the help does not say so.
+inline constexpr char ANY_FILE[] = "<file>";
+
+/// The values that were offered for it; empty for an option of other values.
+std::vector<std::string> offeredChoices(CLI::Option *option);
 
 /// Text of the command line, which is UTF-8.
 inline QString text(const std::string &utf8)

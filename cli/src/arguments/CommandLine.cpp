@@ -15,18 +15,6 @@ namespace zav {
 
 namespace {
 
-using Commands = std::vector<std::unique_ptr<CommandArguments>>;
-
-/// In the order of `zav --help`.
-Commands allCommands()
-{
-    Commands commands;
-    for (const auto &make : {spectrumArguments, libraryArguments, retentionArguments, limitsArguments, splitArguments,
-                             inspectArguments, runtimeArguments})
-        commands.push_back(make());
-    return commands;
-}
-
 EarlyExit wrongUsage(const QString &message, const QString &command = QString())
 {
     const QString help =
@@ -88,28 +76,42 @@ CommandLine optionsOf(const CommandArguments &command)
 
 } // namespace
 
+Commands allCommands()
+{
+    Commands commands;
+    for (const auto &make : {spectrumArguments, libraryArguments, retentionArguments, limitsArguments, splitArguments,
+                             inspectArguments, runtimeArguments})
+        commands.push_back(make());
+    return commands;
+}
+
+std::unique_ptr<CLI::App> programDefinition(const Commands &commands)
+{
+    auto app = std::make_unique<CLI::App>(
+        "Predicts peptide MS/MS spectra and retention times and reads chromatograms, with trained networks.", "zav");
+    app->set_version_flag("--version", "zav " ZAV_VERSION);
+    app->require_subcommand(1);
+    app->footer("'zav COMMAND --help' explains a command, with examples.");
+    for (const auto &command : commands)
+        command->addTo(app->add_subcommand(command->name(), command->summary()));
+    return app;
+}
+
 CommandLine parseCommandLine(int argc, const char *const *argv)
 {
     const Commands commands = allCommands();
     if (argc > 1 && argv[1][0] != '-' && !isCommand(commands, argv[1]))
         return unknownCommand(commands, argv[1]);
 
-    CLI::App app("Predicts peptide MS/MS spectra and retention times and reads chromatograms, with trained networks.",
-                 "zav");
-    app.set_version_flag("--version", "zav " ZAV_VERSION);
-    app.require_subcommand(1);
-    app.footer("'zav COMMAND --help' explains a command, with examples.");
-    for (const auto &command : commands)
-        command->addTo(app.add_subcommand(command->name(), command->summary()));
-
+    const std::unique_ptr<CLI::App> app = programDefinition(commands);
     const QString word = argc > 1 && argv[1][0] != '-' ? QString::fromUtf8(argv[1]) : QString();
     try {
-        app.parse(argc, argv);
+        app->parse(argc, argv);
     } catch (const CLI::ParseError &stop) {
-        return earlyExit(app, stop, word);
+        return earlyExit(*app, stop, word);
     }
     const auto asked = std::find_if(commands.begin(), commands.end(),
-                                    [&](const auto &command) { return app.got_subcommand(command->name()); });
+                                    [&](const auto &command) { return app->got_subcommand(command->name()); });
     return optionsOf(**asked);
 }
 

@@ -154,6 +154,7 @@ void LibraryArguments::addOutputTo(CLI::App *command)
     command
         ->add_option("-f,--format", m_format, "msp, tsv, mgf, mzspeclib, dlib, blib or pqp; default: by LIB's ending")
         ->type_name("FORMAT");
+    offerChoices(command->get_option("--format"), {"msp", "tsv", "mgf", "mzspeclib", "dlib", "blib", "pqp"});
     command->add_option("--skipped", m_skipped, "list the peptides that are left out, and why")->type_name("FILE.tsv");
     command
         ->add_option("--threads", m_given.threads, withDefault("worker threads; 0: one for each core", m_given.threads))
@@ -175,6 +176,10 @@ void LibraryArguments::addDigestionTo(CLI::App *command)
             "--enzyme", m_enzyme,
             withDefault(Enzyme::names().join(QStringLiteral(", ")).toStdString() + "; upper or lower case", m_enzyme))
         ->type_name("NAME");
+    std::vector<std::string> enzymes;
+    for (const QString &enzyme : Enzyme::names())
+        enzymes.push_back(enzyme.toStdString());
+    offerChoices(command->get_option("--enzyme"), enzymes);
     command
         ->add_option("--cleavage-pattern", m_cleavagePattern,
                      "instead of --enzyme: cut where this regular expression matches, such as (?<=[KR])(?!P)")
@@ -195,6 +200,7 @@ void LibraryArguments::addDigestionTo(CLI::App *command)
     command->add_flag("--remove-methionine", digestion.removesMethionine,
                       "also digest proteins without their initial methionine");
     command->add_option("--decoys", m_decoys, "none, reversed or shuffled [none]")->type_name("KIND");
+    offerChoices(command->get_option("--decoys"), {"none", "reversed", "shuffled"});
     command
         ->add_option("--decoy-seed", m_given.decoys.seed,
                      withDefault("seed for shuffled decoys", std::to_string(m_given.decoys.seed)))

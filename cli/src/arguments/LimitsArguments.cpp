@@ -88,6 +88,7 @@ void LimitsArguments::addTo(CLI::App *command)
                      std::string("network, or walk: outward from each highest point, without the network [") + NETWORK +
                          "]")
         ->type_name("METHOD");
+    offerChoices(command->get_option("--method"), {NETWORK, WALK});
     command
         ->add_option("--hint", m_hint,
                      "a retention time with a peak: where none is found there, the network looks again, with faint "

@@ -45,6 +45,7 @@ private:
 void RetentionArguments::addTo(CLI::App *command)
 {
     command->add_option("--peptides", m_peptides, "a list of peptides; - is standard input")->type_name("LIST");
+    offerChoices(command->get_option("--peptides"), {ANY_FILE});
     m_networks.addTo(command);
     command->add_option("--calibrate", m_calibrate, "observed times of a run: also predict the times in that run")
         ->type_name("OBSERVED.tsv");

@@ -101,6 +101,7 @@ void SpectrumArguments::addTo(CLI::App *command)
                      withDefault("added to every cysteine of a peptide without modifications, in Da", m_cysteine))
         ->type_name("MASS");
     command->add_option("-f,--format", m_format, "tsv, msp, mgf, json or table")->type_name("FORMAT");
+    offerChoices(command->get_option("--format"), {"tsv", "msp", "mgf", "json", "table"});
     command->add_option("-o,--output", m_output, "write to FILE, which appears only when it is complete")
         ->type_name("FILE");
     command->add_flag("--no-isotopes", m_noIsotopes, "monoisotopic peaks only");

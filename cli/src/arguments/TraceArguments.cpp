@@ -100,6 +100,7 @@ void TraceArguments::addNetworkTo(CLI::App *command)
 void TraceArguments::addOutputTo(CLI::App *command, const char *shownInPictures)
 {
     command->add_option("-f,--format", m_format, "tsv, json or table")->type_name("FORMAT");
+    offerChoices(command->get_option("--format"), {"tsv", "json", "table"});
     command->add_option("-o,--output", m_output, "write to FILE, which appears only when it is complete")
         ->type_name("FILE");
     command
@@ -111,6 +112,7 @@ void TraceArguments::addOutputTo(CLI::App *command, const char *shownInPictures)
         ->add_option("--plot-format", m_plotFormat,
                      std::string("of the pictures in the folder: svg, png or pdf [") + DEFAULT_PICTURE + "]")
         ->type_name("FORMAT");
+    offerChoices(command->get_option("--plot-format"), {"svg", "png", "pdf"});
     command
         ->add_option("--report", m_report,
                      "write an HTML page of all traces: pictures, measures, marks and notes; - is standard output")

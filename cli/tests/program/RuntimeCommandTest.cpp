@@ -182,7 +182,7 @@ with zipfile.ZipFile(f"{sys.argv[1]}/{name}-2.21.0-cp311-none-any.whl", "w") as 
     wheel.writestr(info + "WHEEL", "Wheel-Version: 1.0\nGenerator: a test\nRoot-Is-Purelib: true\nTag: cp311-none-any\n")
     wheel.writestr(info + "RECORD", "")
 )",
-                                                                 path("wheels")});
+                                                              path("wheels")});
     ASSERT_EQ(made.exitCode, 0) << made.standardError;
     set("PIP_NO_INDEX", "1");
     set("PIP_FIND_LINKS", path("wheels"));
