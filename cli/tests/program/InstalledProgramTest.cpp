@@ -16,9 +16,12 @@ protected:
     static void SetUpTestSuite()
     {
         s_folder = new QTemporaryDir;
-        const ProgramRun install = runProgramAt(
-            ZAV_CMAKE, {"--install", ZAV_BUILD_DIR, "--prefix", s_folder->filePath("first"), "--component", "Runtime"});
-        ASSERT_EQ(install.exitCode, 0) << install.standardOutput << install.standardError;
+        for (const char *component : {"Runtime", "Libraries"}) {
+            const ProgramRun install =
+                runProgramAt(ZAV_CMAKE, {"--install", ZAV_BUILD_DIR, "--prefix", s_folder->filePath("first"),
+                                         "--component", component});
+            ASSERT_EQ(install.exitCode, 0) << install.standardOutput << install.standardError;
+        }
         ASSERT_TRUE(QDir(s_folder->path()).rename("first", "moved"));
     }
 
