@@ -20,7 +20,7 @@ set(ZAV_DEBIAN_MAINTAINER "The zav project <zav@example.org>" CACHE STRING "Main
 
 # zav_debian_files(<component> <package>): the copyright and the changelog of a package.
 function(zav_debian_files component package)
-    install(FILES "${PROJECT_SOURCE_DIR}/cmake/debian/copyright" "${PROJECT_BINARY_DIR}/debian/changelog.Debian.gz"
+    install(FILES "${PROJECT_SOURCE_DIR}/cmake/debian/copyright" "${PROJECT_BINARY_DIR}/debian/changelog.gz"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${package}" COMPONENT ${component})
     file(GLOB overrides "${PROJECT_SOURCE_DIR}/cmake/debian/${package}.lintian-overrides")
     if(overrides)
@@ -32,13 +32,11 @@ endfunction()
 macro(zav_debian_packages)
     set(soversion "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
     set(library_package "libzav-ml${soversion}")
-    set(version "${PROJECT_VERSION}-1")
 
     string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
     configure_file("${PROJECT_SOURCE_DIR}/cmake/debian/changelog.in" "${PROJECT_BINARY_DIR}/debian/changelog" @ONLY)
     execute_process(COMMAND gzip -9nf changelog
         WORKING_DIRECTORY "${PROJECT_BINARY_DIR}/debian" COMMAND_ERROR_IS_FATAL ANY)
-    file(RENAME "${PROJECT_BINARY_DIR}/debian/changelog.gz" "${PROJECT_BINARY_DIR}/debian/changelog.Debian.gz")
     zav_debian_files(Runtime zav)
     zav_debian_files(Libraries ${library_package})
     zav_debian_files(Development libzav-ml-dev)
@@ -46,57 +44,62 @@ macro(zav_debian_packages)
     set(CPACK_GENERATOR DEB)
     set(CPACK_PACKAGE_NAME zav)
     set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
+    set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
     set(CPACK_PACKAGE_CONTACT "${ZAV_DEBIAN_MAINTAINER}")
     set(CPACK_PACKAGING_INSTALL_PREFIX "/usr")
     set(CPACK_OUTPUT_FILE_PREFIX "${PROJECT_BINARY_DIR}/packages")
     set(CPACK_COMPONENTS_ALL Runtime Libraries Development)
     set(CPACK_DEB_COMPONENT_INSTALL ON)
-    set(CPACK_STRIP_FILES ON)
+    # With debug packages, CPack moves the symbols there itself.
+    if(NOT ZAV_DEBIAN_DEBUG_PACKAGES)
+        set(CPACK_STRIP_FILES ON)
+    endif()
     set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
         OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
     set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-    set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
     set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${ZAV_DEBIAN_MAINTAINER}")
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
         "${PROJECT_BINARY_DIR}/common/stable" "${PROJECT_BINARY_DIR}/common/core_mini" "${PROJECT_BINARY_DIR}/ml")
+    set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+    set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+    set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
     set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
     set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ${ZAV_DEBIAN_DEBUG_PACKAGES})
 
     set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME zav)
     set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION science)
-    set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "${library_package} (= ${version})")
+    set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION})")
     # `zav runtime install` needs them; a machine with a TensorFlow of its own does not.
     set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "python3, python3-pip, ca-certificates, fonts-dejavu-core")
     set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "predictions for mass-spectrometry proteomics
- Predicts the spectra and the retention times of peptides with trained neural
- networks, makes spectral libraries of proteins, and finds and measures the
- peaks of chromatograms.
- .
- The networks are part of this package. They run on the TensorFlow C library,
- which Debian does not have: 'zav runtime install' fetches it.")
+Predicts the spectra and the retention times of peptides with trained neural
+networks, makes spectral libraries of proteins, and finds and measures the
+peaks of chromatograms.
+
+The networks are part of this package. They run on the TensorFlow C library,
+which Debian does not have: 'zav runtime install' fetches it.")
 
     set(CPACK_DEBIAN_LIBRARIES_PACKAGE_NAME ${library_package})
     set(CPACK_DEBIAN_LIBRARIES_PACKAGE_SECTION libs)
-    set(CPACK_DEBIAN_LIBRARIES_PACKAGE_GENERATE_SHLIBS ON)
-    set(CPACK_DEBIAN_LIBRARIES_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+    set(CPACK_DEBIAN_LIBRARIES_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
     set(CPACK_COMPONENT_LIBRARIES_DESCRIPTION "predictors for mass-spectrometry proteomics, libraries
- Predictors of the spectra and the retention times of peptides, and of the
- limits of peaks in chromatograms. They run trained neural networks on the
- TensorFlow C library, which they open at run time.
- .
- This package holds the shared libraries.")
+Predictors of the spectra and the retention times of peptides, and of the
+limits of peaks in chromatograms. They run trained neural networks on the
+TensorFlow C library, which they open at run time.
+
+This package holds the shared libraries.")
 
     set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libzav-ml-dev)
     set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-    set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library_package} (= ${version}), qt6-base-dev (>= 6.4)")
+    set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library_package} (= ${PROJECT_VERSION}), qt6-base-dev (>= 6.4)")
     set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS zav)
     set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "predictors for mass-spectrometry proteomics, development files
- Predictors of the spectra and the retention times of peptides, and of the
- limits of peaks in chromatograms. They run trained neural networks on the
- TensorFlow C library, which they open at run time.
- .
- This package holds the headers, the CMake package zav_ml and the file for
- pkg-config. The networks are part of the package zav.")
+Predictors of the spectra and the retention times of peptides, and of the
+limits of peaks in chromatograms. They run trained neural networks on the
+TensorFlow C library, which they open at run time.
+
+This package holds the headers, the CMake package zav_ml and the file for
+pkg-config. The networks are part of the package zav.")
     include(CPack)
 endmacro()
