@@ -17,9 +17,8 @@ protected:
     {
         s_folder = new QTemporaryDir;
         for (const char *component : {"Runtime", "Libraries"}) {
-            const ProgramRun install =
-                runProgramAt(ZAV_CMAKE, {"--install", ZAV_BUILD_DIR, "--prefix", s_folder->filePath("first"),
-                                         "--component", component});
+            const ProgramRun install = runProgramAt(ZAV_CMAKE, {"--install", ZAV_BUILD_DIR, "--prefix",
+                                                                s_folder->filePath("first"), "--component", component});
             ASSERT_EQ(install.exitCode, 0) << install.standardOutput << install.standardError;
         }
         ASSERT_TRUE(QDir(s_folder->path()).rename("first", "moved"));

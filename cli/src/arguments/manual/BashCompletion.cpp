@@ -119,8 +119,9 @@ std::string branchOf(const NamedCommand &command)
             values += "        " + CLI::detail::join(names, " | ") + ") " + valuesOf(option) + " ;;\n";
     }
     const std::string choice = values.empty() ? std::string() : "        case $prev in\n" + values + "        esac\n";
-    return "    '" + command.name + "')\n        commands='" + CLI::detail::join(commands, " ") + "' operands=" + operands +
-           "\n        options='" + CLI::detail::join(options, " ") + "'\n" + choice + "        ;;\n";
+    return "    '" + command.name + "')\n        commands='" + CLI::detail::join(commands, " ") +
+           "' operands=" + operands + "\n        options='" + CLI::detail::join(options, " ") + "'\n" + choice +
+           "        ;;\n";
 }
 
 } // namespace

@@ -121,10 +121,11 @@ std::string optionsOf(CLI::App *command, bool positional)
 
 std::string synopsisOf(CLI::App *command, const std::string &name)
 {
-    std::string text = "\\fB" + escaped(name) + "\\fR [\\fIOPTIONS\\fR]";
+    std::string text = "\\fB" + escaped(name) + R"(\fR [\fIOPTIONS\fR])";
     for (const CLI::Option *option : command->get_options()) {
         if (option->get_positional())
-            text += " [\\fI" + escaped(option->get_name(true)) + (option->get_items_expected_max() > 1 ? "\\fR ...]" : "\\fR]");
+            text += " [\\fI" + escaped(option->get_name(true)) +
+                    (option->get_items_expected_max() > 1 ? "\\fR ...]" : "\\fR]");
     }
     if (command->get_require_subcommand_min() > 0)
         text += " \\fICOMMAND\\fR ...";
@@ -153,8 +154,10 @@ void addPages(CLI::App *command, const std::string &parent, const std::string &d
 {
     const std::string name = parent.empty() ? command->get_name() : parent + ' ' + command->get_name();
     const Sections sections = sectionsOf(command->get_footer());
-    std::string page = ".TH " + escaped(upperCase(pageName(name))) + " 1 " + date + " \"zav " ZAV_VERSION "\" \"zav manual\"\n";
-    addSection("NAME", escaped(pageName(name)) + " \\- " + escaped(lowerStart(command->get_description())) + '\n', &page);
+    std::string page =
+        ".TH " + escaped(upperCase(pageName(name))) + " 1 " + date + " \"zav " ZAV_VERSION "\" \"zav manual\"\n";
+    addSection("NAME", escaped(pageName(name)) + " \\- " + escaped(lowerStart(command->get_description())) + '\n',
+               &page);
     addSection("SYNOPSIS", synopsisOf(command, name), &page);
     addSection("DESCRIPTION", sections.description, &page);
     addSection("ARGUMENTS", optionsOf(command, true), &page);

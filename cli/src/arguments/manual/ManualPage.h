@@ -17,8 +17,8 @@ struct ManualPage
     std::string text;
 };
 
-/// The page of the program and those of all its commands, from the definitions that `--help` shows. `date` stands at the
-/// foot of each page.
+/// The page of the program and those of all its commands, from the definitions that `--help` shows. `date` stands at
+/// the foot of each page.
 std::vector<ManualPage> manualPages(CLI::App *program, const std::string &date);
 
 } // namespace zav
