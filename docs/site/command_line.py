@@ -16,7 +16,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 PAGE = ROOT / "docs/reference/command-line.md"
-COMMANDS = ["spectrum", "library", "library merge", "retention", "limits", "split", "inspect"]
+COMMANDS = ["spectrum", "library", "library merge", "retention", "limits", "split", "inspect", "runtime", "runtime install"]
 
 HEAD = """# Command line
 
@@ -96,7 +96,7 @@ def unknown_options():
     for path in [ROOT / "README.md", *sorted((ROOT / "docs").rglob("*.md"))]:
         for block in re.findall(r"^```(?:sh)?\n(.*?)^```", path.read_text(encoding="utf-8"), re.MULTILINE | re.DOTALL):
             lines = block.replace("\\\n", " ").splitlines()
-            for command, arguments in re.findall(r"\bzav (library merge|[a-z]+) ([^|#\n]*)", "\n".join(lines)):
+            for command, arguments in re.findall(r"\bzav (library merge|runtime install|[a-z]+) ([^|#\n]*)", "\n".join(lines)):
                 used = set(re.findall(r"(?<!\S)--[a-z][a-z-]*", arguments))
                 for option in sorted(used - options.get(command, used)):
                     yield f"{path.relative_to(ROOT)}: zav {command} has no {option}"

@@ -30,7 +30,6 @@ ELSEWHERE = {
 FRONT_PAGE = {"README.md": "index.md"}  # README.md is the front page of the sources, docs/index.md that of the site
 
 SECTION = re.compile(r"^<!-- from (\S+): (.*) -->$")  # stands for a section of that page
-OPTIONAL = {"packages"}  # entries of a toctree that are left out where the page does not exist
 
 LINK = re.compile(r"(?<=\]\()([^)\s]+)(?=\))")
 FENCE = re.compile(r"^\s*(`{3,}|:{3,})")
@@ -93,8 +92,7 @@ class Site:
             else:
                 line = LINK.sub(lambda found, at=number: self.link(page, found[1], f"{page}:{at}", place), line)
                 line = self.with_classes(line)
-            if line not in OPTIONAL or f"docs/{line}.md" in self.places:
-                lines.append(line)
+            lines.append(line)
         return "\n".join(lines) + "\n"
 
     def section(self, page, title, place):
