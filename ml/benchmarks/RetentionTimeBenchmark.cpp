@@ -64,9 +64,9 @@ Moment timeRuns(const RetentionTimePredictor &predictor, QList<Peptidoform> list
         std::vector<float> rows(static_cast<std::size_t>(count) * peptidoformRows::SIZE);
         for (qsizetype i = 0; i < count; ++i)
             peptidoformRows::write(list.at(first + i), &rows[i * peptidoformRows::SIZE]);
-        require(!inside.input.setData<float>(std::move(rows)).hasError(), "The network takes no batch");
+        require(!inside.input->setData<float>(std::move(rows)).hasError(), "The network takes no batch");
         const Moment start = Moment::now();
-        require(!inside.model.run(inside.input, inside.output).hasError(), "A run failed");
+        require(!inside.model.run(*inside.input, *inside.output).hasError(), "A run failed");
         const Moment spent = Moment::now().since(start);
         sum = {sum.wall + spent.wall, sum.computed + spent.computed};
     }
