@@ -61,9 +61,9 @@ SpectrumCommand::SpectrumCommand(const SpectrumOptions &options)
 Error SpectrumCommand::work()
 {
     Error error =
-        inTurn(this, {&SpectrumCommand::readPeptides, &SpectrumCommand::openObserved, &SpectrumCommand::readObserved,
-                      &SpectrumCommand::loadNetworks, &SpectrumCommand::predictAll, &SpectrumCommand::finishOutput,
-                      &SpectrumCommand::showComparisons, &SpectrumCommand::draw});
+        inTurn(this, {&SpectrumCommand::readPeptides, &SpectrumCommand::readObserved, &SpectrumCommand::loadNetworks,
+                      &SpectrumCommand::predictAll, &SpectrumCommand::finishOutput, &SpectrumCommand::showComparisons,
+                      &SpectrumCommand::draw});
     if (!error.hasError() && isList())
         noteFailures();
     return error;
@@ -207,12 +207,26 @@ Error SpectrumCommand::finishOutput()
 }
 
 /// Before the prediction, so that a mistyped path costs no time and writes nothing.
-Error SpectrumCommand::openObserved()
+Error SpectrumCommand::readObserved()
 {
     if (!m_options.picturePath.isEmpty() && !canWritePictures())
         return Error(Failure, QStringLiteral("this build of zav cannot draw pictures"));
     if (m_options.observedPath.isEmpty() || (!isList() && m_problems.first().hasError()))
         return {};
+    m_comparisons = std::make_unique<ComparisonOutput>(
+        ComparisonPaths{m_options.observedPath, m_options.scoresPath, m_options.reportPath}, hasEnergies());
+    if (isList())
+        return openRun();
+    const Result<ObservedSpectrum> observed = readObservedSpectrum(m_options.observedPath, m_options.scan);
+    if (observed.hasError())
+        return observed.error();
+    m_observed = observed.value();
+    return {};
+}
+
+/// Scans of which none is to be found end the run.
+Error SpectrumCommand::openRun()
+{
     QStringList scans;
     for (const PeptideListRow &row : m_rows)
         scans.append(row.scan);
@@ -220,33 +234,17 @@ Error SpectrumCommand::openObserved()
     if (run.hasError())
         return run.error();
     m_run = std::move(run).value();
-    m_comparisons = std::make_unique<ComparisonOutput>(
-        ComparisonPaths{m_options.observedPath, m_options.scoresPath, m_options.reportPath}, hasEnergies());
-    return {};
-}
-
-/// A single spectrum that cannot be read ends the run, and so do scans of which none is to be found.
-Error SpectrumCommand::readObserved()
-{
-    if (!m_run)
-        return {};
-    if (isList()) {
-        qsizetype missing = 0;
-        while (missing < m_rows.size() && m_run->problem(missing).hasError())
-            ++missing;
-        return missing == m_rows.size() ? m_run->problem(0) : Error();
+    for (qsizetype i = 0; i < m_rows.size(); ++i) {
+        if (!m_run->problem(i).hasError())
+            return {};
     }
-    const Result<ObservedSpectrum> observed = m_run->read(0);
-    if (observed.hasError())
-        return observed.error();
-    m_observed = observed.value();
-    return {};
+    return m_run->problem(0);
 }
 
 /// The error is one of writing.
 Error SpectrumCommand::compare(qsizetype number, const Result<PredictedSpectrum> &outcome)
 {
-    if (!m_run)
+    if (!m_comparisons)
         return {};
     const PeptideListRow &row = m_rows[number];
     ComparedSpectrum compared;
@@ -280,7 +278,7 @@ void SpectrumCommand::compareWith(const Result<ObservedSpectrum> &observed, Comp
 /// On standard output, unless another program reads the spectrum there.
 Error SpectrumCommand::showComparisons()
 {
-    if (!m_run)
+    if (!m_comparisons)
         return {};
     if (Error error = m_comparisons->finish(); error.hasError())
         return error;

@@ -35,8 +35,8 @@ private:
     void noteRemarks();
     Error accept(qsizetype number, const Result<PredictedSpectrum> &outcome);
     Error finishOutput();
-    Error openObserved();
     Error readObserved();
+    Error openRun();
     Error compare(qsizetype number, const Result<PredictedSpectrum> &outcome);
     void compareWith(const Result<ObservedSpectrum> &observed, ComparedSpectrum *compared);
     Error showComparisons();
@@ -54,9 +54,9 @@ private:
     QList<Error> m_problems; ///< one per row: why it cannot be predicted, or no error
     qsizetype m_failed = 0;
     std::unique_ptr<SpectrumPredictor> m_predictor;
-    QStringList m_noted;                    ///< remarks on predictions that the user has read
-    std::unique_ptr<ObservedSpectra> m_run; ///< of each row the spectrum to compare with; null: none is to be compared
-    std::unique_ptr<ComparisonOutput> m_comparisons; ///< with `m_run`
+    QStringList m_noted;                             ///< remarks on predictions that the user has read
+    std::unique_ptr<ComparisonOutput> m_comparisons; ///< null: nothing is to be compared
+    std::unique_ptr<ObservedSpectra> m_run;          ///< of a list: of each row the spectrum to compare with
     qsizetype m_notCompared = 0;                     ///< though predicted
     // Of a run for one peptide.
     std::optional<ObservedSpectrum> m_observed;

@@ -177,6 +177,15 @@ TEST(SpectrumFailure, ScanThatIsNotThereIsNamed)
     EXPECT_NE(run.standardError.find("'7'"), std::string::npos);
 }
 
+TEST(SpectrumFailure, MissingScanOfOnePeptideIsToBeNamedByItsOption)
+{
+    QTemporaryDir folder;
+    writeFile(folder.filePath("run.mgf"), "BEGIN IONS\n1 2\nEND IONS\nBEGIN IONS\n1 2\nEND IONS\n");
+    const ProgramRun run = runZav({"spectrum", "PEPTIDE", "2", "--against", "run.mgf"}, {}, folder.path());
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.standardError, "zav: run.mgf: holds 2 MS2 spectra: choose one with --scan\n");
+}
+
 TEST(SpectrumFailure, FolderWithoutNetworksIsNamed)
 {
     QTemporaryDir empty;
