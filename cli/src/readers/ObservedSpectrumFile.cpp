@@ -38,7 +38,7 @@ public:
 
     QList<int> spectraNamed(const QString &scan) const
     {
-        const QList<int> byName = m_byName.value(scan);
+        QList<int> byName = m_byName.value(scan);
         if (!byName.isEmpty())
             return byName;
         if (scan.startsWith(QLatin1String(INDEX_PREFIX)))

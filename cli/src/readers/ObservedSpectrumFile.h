@@ -38,6 +38,9 @@ public:
 
     ~ObservedSpectra();
 
+    ObservedSpectra(const ObservedSpectra &) = delete;
+    ObservedSpectra &operator=(const ObservedSpectra &) = delete;
+
     /// Why the scan of a number, counted from 0, names no spectrum that could be read. No error where it names one.
     Error problem(qsizetype number) const { return m_places[number].error(); }
 
