@@ -106,10 +106,9 @@ bool LibraryCommand::isMadeAlready() const
 
 Error LibraryCommand::makeLibrary()
 {
-    if (Error error =
-            inTurn(this, {&LibraryCommand::openOutputs, &LibraryCommand::digest, &LibraryCommand::countPeptidoforms,
-                          &LibraryCommand::calibrate, &LibraryCommand::loadNetworks, &LibraryCommand::predictAll,
-                          &LibraryCommand::finishOutputs});
+    if (Error error = inTurn(this, {&LibraryCommand::openOutputs, &LibraryCommand::calibrate, &LibraryCommand::digest,
+                                    &LibraryCommand::countPeptidoforms, &LibraryCommand::loadNetworks,
+                                    &LibraryCommand::predictAll, &LibraryCommand::finishOutputs});
         error.hasError())
         return error;
     tellTotals();

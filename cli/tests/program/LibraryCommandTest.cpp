@@ -132,6 +132,15 @@ TEST_F(LibraryCommand, RetentionTimesAreFittedToARunOrLeftOut)
     EXPECT_NE(m_files.read("none.msp"), m_files.read("some.msp"));
 }
 
+TEST_F(LibraryCommand, TimesThatCannotBeFittedAreToldBeforeTheProteinsAreRead)
+{
+    m_files.write("few.tsv", "peptide\trt\nPEPTIDEK\t1\n");
+    m_files.write("broken.fasta", "no protein\n");
+    EXPECT_EQ(run({"broken.fasta", "-o", "lib.tsv", "--calibrate", "few.tsv"}, 1).standardError,
+              "zav: cannot calibrate with few.tsv: A calibration needs 10 pairs that can be predicted, not 1\n");
+    EXPECT_EQ(fileNames(), (QStringList{"broken.fasta", "few.tsv", "p.fasta"}));
+}
+
 TEST_F(LibraryCommand, EnergyChangesTheSpectraAndStandsInTheManifest)
 {
     const QByteArray usual = library("a.tsv", {"p.fasta", "--charges", "2"});
