@@ -76,14 +76,15 @@ Result<LibraryShard> LibraryShard::ofSlurmTask()
         return LibraryShard();
     const int lowest = environmentNumber("SLURM_ARRAY_TASK_MIN").value_or(1);
     const int step = std::max(1, environmentNumber("SLURM_ARRAY_TASK_STEP").value_or(1));
-    const LibraryShard shard{(*id - lowest) / step + 1, *count};
-    if (shard.number < 1 || shard.number > shard.count || (*id - lowest) % step != 0)
+    const qint64 distance = qint64(*id) - lowest;
+    const qint64 number = distance / step + 1;
+    if (distance < 0 || distance % step != 0 || number > *count || *count > HIGHEST_COUNT)
         return Error(InvalidInput, QStringLiteral("cannot tell the shard from task %1 of a Slurm array of %2 tasks "
                                                   "starting at %3; use --shard")
                                        .arg(*id)
                                        .arg(*count)
                                        .arg(lowest));
-    return shard;
+    return LibraryShard{static_cast<int>(number), *count};
 }
 
 } // namespace zav

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace zav {
 namespace {
 
@@ -102,6 +104,16 @@ TEST_F(SlurmShard, RefusesTasksThatDoNotFollowOneAnother)
     EXPECT_TRUE(LibraryShard::ofSlurmTask().error().message().contains("--shard"));
     set({6, 4, 0, 4});
     EXPECT_TRUE(LibraryShard::ofSlurmTask().hasError());
+}
+
+TEST_F(SlurmShard, RefusesNumbersFarOutsideOfAnArray)
+{
+    constexpr int LOWEST = std::numeric_limits<int>::min();
+    constexpr int HIGHEST = std::numeric_limits<int>::max();
+    for (const auto &values : {std::initializer_list<int>{HIGHEST, 4, LOWEST}, {LOWEST, 4, HIGHEST}, {2, HIGHEST, 1}}) {
+        set(values);
+        EXPECT_TRUE(LibraryShard::ofSlurmTask().hasError()) << *values.begin();
+    }
 }
 
 TEST(ChargeList, TakesListsAndRangesInAnyOrder)
