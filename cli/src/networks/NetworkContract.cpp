@@ -9,6 +9,9 @@
 #include <QtCore/QFile>
 #include <QtCore/QStringList>
 
+#include <cmath>
+#include <limits>
+
 namespace zav {
 
 namespace {
@@ -23,10 +26,20 @@ QString textField(const Json &object, const char *name)
     return field != object.end() && field->is_string() ? QString::fromStdString(field->get<std::string>()) : QString();
 }
 
+/// 0 where it is no number that an int holds.
+int numberOf(const Json &value)
+{
+    if (!value.is_number_integer())
+        return 0;
+    // Compared as a floating-point number, in which large unsigned ones do not turn negative.
+    const auto size = value.get<double>();
+    return std::abs(size) <= std::numeric_limits<int>::max() ? value.get<int>() : 0;
+}
+
 int numberField(const Json &object, const char *name)
 {
     const auto field = object.find(name);
-    return field != object.end() && field->is_number_integer() ? field->get<int>() : 0;
+    return field != object.end() ? numberOf(*field) : 0;
 }
 
 QList<int> shapeField(const Json &object, const char *name)
@@ -36,7 +49,7 @@ QList<int> shapeField(const Json &object, const char *name)
     if (field == object.end() || !field->is_array())
         return shape;
     for (const Json &size : *field)
-        shape.append(size.is_number_integer() ? size.get<int>() : 0);
+        shape.append(numberOf(size));
     return shape;
 }
 

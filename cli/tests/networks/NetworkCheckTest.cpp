@@ -72,6 +72,16 @@ TEST_F(CheckedNetwork, ContractWithoutEndIsNotReadToItsEnd)
     EXPECT_EQ(problem(), "cannot load n.pb: " + path("n.json") + " is not the contract of a network" + HINT);
 }
 
+TEST_F(CheckedNetwork, NumbersOfAContractThatNoIntHoldsCountForNothing)
+{
+    write("n.json", "{\"kind\": \"msms\", \"charge\": 4294967298, \"maxPointCount\": -9223372036854775808,"
+                    " \"inputShape\": [18446744073709551615, -1, 21]}");
+    const NetworkContract contract = readNetworkContract(path("n.json")).value();
+    EXPECT_EQ(contract.charge, 0);
+    EXPECT_EQ(contract.maxPointCount, 0);
+    EXPECT_EQ(contract.inputShape, (QList<int>{0, -1, 21}));
+}
+
 TEST_F(CheckedNetwork, ContractThatIsMissingOrSaysNothingIsRefused)
 {
     m_graph.noOp("init");
