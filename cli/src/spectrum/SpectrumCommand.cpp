@@ -313,7 +313,8 @@ Error SpectrumCommand::draw()
 
 void SpectrumCommand::reportFailure(const PeptideListRow &row, const Error &error)
 {
-    const QString name = displayName(row.precursor);
+    const bool hasCharge = row.precursor.charge != 0 || row.problem.isEmpty();
+    const QString name = hasCharge ? displayName(row.precursor) : displayText(row.precursor.peptide);
     const QString line = QStringLiteral("%1:%2: ").arg(inputName(m_options.peptideList)).arg(row.line);
     fail(error, isList() ? line + name : name);
 }

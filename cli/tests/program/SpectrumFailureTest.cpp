@@ -142,7 +142,7 @@ TEST(SpectrumFailure, ListGoesOnPastEachPeptideThatFails)
     EXPECT_EQ(
         run.standardError,
         "zav: list.tsv:2: PEPTIDEX/2: unknown residue 'X' at position 8; only the 20 standard residues are predicted\n"
-        "zav: list.tsv:3: SAMPLER/0: charge 'many' is not a whole number\n"
+        "zav: list.tsv:3: SAMPLER: charge 'many' is not a whole number\n"
         "zav: list.tsv:4: SAMPLER/9: charge 9 is not predicted, only 1 to 5\n"
         "zav: 3 of 5 precursors could not be predicted\n");
     EXPECT_EQ(QString::fromStdString(run.standardOutput).count("TITLE="), 2);
