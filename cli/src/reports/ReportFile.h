@@ -28,7 +28,7 @@ public:
     ReportFile(const QString &path, ReportKind kind, const nlohmann::ordered_json &heading);
 
     /// Adds what the table says of an entry, a JSON object, and what its picture needs, in the form that the page reads
-    /// (`packedTrace`, `packedJson`). The error is one of writing.
+    /// (`packedPoints`, `packedJson`). The error is one of writing.
     Error add(nlohmann::ordered_json entry, const QByteArray &bytes);
 
     /// Completes the file; nothing may be added afterwards.

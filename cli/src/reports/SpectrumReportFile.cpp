@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpectrumReportFile.h"
 
-#include "PackedTrace.h"
+#include "PackedPoints.h"
 #include "PrintableText.h"
 
 #include <nlohmann/json.hpp>
@@ -80,7 +80,7 @@ Error SpectrumReportFile::add(const ReportedSpectrum &spectrum)
     const QList<QPointF> observed = reportedPoints(spectrum.observed);
     if (observed.size() < spectrum.observed.size())
         object["thinned"] = true;
-    return m_file.add(std::move(object), packedTrace(observed) + packedJson(ionsOf(spectrum)));
+    return m_file.add(std::move(object), packedPoints(observed) + packedJson(ionsOf(spectrum)));
 }
 
 } // namespace zav

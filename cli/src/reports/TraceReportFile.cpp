@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TraceReportFile.h"
 
-#include "PackedTrace.h"
+#include "PackedPoints.h"
 #include "PrintableText.h"
 
 #include <nlohmann/json.hpp>
@@ -111,10 +111,10 @@ Error TraceReportFile::add(const ReportEntry &entry)
     QByteArray points;
     if (!entry.consensus.isEmpty()) {
         object["hasConsensus"] = true;
-        points += packedTrace(reportedPoints(entry.consensus));
+        points += packedPoints(reportedPoints(entry.consensus));
     }
     for (const ReportTrace &trace : entry.traces)
-        points += packedTrace(reportedPoints(trace.points));
+        points += packedPoints(reportedPoints(trace.points));
     return m_file.add(std::move(object), points);
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TraceReportFile.h"
-#include "PackedTrace.h"
+#include "PackedPoints.h"
 #include "ReportText.h"
 #include "TemporaryFiles.h"
 

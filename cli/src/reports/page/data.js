@@ -58,17 +58,17 @@ class EntryReader {
     this.place = place;
   }
 
-  /** A packed trace. */
+  /** The points of a trace, or the peaks of a spectrum with their m/z as x. */
   readPoints() {
     const count = this.view.getUint32(this.place, true);
     const start = this.view.getFloat64(this.place + 4, true);
     const factor = this.view.getFloat64(this.place + 12, true);
     this.place += 20;
-    const times = this.readFloats(count);
+    const distances = this.readFloats(count);
     const intensities = this.readFloats(count);
     return {
       count,
-      time: (i) => start + times.getFloat32(4 * i, true),
+      x: (i) => start + distances.getFloat32(4 * i, true),
       intensity: (i) => factor * intensities.getFloat32(4 * i, true),
     };
   }

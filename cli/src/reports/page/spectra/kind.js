@@ -100,7 +100,7 @@ class SpectrumReport {
       ({ mz, intensity, name, observedMz, observedIntensity, style: ION_STYLES[name[0]] ?? OTHER_ION_STYLE }));
     const observed = [];
     for (let i = 0; i < points.count; ++i)
-      observed.push({ mz: points.time(i), intensity: points.intensity(i) });
+      observed.push({ mz: points.x(i), intensity: points.intensity(i) });
     const most = largest(observed.map(({ intensity }) => intensity), 0) || 1;
     for (const peak of observed)
       peak.share = peak.intensity / most;

@@ -7,10 +7,10 @@ const LABEL_WIDTH = 52; // pixels that a label needs
 /** `model`: timeUnit, intensityUnit, isGroup, series ({points, name, style}), peaks and splits as in the data. */
 class TracePicture extends Plot {
   ranges() {
-    let [from, to] = this.view ?? wholeRange(this.model.series, "time");
+    let [from, to] = this.view ?? wholeRange(this.model.series, "x");
     if (from === to)
       [from, to] = [from - 0.5, to + 0.5];
-    const isInView = (points, i) => points.time(i) >= from && points.time(i) <= to;
+    const isInView = (points, i) => points.x(i) >= from && points.x(i) <= to;
     let [low, high] = wholeRange(this.model.series, "intensity", isInView);
     low = Math.min(0, low);
     high = high > low ? high : low + 1;
@@ -96,7 +96,7 @@ class TracePicture extends Plot {
     };
     for (let i = 0; i < points.count; ++i) {
       const value = points.intensity(i);
-      const x = round(this.x(points.time(i)));
+      const x = round(this.x(points.x(i)));
       if (!Number.isFinite(value) || !Number.isFinite(x)) {
         flush();
         isBroken = true;
@@ -120,13 +120,13 @@ class TracePicture extends Plot {
     const { points } = this.model.series[0];
     const within = {
       list: [],
-      time: (i) => points.time(within.list[i]),
+      x: (i) => points.x(within.list[i]),
       intensity: (i) => points.intensity(within.list[i]),
     };
     // The times of the points are rounded to single precision.
-    const slack = points.count ? 1e-6 * Math.abs(points.time(points.count - 1) - points.time(0)) : 0;
+    const slack = points.count ? 1e-6 * Math.abs(points.x(points.count - 1) - points.x(0)) : 0;
     for (let i = 0; i < points.count; ++i) {
-      if (points.time(i) >= start - slack && points.time(i) <= end + slack)
+      if (points.x(i) >= start - slack && points.x(i) <= end + slack)
         within.list.push(i);
     }
     within.count = within.list.length;
@@ -140,7 +140,7 @@ class TracePicture extends Plot {
     const nearest = nearestPoint(first, time);
     if (nearest < 0)
       return "";
-    const when = this.xText(first.time(nearest)) + (timeUnit ? ` ${timeUnit}` : "");
+    const when = this.xText(first.x(nearest)) + (timeUnit ? ` ${timeUnit}` : "");
     const where = series.length > 1 ? ` in ${series[0].name}` : "";
     return `${when}: ${amountText(first.intensity(nearest))}${where}`;
   }
@@ -167,7 +167,7 @@ function nearestPoint(points, time) {
   let nearest = -1;
   let distance = Infinity;
   for (let i = 0; i < points.count; ++i) {
-    const d = Math.abs(points.time(i) - time);
+    const d = Math.abs(points.x(i) - time);
     if (d < distance)
       [nearest, distance] = [i, d];
   }

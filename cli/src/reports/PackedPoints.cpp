@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PackedTrace.h"
+#include "PackedPoints.h"
 
 #include <QtCore/QtEndian>
 
@@ -83,21 +83,21 @@ QList<QPointF> reportedPoints(const QList<QPointF> &points)
     return outline;
 }
 
-QByteArray packedTrace(const QList<QPointF> &points)
+QByteArray packedPoints(const QList<QPointF> &points)
 {
     const double start = points.isEmpty() ? 0 : points.first().x();
     const double factor = factorOf(points);
-    QList<float> times;
+    QList<float> distances;
     QList<float> intensities;
     for (const QPointF &point : points) {
-        times.append(single(point.x() - start));
+        distances.append(single(point.x() - start));
         intensities.append(single(point.y() / factor));
     }
     QByteArray bytes;
     append(static_cast<quint32>(points.size()), &bytes);
     append(start, &bytes);
     append(factor, &bytes);
-    append(times, &bytes);
+    append(distances, &bytes);
     append(intensities, &bytes);
     return bytes;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PackedTrace.h"
+#include "PackedPoints.h"
 #include "ReportText.h"
 
 #include <gtest/gtest.h>
@@ -14,36 +14,36 @@ namespace {
 QList<QPointF> readBack(const QList<QPointF> &points)
 {
     qsizetype place = 0;
-    const QByteArray bytes = packedTrace(points);
+    const QByteArray bytes = packedPoints(points);
     const QList<QPointF> read = ReportText::readPoints(bytes, &place);
     EXPECT_EQ(place, bytes.size());
     return read;
 }
 
-TEST(PackedTrace, BytesStandByRank)
+TEST(PackedPoints, BytesStandByRank)
 {
     // 10 and 1 are 0x4024000000000000 and 0x3ff0000000000000; 0, 0.5, 1 and 3 are 0, 0x3f000000, 0x3f800000,
     // 0x40400000.
-    EXPECT_EQ(packedTrace({{10, 1}, {10.5, 3}}).toHex(), "02000000"
-                                                         "0000000000002440"
-                                                         "000000000000f03f"
-                                                         "0000"
-                                                         "0000"
-                                                         "0000"
-                                                         "003f"
-                                                         "0000"
-                                                         "0000"
-                                                         "8040"
-                                                         "3f40");
+    EXPECT_EQ(packedPoints({{10, 1}, {10.5, 3}}).toHex(), "02000000"
+                                                          "0000000000002440"
+                                                          "000000000000f03f"
+                                                          "0000"
+                                                          "0000"
+                                                          "0000"
+                                                          "003f"
+                                                          "0000"
+                                                          "0000"
+                                                          "8040"
+                                                          "3f40");
 }
 
-TEST(PackedTrace, NothingIsAHeadingOnly)
+TEST(PackedPoints, NothingIsAHeadingOnly)
 {
-    EXPECT_EQ(packedTrace({}).size(), 20);
+    EXPECT_EQ(packedPoints({}).size(), 20);
     EXPECT_TRUE(readBack({}).isEmpty());
 }
 
-TEST(PackedTrace, TimesAreExactToAMillionthOfTheirRange)
+TEST(PackedPoints, PlacesAreExactToAMillionthOfTheirRange)
 {
     QList<QPointF> points;
     for (int i = 0; i < 1000; ++i)
@@ -56,7 +56,7 @@ TEST(PackedTrace, TimesAreExactToAMillionthOfTheirRange)
     }
 }
 
-TEST(PackedTrace, IntensitiesBeyondSinglePrecisionKeepTheirDigits)
+TEST(PackedPoints, IntensitiesBeyondSinglePrecisionKeepTheirDigits)
 {
     const QList<QPointF> read = readBack({{1, 1.5e300}, {2, -3e299}, {3, 0}});
     ASSERT_EQ(read.size(), 3);
@@ -69,7 +69,7 @@ TEST(PackedTrace, IntensitiesBeyondSinglePrecisionKeepTheirDigits)
     EXPECT_EQ(readBack({{0, limit}})[0].y(), limit);
 }
 
-TEST(PackedTrace, TimesBeyondSinglePrecisionAreNoNumbersToDraw)
+TEST(PackedPoints, PlacesBeyondSinglePrecisionAreNoNumbersToDraw)
 {
     const QList<QPointF> read = readBack({{-1e308, 1}, {1e308, 2}, {1e50, 3}});
     ASSERT_EQ(read.size(), 3);
@@ -77,7 +77,7 @@ TEST(PackedTrace, TimesBeyondSinglePrecisionAreNoNumbersToDraw)
     EXPECT_TRUE(std::isinf(read[2].x()));
 }
 
-TEST(PackedTrace, LongTraceKeepsWhatAPictureShows)
+TEST(PackedPoints, LongTraceKeepsWhatAPictureShows)
 {
     QList<QPointF> points;
     for (int i = 0; i < 1000000; ++i)
