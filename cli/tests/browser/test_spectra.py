@@ -91,6 +91,33 @@ def test_filters_sorts_and_tells_failures(browser, own):
     assert page.problems() == []
 
 
+def test_lists_the_highest_peaks_that_nothing_explains(browser, workplace, predicted, own):
+    page = Page(browser, own)
+    page.wait_for_picture()
+    table = """[...document.querySelectorAll('[aria-label="measured peaks, not explained"] tbody tr')]
+               .map((row) => [...row.cells].map((cell) => Number(cell.textContent)))"""
+    assert page.script(f"return {table}") == []
+    page.keys("j", "j", "j")
+    assert "ELVISLIVESR" in page.text("#name")
+    header, *rows = workplace.rows("own")
+    scores = dict(zip(header, rows[3]))
+    peaks = page.script(f"return {table}")
+    count = int(scores["observed_peaks"]) - int(scores["explained_peaks"])
+    assert len(peaks) == min(count, 20)
+    assert [share for _, share in peaks] == sorted((share for _, share in peaks), reverse=True)
+    lines = predicted.read_text(encoding="utf-8").split("BEGIN IONS")[1].splitlines()
+    measured = {float(line.split()[0]): float(line.split()[1]) for line in lines if line[:1].isdigit()}
+    most = max(measured.values())
+    for mz, share in peaks:
+        nearest = min(measured, key=lambda each: abs(each - mz))
+        assert mz == pytest.approx(nearest, abs=1e-3)
+        assert share == pytest.approx(measured[nearest] / most, abs=1e-3)
+    explained = [float(cell) for cell in page.script("""return [...document.querySelectorAll(
+        '[aria-label="predicted peaks"] tbody tr')].map((row) => row.cells[3].textContent).filter(Boolean)""")]
+    assert len(explained) == int(scores["explained_peaks"])
+    assert not any(abs(mz - each) < 2e-3 for mz, _ in peaks for each in explained)
+
+
 @pytest.mark.parametrize("scheme", ["light", "dark"])
 def test_mirror_of_a_real_spectrum(browser, workplace, scheme):
     run = DATA / f"{MEASURED}.mzML"

@@ -2,6 +2,7 @@
 // What the page says of measured spectra, each with the prediction for the peptide that it is held to be of.
 
 const MOST_IONS = 300; // in the table below the picture
+const MOST_UNEXPLAINED = 20; // in the table below that
 const ION_STYLES = { b: "series-0", y: "series-1" };
 const OTHER_ION_STYLE = "series-2";
 
@@ -140,7 +141,25 @@ class SpectrumReport {
     });
     const more = model.ions.length - MOST_IONS;
     const table = numberTable("predicted peaks", titles, rows);
-    return more > 0 ? [table, make("p", {}, `and ${more} more`)] : [table];
+    const unexplained = this.unexplained(model);
+    return more > 0 ? [table, make("p", {}, `and ${more} more`), ...unexplained] : [table, ...unexplained];
+  }
+
+  /** The highest of the measured peaks that no ion explains. */
+  unexplained({ observed, ions }) {
+    const explained = explainedPeaks(observed, ions);
+    const others = observed.filter((peak) => !explained.has(peak)).sort((a, b) => b.share - a.share);
+    if (!others.length)
+      return [];
+    const rows = others.slice(0, MOST_UNEXPLAINED).map(({ mz, share }) => {
+      const row = make("tr");
+      row.append(make("th", { scope: "row", class: "number" }, mz.toFixed(3)),
+        make("td", { class: "number" }, share.toFixed(3)));
+      return row;
+    });
+    const which = others.length > rows.length ? `the ${rows.length} highest of ${others.length} ` : "";
+    const table = numberTable("measured peaks, not explained", ["measured m/z", "measured intensity"], rows);
+    return [make("p", {}, `Not explained: ${which}measured peaks`), table];
   }
 
   /** A line for each spectrum, with its mark and note. */
@@ -155,6 +174,22 @@ class SpectrumReport {
     }
     return lines;
   }
+}
+
+/** The measured peaks, which ascend in m/z, that ions are paired with. Their m/z are rounded, those of the pairs not. */
+function explainedPeaks(observed, ions) {
+  const explained = new Set();
+  const slack = observed.length ? 1e-6 * (observed.at(-1).mz - observed[0].mz) : 0;
+  const seen = ions.map(({ observedMz }) => observedMz).filter((mz) => mz !== undefined).sort((a, b) => a - b);
+  let i = 0;
+  for (const mz of seen) {
+    const distance = (k) => Math.abs(observed[k].mz - mz);
+    while (i + 1 < observed.length && distance(i + 1) <= distance(i))
+      ++i;
+    if (observed.length && distance(i) <= slack)
+      explained.add(observed[i]);
+  }
+  return explained;
 }
 
 /** With one decimal, and no minus in front of 0. */
