@@ -37,12 +37,13 @@ inline Reading readSpectra(const QString &path)
     const auto partOf = [&file](int index) {
         const SpectrumIdentity identity = file.identity(index);
         const Result<int> level = file.msLevel(index);
-        const Result<ObservedSpectrum> spectrum = file.spectrum(index);
-        if (!spectrum.hasError())
-            requirePeaks(spectrum.value().peaks);
-        require(spectrum.hasError() == !spectrum.error().message().isEmpty(), "a broken spectrum says why");
+        const Result<SpectrumOutcome> outcome = file.spectrum(index);
+        const Error problem = outcome.hasError() ? outcome.error() : outcome.value().problem;
+        require(problem.hasError() == !problem.message().isEmpty(), "a broken spectrum says why");
+        if (!problem.hasError())
+            requirePeaks(outcome.value().spectrum.peaks);
         return bits(identity.name, identity.scanNumber, level.hasError() ? -1 : level.value(), level.error().message(),
-                    spectrum.hasError() ? QByteArray() : bitsOf(spectrum.value()), spectrum.error().message());
+                    problem.hasError() ? QByteArray() : bitsOf(outcome.value().spectrum), problem.message());
     };
     const int count = std::min(file.spectrumCount(), 1000);
     for (int i = 0; i < count; ++i)

@@ -141,10 +141,8 @@ QList<Result<int>> chooseSpectra(SpectrumFile *file, const QString &path, const 
     return chosen;
 }
 
-template <typename T>
-Error caughtAt(const Result<T> &result, const char *function, int line)
+Error caughtAt(Error error, const char *function, int line)
 {
-    Error error = result.error();
     return error.ecatch(function, SOURCE_FILE, line);
 }
 
@@ -154,11 +152,13 @@ Result<ObservedSpectrum> readObservedSpectrum(const QString &path, const QString
 {
     const Result<std::unique_ptr<ObservedSpectra>> spectra = ObservedSpectra::open(path, {scan}, SpectraToRead::One);
     if (spectra.hasError())
-        return caughtAt(spectra, Q_FUNC_INFO, __LINE__);
-    Result<ObservedSpectrum> spectrum = spectra.value()->read(0);
-    if (spectrum.hasError())
-        return caughtAt(spectrum, Q_FUNC_INFO, __LINE__);
-    return spectrum;
+        return caughtAt(spectra.error(), Q_FUNC_INFO, __LINE__);
+    const Result<SpectrumOutcome> outcome = spectra.value()->read(0);
+    if (outcome.hasError())
+        return caughtAt(outcome.error(), Q_FUNC_INFO, __LINE__);
+    if (outcome.value().problem.hasError())
+        return caughtAt(outcome.value().problem, Q_FUNC_INFO, __LINE__);
+    return outcome.value().spectrum;
 }
 
 ObservedSpectra::ObservedSpectra(std::unique_ptr<SpectrumFile> file) : m_file(std::move(file)) {}
@@ -170,7 +170,7 @@ Result<std::unique_ptr<ObservedSpectra>> ObservedSpectra::open(const QString &pa
 {
     Result<std::unique_ptr<SpectrumFile>> file = openSpectrumFile(path, wanted);
     if (file.hasError())
-        return caughtAt(file, Q_FUNC_INFO, __LINE__);
+        return caughtAt(file.error(), Q_FUNC_INFO, __LINE__);
     std::unique_ptr<ObservedSpectra> spectra(new ObservedSpectra(std::move(file).value()));
     if (spectra->m_file->spectrumCount() == 0)
         return cannotRead(inputName(path), QStringLiteral("it holds no spectrum"));
@@ -178,15 +178,15 @@ Result<std::unique_ptr<ObservedSpectra>> ObservedSpectra::open(const QString &pa
     return spectra;
 }
 
-Result<ObservedSpectrum> ObservedSpectra::read(qsizetype number) const
+Result<SpectrumOutcome> ObservedSpectra::read(qsizetype number) const
 {
     const Result<int> &place = m_places[number];
     if (place.hasError())
-        return caughtAt(place, Q_FUNC_INFO, __LINE__);
-    Result<ObservedSpectrum> spectrum = m_file->spectrum(place.value());
-    if (spectrum.hasError())
-        return caughtAt(spectrum, Q_FUNC_INFO, __LINE__);
-    return spectrum;
+        return SpectrumOutcome{{}, place.error()};
+    Result<SpectrumOutcome> outcome = m_file->spectrum(place.value());
+    if (outcome.hasError())
+        return caughtAt(outcome.error(), Q_FUNC_INFO, __LINE__);
+    return outcome;
 }
 
 } // namespace zav

@@ -44,8 +44,9 @@ public:
     /// Why the scan of a number, counted from 0, names no spectrum that could be read. No error where it names one.
     Error problem(qsizetype number) const { return m_places[number].error(); }
 
-    /// The spectrum of the scan of a number. A failure leaves the object usable for other spectra.
-    Result<ObservedSpectrum> read(qsizetype number) const;
+    /// The spectrum of the scan of a number, or why there is none. The error is one of the file, such as a disk that
+    /// fails.
+    Result<SpectrumOutcome> read(qsizetype number) const;
 
 private:
     friend Result<ObservedSpectrum> readObservedSpectrum(const QString &path, const QString &scan);

@@ -58,7 +58,7 @@ public:
     int spectrumCount() const override { return static_cast<int>(m_blocks.size()); }
     SpectrumIdentity identity(int index) const override { return m_blocks[index].identity; }
     Result<int> msLevel(int index) override { return m_blocks[index].msLevel; }
-    Result<ObservedSpectrum> spectrum(int index) override;
+    Result<SpectrumOutcome> spectrum(int index) override;
 
 private:
     struct Block
@@ -133,7 +133,7 @@ Error MgfFile::readHeader(Block *block, QByteArrayView line) const
     return {};
 }
 
-Result<ObservedSpectrum> MgfFile::spectrum(int index)
+Result<SpectrumOutcome> MgfFile::spectrum(int index)
 {
     const Block &block = m_blocks[index];
     if (Error error = m_lines->seek(block.place); error.hasError())
@@ -146,13 +146,13 @@ Result<ObservedSpectrum> MgfFile::spectrum(int index)
             continue;
         const auto peak = parsePeakLine(line());
         if (!peak)
-            return m_lines->errorHere(QStringLiteral("expected m/z and intensity"));
+            return SpectrumOutcome{{}, m_lines->errorHere(QStringLiteral("expected m/z and intensity"))};
         spectrum.peaks.append(*peak);
     }
     if (m_lines->error().hasError())
         return m_lines->error();
     tidyPeaks(&spectrum.peaks);
-    return spectrum;
+    return SpectrumOutcome{spectrum, {}};
 }
 
 class PeakTableFile : public SpectrumFile
@@ -163,7 +163,7 @@ public:
     int spectrumCount() const override { return 1; }
     SpectrumIdentity identity(int) const override { return {m_spectrum.title, -1}; }
     Result<int> msLevel(int) override { return 2; }
-    Result<ObservedSpectrum> spectrum(int) override { return m_spectrum; }
+    Result<SpectrumOutcome> spectrum(int) override { return SpectrumOutcome{m_spectrum, {}}; }
 
 private:
     ObservedSpectrum m_spectrum;

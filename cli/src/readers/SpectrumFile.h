@@ -21,10 +21,17 @@ struct SpectrumIdentity
     int scanNumber = -1; ///< -1 where the file has none
 };
 
+/// What became of one spectrum of a file that could be read.
+struct SpectrumOutcome
+{
+    ObservedSpectrum spectrum;
+    Error problem; ///< why there is no spectrum: it is damaged, which says nothing of the others
+};
+
 /// The spectra of one open file, in the file's order, read one at a time: memory does not grow with the peaks of the
 /// file. One thread at a time per object.
 ///
-/// `index` counts from 0 and is below `spectrumCount()`. A failure leaves the object usable for other spectra.
+/// `index` counts from 0 and is below `spectrumCount()`. A problem of one spectrum leaves the object usable for others.
 class SpectrumFile
 {
 public:
@@ -38,7 +45,8 @@ public:
     /// 1 for a survey spectrum, 2 for MS/MS and so on; 0 where the file does not say. Reads the spectrum's header.
     virtual Result<int> msLevel(int index) = 0;
 
-    virtual Result<ObservedSpectrum> spectrum(int index) = 0;
+    /// The error is one of the file, such as a disk that fails.
+    virtual Result<SpectrumOutcome> spectrum(int index) = 0;
 };
 
 /// How many of a file's spectra are going to be read: with `Many`, gzipped content is copied, so that each is found

@@ -151,7 +151,7 @@ Error SpectrumCommand::predictAll()
     return {};
 }
 
-/// The error is one of writing.
+/// The error is one of writing, or of the file of measured spectra.
 Error SpectrumCommand::predictBlock(qsizetype first, qsizetype end)
 {
     QList<Precursor> precursors;
@@ -184,7 +184,7 @@ void SpectrumCommand::noteRemarks()
     }
 }
 
-/// The error is one of writing.
+/// The error is one of writing, or of the file of measured spectra.
 Error SpectrumCommand::accept(qsizetype number, const Result<PredictedSpectrum> &outcome)
 {
     if (outcome.hasError()) {
@@ -241,7 +241,7 @@ Error SpectrumCommand::openRun()
     return m_run->problem(0);
 }
 
-/// The error is one of writing.
+/// The error is one of writing, or of the file of measured spectra.
 Error SpectrumCommand::compare(qsizetype number, const Result<PredictedSpectrum> &outcome)
 {
     if (!m_comparisons)
@@ -255,7 +255,11 @@ Error SpectrumCommand::compare(qsizetype number, const Result<PredictedSpectrum>
         return m_comparisons->add(compared);
     }
     compared.predicted = outcome.value();
-    compareWith(isList() ? m_run->read(number) : Result<ObservedSpectrum>(*m_observed), &compared);
+    const Result<SpectrumOutcome> observed =
+        isList() ? m_run->read(number) : Result<SpectrumOutcome>(SpectrumOutcome{*m_observed, {}});
+    if (observed.hasError())
+        return observed.error();
+    compareWith(observed.value(), &compared);
     if (!compared.problem.isEmpty()) {
         ++m_notCompared;
         reportFailure(row, Error(Failure, compared.problem));
@@ -265,13 +269,13 @@ Error SpectrumCommand::compare(qsizetype number, const Result<PredictedSpectrum>
     return m_comparisons->add(compared);
 }
 
-void SpectrumCommand::compareWith(const Result<ObservedSpectrum> &observed, ComparedSpectrum *compared)
+void SpectrumCommand::compareWith(const SpectrumOutcome &observed, ComparedSpectrum *compared)
 {
-    if (observed.hasError()) {
-        compared->problem = observed.error().message();
+    if (observed.problem.hasError()) {
+        compared->problem = observed.problem.message();
         return;
     }
-    compared->observed = observed.value();
+    compared->observed = observed.spectrum;
     compared->comparison = compareSpectra(*compared->predicted, *compared->observed, m_options.tolerance);
 }
 

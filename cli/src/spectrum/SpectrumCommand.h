@@ -38,7 +38,7 @@ private:
     Error readObserved();
     Error openRun();
     Error compare(qsizetype number, const Result<PredictedSpectrum> &outcome);
-    void compareWith(const Result<ObservedSpectrum> &observed, ComparedSpectrum *compared);
+    void compareWith(const SpectrumOutcome &observed, ComparedSpectrum *compared);
     Error showComparisons();
     Error draw();
     void reportFailure(const PeptideListRow &row, const Error &error);

@@ -109,15 +109,26 @@ TEST_F(MzMlReader, ManyScansOfOneFileAreEachTheirOwn)
         ASSERT_FALSE(spectra.hasError()) << files.withoutFolder(spectra.error().message());
         QList<double> mzs;
         for (qsizetype i = 0; i < scans.size(); ++i) {
-            const auto spectrum = spectra.value()->read(i);
-            EXPECT_EQ(spectrum.error().message(), spectra.value()->problem(i).message());
+            const SpectrumOutcome outcome = spectra.value()->read(i).value();
+            EXPECT_EQ(outcome.problem.message(), spectra.value()->problem(i).message());
             if (!scans[i].isEmpty()) {
-                EXPECT_EQ(spectrum.error().message(), readObservedSpectrum(path, scans[i]).error().message());
+                EXPECT_EQ(outcome.problem.message(), readObservedSpectrum(path, scans[i]).error().message());
             }
-            mzs.append(spectrum.hasError() ? 0 : spectrum.value().peaks.constFirst().x());
+            mzs.append(outcome.problem.hasError() ? 0 : outcome.spectrum.peaks.constFirst().x());
         }
         EXPECT_EQ(mzs, (QList<double>{3, 2, 0, 0, 0, 1, 0, 3}));
     }
+}
+
+TEST_F(MzMlReader, FileThatFailsIsNoProblemOfOneSpectrum)
+{
+    const QString path = files.write("a.mzML", mzMl(RUN));
+    const auto spectra = ObservedSpectra::open(path, {"13", "99"});
+    ASSERT_FALSE(spectra.hasError());
+    QFile file(path);
+    ASSERT_TRUE(file.resize(0));
+    EXPECT_TRUE(spectra.value()->read(0).error().message().startsWith("cannot read "));
+    EXPECT_TRUE(spectra.value()->read(1).value().problem.message().contains("has no spectrum '99'"));
 }
 
 TEST_F(MzMlReader, ScanThatCannotBeUsedIsRefused)
@@ -171,9 +182,10 @@ TEST_F(MzMlReader, TagWithoutAQuoteIsNotDecoded)
     const auto file = openSpectrumFile(files.write("a.mzML", content));
     ASSERT_FALSE(file.hasError()) << file.error().message().toStdString();
     for (int time = 0; time < 2; ++time) {
-        EXPECT_EQ(message(file.value()->spectrum(0)), "a.mzML: spectrum 'scan=7': it holds a tag that is not XML");
-        EXPECT_EQ(file.value()->msLevel(0).error().message(), file.value()->spectrum(0).error().message());
-        EXPECT_EQ(file.value()->spectrum(1).value().peaks, TWO_PEAKS);
+        const Error problem = file.value()->spectrum(0).value().problem;
+        EXPECT_EQ(files.withoutFolder(problem.message()), "a.mzML: spectrum 'scan=7': it holds a tag that is not XML");
+        EXPECT_EQ(file.value()->msLevel(0).error().message(), problem.message());
+        EXPECT_EQ(file.value()->spectrum(1).value().spectrum.peaks, TWO_PEAKS);
     }
 }
 

@@ -137,11 +137,11 @@ TEST_F(PeakTextReader, ManyScansOfOneFileAreEachTheirOwn)
         for (qsizetype i = 0; i < scans.size(); ++i) {
             const auto one = readObservedSpectrum(path, scans[i]);
             const auto same = spectra.value()->read(i);
-            ASSERT_EQ(same.error().message(), one.error().message());
-            EXPECT_EQ(same.hasError(), scans[i] == QStringLiteral("99"));
+            ASSERT_EQ(same.value().problem.message(), one.error().message());
+            EXPECT_EQ(one.hasError(), scans[i] == QStringLiteral("99"));
             if (!one.hasError()) {
-                EXPECT_EQ(same.value().title, one.value().title);
-                EXPECT_EQ(same.value().peaks, one.value().peaks);
+                EXPECT_EQ(same.value().spectrum.title, one.value().title);
+                EXPECT_EQ(same.value().spectrum.peaks, one.value().peaks);
             }
         }
     }

@@ -133,7 +133,7 @@ public:
         return known(index).msLevel;
     }
 
-    Result<ObservedSpectrum> spectrum(int index) override
+    Result<SpectrumOutcome> spectrum(int index) override
     {
         if (Error error = m_elements.seek(known(index).place); error.hasError())
             return error;
@@ -144,7 +144,10 @@ public:
         if (!element || element->id != known(index).identity.name)
             return cannotRead(inputName(m_path), QStringLiteral("it has changed since it was opened"));
         const QString problem = element->problem.isEmpty() ? inflationProblem(*element) : element->problem;
-        return problem.isEmpty() ? decoded(index, std::move(element->text)) : failure(index, problem);
+        if (!problem.isEmpty())
+            return SpectrumOutcome{{}, failure(index, problem)};
+        const Result<ObservedSpectrum> spectrum = decoded(index, std::move(element->text));
+        return SpectrumOutcome{spectrum.hasError() ? ObservedSpectrum() : spectrum.value(), spectrum.error()};
     }
 
 private:
