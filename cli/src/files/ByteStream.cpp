@@ -182,8 +182,10 @@ Error ByteStream::read(QByteArray *piece)
 
 Error ByteStream::seek(qint64 offset)
 {
-    if (m_file->isSequential() || !m_file->seek(m_gzip ? 0 : offset))
+    if (m_file->isSequential())
         return cannotRead(m_name, QStringLiteral("it cannot be read a second time"));
+    if (!m_file->seek(m_gzip ? 0 : offset))
+        return cannotRead(m_name, m_file->errorString());
     m_rawRead = m_file->pos();
     const bool isGzipped = m_gzip != nullptr;
     m_gzip = isGzipped ? std::make_unique<Gzip>() : nullptr;
