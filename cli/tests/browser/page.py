@@ -142,7 +142,8 @@ class Page:
         path.unlink(missing_ok=True)
         self.element("#save").click()
         deadline = time.monotonic() + 20
-        while not path.exists():
+        # Chromium makes an empty file of this name before it renames the written one.
+        while not path.exists() or path.stat().st_size == 0:
             assert time.monotonic() < deadline, "nothing was saved"
             time.sleep(0.02)
         return [line.split("\t") for line in path.read_text(encoding="utf-8").split("\n")[:-1]]
