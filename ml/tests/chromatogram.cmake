@@ -3,6 +3,7 @@ zav_add_test(ml_chromatogram_tests
     SOURCES
         XicBaselineLimitsDetectorComparisonTest.cpp
         XicBaselineLimitsDetectorHostileTest.cpp
+        XicBaselineLimitsDetectorLifecycleTest.cpp
         XicBaselineLimitsDetectorTest.cpp
         XicHostileSizeTest.cpp
         XicInputVectorTest.cpp
