@@ -35,6 +35,11 @@ Error cannotRead(const QString &name, const QString &reason)
     return {Failure, QStringLiteral("cannot read %1: %2").arg(name, reason)};
 }
 
+Error hasChanged(const QString &name)
+{
+    return cannotRead(name, QStringLiteral("it has changed since it was opened"));
+}
+
 /// The state of inflating.
 struct ByteStream::Gzip
 {

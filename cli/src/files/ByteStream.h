@@ -18,6 +18,9 @@ namespace zav {
 /// input itself begins with "it": "it is empty".
 Error cannotRead(const QString &name, const QString &reason);
 
+/// `cannotRead` of a file whose content is no longer what it was when the file was looked through.
+Error hasChanged(const QString &name);
+
 /// The bytes of a file or of standard input, piece by piece. Gzipped content (RFC 1952, also of several members, as
 /// bgzip writes them) is recognised by its first two bytes, whatever the file's name, and inflated on the way. Holds a
 /// few pieces of 64 KiB.

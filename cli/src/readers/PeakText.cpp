@@ -141,7 +141,11 @@ Result<SpectrumOutcome> MgfFile::spectrum(int index)
     ObservedSpectrum spectrum{block.identity.name, block.precursorMz, block.precursorCharge, {}};
     if (spectrum.title.isEmpty())
         spectrum.title = QFileInfo(m_path).fileName();
-    while (m_lines->next() && line() != "END IONS") {
+    while (m_lines->next()) {
+        if (line() == "END IONS") {
+            tidyPeaks(&spectrum.peaks);
+            return SpectrumOutcome{spectrum, {}};
+        }
         if (isComment(line()) || isHeader(line()))
             continue;
         const auto peak = parsePeakLine(line());
@@ -149,10 +153,7 @@ Result<SpectrumOutcome> MgfFile::spectrum(int index)
             return SpectrumOutcome{{}, m_lines->errorHere(QStringLiteral("expected m/z and intensity"))};
         spectrum.peaks.append(*peak);
     }
-    if (m_lines->error().hasError())
-        return m_lines->error();
-    tidyPeaks(&spectrum.peaks);
-    return SpectrumOutcome{spectrum, {}};
+    return m_lines->error().hasError() ? m_lines->error() : hasChanged(inputName(m_path));
 }
 
 class PeakTableFile : public SpectrumFile

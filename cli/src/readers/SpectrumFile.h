@@ -24,8 +24,8 @@ struct SpectrumIdentity
 /// What became of one spectrum of a file that could be read.
 struct SpectrumOutcome
 {
-    ObservedSpectrum spectrum;
-    Error problem; ///< why there is no spectrum: it is damaged, which says nothing of the others
+    ObservedSpectrum spectrum; ///< empty where there is a problem
+    Error problem;             ///< why it cannot be used, which says nothing of the other spectra
 };
 
 /// The spectra of one open file, in the file's order, read one at a time: memory does not grow with the peaks of the

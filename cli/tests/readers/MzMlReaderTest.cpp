@@ -125,9 +125,9 @@ TEST_F(MzMlReader, FileThatFailsIsNoProblemOfOneSpectrum)
     const QString path = files.write("a.mzML", mzMl(RUN));
     const auto spectra = ObservedSpectra::open(path, {"13", "99"});
     ASSERT_FALSE(spectra.hasError());
-    QFile file(path);
-    ASSERT_TRUE(file.resize(0));
-    EXPECT_TRUE(spectra.value()->read(0).error().message().startsWith("cannot read "));
+    ASSERT_TRUE(QFile(path).resize(0));
+    EXPECT_EQ(files.withoutFolder(spectra.value()->read(0).error().message()),
+              "cannot read a.mzML: it is cut short: it ends within <spectrumList>");
     EXPECT_TRUE(spectra.value()->read(1).value().problem.message().contains("has no spectrum '99'"));
 }
 

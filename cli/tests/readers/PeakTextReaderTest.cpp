@@ -147,6 +147,19 @@ TEST_F(PeakTextReader, ManyScansOfOneFileAreEachTheirOwn)
     }
 }
 
+TEST_F(PeakTextReader, FileThatEndsEarlierThanBeforeHasChanged)
+{
+    const QByteArray filler(1 << 20, '\n'); // so that the end is read again
+    const QString path = files.write("a.mgf", filler + THREE_SPECTRA);
+    const auto spectra = ObservedSpectra::open(path, {"c"});
+    ASSERT_FALSE(spectra.hasError());
+    for (const qint64 size : {filler.size() + THREE_SPECTRA.lastIndexOf("END IONS"), qsizetype(0)}) {
+        ASSERT_TRUE(QFile(path).resize(size));
+        EXPECT_EQ(files.withoutFolder(spectra.value()->read(0).error().message()),
+                  "cannot read a.mgf: it has changed since it was opened");
+    }
+}
+
 TEST_F(PeakTextReader, WithoutScanNumbersANumberIsTheIndexFromZero)
 {
     QByteArray content = THREE_SPECTRA;

@@ -142,7 +142,7 @@ public:
             return read.error();
         std::optional<MzMlElement> element = std::move(read).value();
         if (!element || element->id != known(index).identity.name)
-            return cannotRead(inputName(m_path), QStringLiteral("it has changed since it was opened"));
+            return hasChanged(inputName(m_path));
         const QString problem = element->problem.isEmpty() ? inflationProblem(*element) : element->problem;
         if (!problem.isEmpty())
             return SpectrumOutcome{{}, failure(index, problem)};
