@@ -26,14 +26,14 @@ QString textField(const Json &object, const char *name)
     return field != object.end() && field->is_string() ? QString::fromStdString(field->get<std::string>()) : QString();
 }
 
-/// 0 where it is no number that an int holds.
+/// 0 for what is no whole number that fits an int.
 int numberOf(const Json &value)
 {
     if (!value.is_number_integer())
         return 0;
     // Compared as a floating-point number, in which large unsigned ones do not turn negative.
-    const auto size = value.get<double>();
-    return std::abs(size) <= std::numeric_limits<int>::max() ? value.get<int>() : 0;
+    const auto number = value.get<double>();
+    return std::abs(number) <= std::numeric_limits<int>::max() ? value.get<int>() : 0;
 }
 
 int numberField(const Json &object, const char *name)
