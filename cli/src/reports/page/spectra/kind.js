@@ -141,12 +141,12 @@ class SpectrumReport {
     });
     const more = model.ions.length - MOST_IONS;
     const table = numberTable("predicted peaks", titles, rows);
-    const unexplained = this.unexplained(model);
+    const unexplained = this.unexplained(entry, model);
     return more > 0 ? [table, make("p", {}, `and ${more} more`), ...unexplained] : [table, ...unexplained];
   }
 
   /** The highest of the measured peaks that no ion explains. */
-  unexplained({ observed, ions }) {
+  unexplained(entry, { observed, ions }) {
     const explained = explainedPeaks(observed, ions);
     const others = observed.filter((peak) => !explained.has(peak)).sort((a, b) => b.share - a.share);
     if (!others.length)
@@ -157,7 +157,8 @@ class SpectrumReport {
         make("td", { class: "number" }, share.toFixed(3)));
       return row;
     });
-    const which = others.length > rows.length ? `the ${rows.length} highest of ${others.length} ` : "";
+    const of = entry.thinned ? "" : `of ${others.length} `; // of thinned peaks nobody knows how many
+    const which = others.length > rows.length ? `the ${rows.length} highest ${of}` : "";
     const table = numberTable("measured peaks, not explained", ["measured m/z", "measured intensity"], rows);
     return [make("p", {}, `Not explained: ${which}measured peaks`), table];
   }
@@ -176,18 +177,24 @@ class SpectrumReport {
   }
 }
 
-/** The measured peaks, which ascend in m/z, that ions are paired with. Their m/z are rounded, those of the pairs not. */
+/** The measured peaks, which ascend in m/z, that ions are paired with. Their m/z and intensities are rounded here, those
+ * of the pairs are not: near the m/z of a pair, the peak of its intensity is the one. */
 function explainedPeaks(observed, ions) {
-  const explained = new Set();
   const slack = observed.length ? 1e-6 * (observed.at(-1).mz - observed[0].mz) : 0;
-  const seen = ions.map(({ observedMz }) => observedMz).filter((mz) => mz !== undefined).sort((a, b) => a - b);
-  let i = 0;
-  for (const mz of seen) {
-    const distance = (k) => Math.abs(observed[k].mz - mz);
-    while (i + 1 < observed.length && distance(i + 1) <= distance(i))
-      ++i;
-    if (observed.length && distance(i) <= slack)
-      explained.add(observed[i]);
+  const seen = ions.filter(({ observedMz }) => observedMz !== undefined).sort((a, b) => a.observedMz - b.observedMz);
+  const explained = new Set();
+  let first = 0;
+  for (const { observedMz, observedIntensity } of seen) {
+    const distance = (peak) => Math.abs(peak.intensity - observedIntensity);
+    while (first < observed.length && observed[first].mz < observedMz - slack)
+      ++first;
+    let nearest = null;
+    for (let i = first; i < observed.length && observed[i].mz <= observedMz + slack; ++i) {
+      if (!nearest || distance(observed[i]) < distance(nearest))
+        nearest = observed[i];
+    }
+    if (nearest)
+      explained.add(nearest);
   }
   return explained;
 }
