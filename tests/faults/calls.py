@@ -29,6 +29,8 @@ SHORT_ACTIONS = {
 }
 # Kinds of calls at which a run with a network begins to differ from one without.
 OUTPUT_KINDS = ("write", "sync", "rename")
+# Of a command that a short run does little with: where it differs from the others.
+SHORT_KINDS = {"library blib": OUTPUT_KINDS, "spectrum --against": ("read",)}
 FORMATS_ALONE = tuple(f"library {ending}" for ending in ("msp", "mgf", "mzSpecLib.txt", "pqp"))
 
 
@@ -80,6 +82,7 @@ def cases(is_short):
     yield workbench.limits_case()
     if is_short:
         yield workbench.library_case("blib", "--no-retention-times")
+        yield workbench.compare_case()
         return
     yield workbench.report_case()
     yield workbench.split_case()
@@ -99,7 +102,7 @@ def is_left_out(case, kind, action, is_forever, is_short):
         return True
     if not is_short:
         return False
-    return is_forever != (action == "short") or (case.name == "library blib" and kind not in OUTPUT_KINDS)
+    return is_forever != (action == "short") or kind not in SHORT_KINDS.get(case.name, SHORT_ACTIONS)
 
 
 def rows(is_short, jobs, only):
