@@ -19,14 +19,11 @@ PARTS = {
 
 
 def is_program(path):
+    """Or a shared library."""
+    if path.is_symlink() or not path.is_file() or path.suffix == ".o":
+        return False
     with path.open("rb") as file:
-        return path.is_file() and file.read(4) == b"\x7fELF" and not path.name.endswith((".o", ".a"))
-
-
-def programs(build):
-    """Programs and libraries that count."""
-    found = [path for path in sorted(build.rglob("*")) if path.is_file() and not path.is_symlink()]
-    return [path for path in found if (path.stat().st_mode & 0o111 or ".so" in path.name) and is_program(path)]
+        return file.read(4) == b"\x7fELF"
 
 
 def part_of(path):
@@ -37,25 +34,28 @@ def part_of(path):
 
 
 def exported(build):
-    """What llvm-cov says of each file, for each program alone: together, equal names would be one."""
-    for program in programs(build):
+    """What llvm-cov says of each file, program by program: of several at once it would take functions of one name for
+    one function."""
+    for program in filter(is_program, sorted(build.rglob("*"))):
         command = ["llvm-cov-14", "export", "--instr-profile", build / "all.profdata", program]
-        run = subprocess.run(command, capture_output=True, check=False)
+        run = subprocess.run(command, capture_output=True, text=True, check=False)
         if run.returncode == 0:
             yield from json.loads(run.stdout)["data"][0]["files"]
+        elif "no coverage data found" not in run.stderr:
+            sys.exit(f"{program}: {run.stderr}")
 
 
 def outcomes(build):
-    """Of each file: place of a condition -> [held, did not hold]."""
+    """Of each file: place of a condition -> whether it was seen to hold, and not to."""
     seen = collections.defaultdict(dict)
     for file in exported(build):
         path = pathlib.Path(file["filename"]).resolve()
         if part_of(path) is None:
             continue
         for line, column, last_line, last_column, held, failed, *_ in file["branches"]:
-            counts = seen[path].setdefault((line, column, last_line, last_column), [0, 0])
-            counts[0] += held
-            counts[1] += failed
+            outcome = seen[path].setdefault((line, column, last_line, last_column), [False, False])
+            outcome[0] |= held > 0
+            outcome[1] |= failed > 0
     return seen
 
 
@@ -65,10 +65,10 @@ def main():
     missed = []
     for path, conditions in sorted(outcomes(build).items()):
         total = totals[part_of(path)]
-        for (line, column, *_), counts in sorted(conditions.items()):
+        for (line, column, *_), outcome in sorted(conditions.items()):
             total[1] += 2
-            total[0] += sum(count > 0 for count in counts)
-            missing = [what for what, count in zip(("true", "false"), counts) if count == 0]
+            total[0] += sum(outcome)
+            missing = [what for what, is_seen in zip(("true", "false"), outcome) if not is_seen]
             if missing:
                 missed.append(f"{path.relative_to(ROOT)}:{line}:{column}: never {' nor '.join(missing)}")
     (build / "missed.txt").write_text("\n".join(missed) + "\n", encoding="utf-8")
