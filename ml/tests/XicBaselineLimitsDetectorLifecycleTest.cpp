@@ -8,9 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
-
 namespace zav {
 namespace {
 

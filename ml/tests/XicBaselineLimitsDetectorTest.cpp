@@ -2,7 +2,6 @@
 #include <zav/XicBaselineLimitsDetector.h>
 
 #include "MessageRecorder.h"
-#include "NaiveChromatogram.h"
 #include "Trail.h"
 #include "XicBaselineLimitsDetectorFixture.h"
 
