@@ -30,6 +30,7 @@
 namespace {
 
 constexpr int CHANGES_PER_CHILD = 500;         // TensorFlow keeps some memory of each graph
+constexpr int CHANGES_PER_LINE = 5000;         // on standard error, of a run that may take hours
 constexpr unsigned LONGEST_TRIAL = 120;        // s; one takes 0.1 s, and more under the sanitizers
 constexpr rlim_t MOST_MEMORY = 16ULL << 30U;   // bytes of address space
 constexpr qsizetype LARGE_NODE = 2000;         // bytes; what is larger holds weights
@@ -243,6 +244,7 @@ int main(int argc, char *argv[])
         mmap(nullptr, sizeof(Account), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     *account = {first, 0, 0};
     QMap<QString, QList<int>> ends;
+    int told = 0;
     while (account->next < end) {
         const int last = std::min(end, account->next + CHANGES_PER_CHILD);
         const pid_t child = fork();
@@ -252,9 +254,12 @@ int main(int argc, char *argv[])
         int status = 0;
         if (child < 0 || waitpid(child, &status, 0) != child || (WIFEXITED(status) && WEXITSTATUS(status) == 2))
             return 2;
-        if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
-            continue;
-        ends[placeOfEnd(status, messages)].append(account->next++);
+        if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+            ends[placeOfEnd(status, messages)].append(account->next++);
+        if ((account->next - first) / CHANGES_PER_LINE > told) {
+            told = (account->next - first) / CHANGES_PER_LINE;
+            std::fprintf(stderr, "%d of %d\n", account->next - first, end - first);
+        }
     }
     std::printf("%d changed graphs: %d predicted, %d refused\n", end - first, account->predicted, account->refused);
     bool isSound = true;
