@@ -172,7 +172,9 @@ def wrong_message(case, result, needs_reason):
         return [f"line that is not the program's own: {foreign[0]!r}"]
     if len(own) != 1:
         return [f"{len(own)} lines about the failure: {own}"]
-    names = [name.split("/")[-1] for name in (*case.inputs, *case.outputs)] + ["standard output", "zav-faults-", "pictures"]
+    names = [name.split("/")[-1] for name in (*case.inputs, *case.outputs)]
+    # A temporary file has no name.
+    names += ["standard output", "zav-faults-", "pictures", "a temporary file in tmp"]
     wrong = []
     if not any(name in own[0] for name in names):
         wrong.append(f"no file is named: {own[0]!r}")
