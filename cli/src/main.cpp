@@ -84,6 +84,15 @@ int run(const RuntimeInstallOptions &options)
     return RuntimeInstallCommand(options).run();
 }
 
+/// Leaves at once. Qt Gui unlocks nothing when std::bad_alloc passes through it: destroyed, it would wait for its own
+/// lock.
+[[noreturn]] void endWithoutMemory()
+{
+    std::fputs("zav: out of memory\n", stderr);
+    std::fflush(stdout);
+    std::_Exit(SomeFailed);
+}
+
 /// Runs a command in the surroundings that it asks for.
 template <typename Options>
 int runCommand(const Options &options, char **argv)
@@ -94,7 +103,11 @@ int runCommand(const Options &options, char **argv)
     int applicationArgc = 1;
     const auto application = createApplication(applicationArgc, argv, options.drawsPictures());
     useRuntimeCache();
-    return run(options);
+    try {
+        return run(options);
+    } catch (const std::bad_alloc &) { // all that the run began has been removed
+        endWithoutMemory();
+    }
 }
 
 int runCommand(const EarlyExit &exit, char ** /*argv*/)
@@ -102,22 +115,16 @@ int runCommand(const EarlyExit &exit, char ** /*argv*/)
     return finish(exit);
 }
 
-void tellOutOfMemory()
-{
-    std::fputs("zav: out of memory\n", stderr);
-}
-
 std::terminate_handler otherTermination = nullptr;
 
 /// Some libraries cannot pass std::bad_alloc on: they take memory in destructors, or in functions that must not throw.
-[[noreturn]] void endWithoutMemory()
+[[noreturn]] void terminate()
 {
     try {
         if (const std::exception_ptr thrown = std::current_exception())
             std::rethrow_exception(thrown);
     } catch (const std::bad_alloc &) {
-        tellOutOfMemory();
-        std::_Exit(SomeFailed);
+        endWithoutMemory();
     } catch (...) { // NOLINT(bugprone-empty-catch): not ours
     }
     otherTermination();
@@ -128,14 +135,12 @@ std::terminate_handler otherTermination = nullptr;
 
 } // namespace zav
 
-// On the way here everything that was begun has been removed.
 // NOLINTNEXTLINE(bugprone-exception-escape): what else is thrown is a fault, and ends the process
 int main(int argc, char **argv)
 try {
-    zav::otherTermination = std::set_terminate(zav::endWithoutMemory);
+    zav::otherTermination = std::set_terminate(zav::terminate);
     return std::visit([&](const auto &asked) { return zav::runCommand(asked, argv); },
                       zav::parseCommandLine(argc, argv));
 } catch (const std::bad_alloc &) {
-    zav::tellOutOfMemory();
-    return zav::SomeFailed;
+    zav::endWithoutMemory();
 }
