@@ -32,7 +32,7 @@ QList<QPointF> thinnedTo(int size, const QList<QPointF> &points);
 QString thinningRemark(qsizetype pointCount, int size);
 
 /// The error of a run on an input of `size` points, with a message in any case: the library's own error has none when
-/// the network does not fit the input.
+/// the network does not fit the input. Throws std::bad_alloc for that of memory that ran out.
 Error runError(const Error &error, const QString &modelFilePath, int size);
 
 /// The predictors of one thread: one for each length of network input, made when a trace first needs it.

@@ -3,6 +3,8 @@
 
 #include <QtCore/QFileInfo>
 
+#include <new>
+
 namespace zav {
 
 namespace {
@@ -26,14 +28,22 @@ void noteTrust(const NetworkChoice &asked, Messages *messages)
         messages->note(QStringLiteral("the networks are loaded unchecked"));
 }
 
+void endRunIfOutOfMemory(const Error &error)
+{
+    if (error.equals(Failure) && error.message() == QLatin1String("Out of memory"))
+        throw std::bad_alloc();
+}
+
 Error loadingError(const Error &error, const QString &path)
 {
+    endRunIfOutOfMemory(error);
     const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
     return explainedError(error, QStringLiteral("cannot load %1: %2").arg(QFileInfo(path).fileName(), reason));
 }
 
 Error predictionError(const Error &error, int charge)
 {
+    endRunIfOutOfMemory(error);
     if (!error.hasError() || !error.message().isEmpty())
         return error;
     return explainedError(error, QStringLiteral("msms_charge%1.pb is not a network for charge %1").arg(charge));

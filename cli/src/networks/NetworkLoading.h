@@ -15,6 +15,10 @@ namespace zav {
 /// Says so when the networks are loaded unchecked.
 void noteTrust(const NetworkChoice &asked, Messages *messages);
 
+/// Throws std::bad_alloc for the error of a predictor in which memory ran out: the predictor could go on, the program
+/// ends as wherever else it gets no memory. `loadingError` and `predictionError` do so, too.
+void endRunIfOutOfMemory(const Error &error);
+
 /// The failure to load a network, in the user's terms: `cannot load msms_charge2.pb: REASON`. Code and trail are those
 /// of `error`.
 Error loadingError(const Error &error, const QString &path);

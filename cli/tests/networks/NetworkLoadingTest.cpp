@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+
 namespace zav {
 namespace {
 
@@ -82,6 +84,17 @@ TEST(NetworkLoading, PredictionThatFailsWithoutAMessageIsANetworkOfAnotherCharge
               QStringLiteral("msms_charge4.pb is not a network for charge 4"));
     EXPECT_EQ(predictionError(Error(Failure, QStringLiteral("a reason")), 4).message(), QStringLiteral("a reason"));
     EXPECT_FALSE(predictionError(Error(), 4).hasError());
+}
+
+TEST(NetworkLoading, MemoryThatRanOutInAPredictorEndsTheRun)
+{
+    const Error outOfMemory(Failure, QStringLiteral("Out of memory"));
+    EXPECT_THROW(endRunIfOutOfMemory(outOfMemory), std::bad_alloc);
+    EXPECT_THROW(loadingError(outOfMemory, QStringLiteral("msms_charge1.pb")), std::bad_alloc);
+    EXPECT_THROW(predictionError(outOfMemory, 1), std::bad_alloc);
+    for (const Error &other : {Error(), Error(Failure), Error(Failure, QStringLiteral("no file")),
+                               Error(InvalidInput, outOfMemory.message())})
+        EXPECT_NO_THROW(endRunIfOutOfMemory(other));
 }
 
 } // namespace
