@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <dlfcn.h>
 #include <link.h>
 #include <new>
 #include <unwind.h>
@@ -34,8 +35,8 @@ struct Module
 struct Modules
 {
     std::array<Module, 512> list;
-    size_t count;
-    unsigned long long loadedCount; // of the dynamic linker, when the list was made
+    std::atomic<size_t> count;
+    bool haveTensorFlow;
 };
 
 std::atomic<bool> isArmed = false;
@@ -46,6 +47,7 @@ bool failsLaterToo = false;
 bool isForOneThread = false;
 thread_local bool isArmingThread = false;
 thread_local bool isLooking = false; // this code's own allocations succeed
+thread_local bool isLoading = false; // a library: the initialisers that the dynamic linker calls are TensorFlow's
 Modules modules;
 
 Owner ownerOf(const char *name)
@@ -66,12 +68,15 @@ Owner ownerOf(const char *name)
 int noteModule(dl_phdr_info *info, size_t /*size*/, void *data)
 {
     auto *noted = static_cast<Modules *>(data);
+    const Owner owner = ownerOf(info->dlpi_name);
+    noted->haveTensorFlow = noted->haveTensorFlow || owner == Owner::TensorFlow;
     for (int i = 0; i < info->dlpi_phnum && noted->count < noted->list.size(); ++i) {
         const auto &segment = info->dlpi_phdr[i];
         if (segment.p_type != PT_LOAD || (segment.p_flags & PF_X) == 0)
             continue;
         const uintptr_t begin = info->dlpi_addr + segment.p_vaddr;
-        noted->list[noted->count++] = {begin, begin + segment.p_memsz, ownerOf(info->dlpi_name)};
+        noted->list[noted->count] = {begin, begin + segment.p_memsz, owner};
+        ++noted->count;
     }
     return 0;
 }
@@ -122,12 +127,26 @@ Owner ownerOfCaller(void *caller)
     return search.found;
 }
 
+/// Also where the code that allocates is ours: a template of the standard library that is compiled into several
+/// libraries runs in one of them for all.
+bool isWithinTensorFlow()
+{
+    bool isFound = false;
+    _Unwind_Backtrace(
+        [](_Unwind_Context *context, void *found) {
+            *static_cast<bool *>(found) = ownerAt(_Unwind_GetIP(context)) == Owner::TensorFlow;
+            return *static_cast<bool *>(found) ? _URC_END_OF_STACK : _URC_NO_REASON;
+        },
+        &isFound);
+    return isFound;
+}
+
 bool mustFail(void *caller)
 {
-    if (!isArmed || (isForOneThread && !isArmingThread) || isLooking)
+    if (!isArmed || (isForOneThread && !isArmingThread) || isLooking || isLoading)
         return false;
     isLooking = true;
-    const bool isOurs = ownerOfCaller(caller) == Owner::Ours;
+    const bool isOurs = ownerOfCaller(caller) == Owner::Ours && !(modules.haveTensorFlow && isWithinTensorFlow());
     isLooking = false;
     if (!isOurs)
         return false;
@@ -152,7 +171,7 @@ namespace failingAllocations {
 void noteModules()
 {
     isLooking = true;
-    modules.count = 0;
+    modules.count = 0; // what stands in the list comes again, in the same order
     dl_iterate_phdr(noteModule, &modules);
     isLooking = false;
 }
@@ -210,6 +229,18 @@ ZAV_REPLACED void *realloc(void *block, size_t size)
 ZAV_REPLACED void free(void *block)
 {
     __libc_free(block);
+}
+
+ZAV_REPLACED void *dlopen(const char *name, int mode)
+{
+    static const auto open = reinterpret_cast<void *(*)(const char *, int)>(dlsym(RTLD_NEXT, "dlopen"));
+    const bool wasLoading = isLoading;
+    isLoading = true;
+    void *library = open(name, mode);
+    isLoading = wasLoading;
+    if (isArmed && !modules.haveTensorFlow)
+        failingAllocations::noteModules();
+    return library;
 }
 
 #define ZAV_REPLACED_OPERATOR __attribute__((visibility("default")))

@@ -39,6 +39,7 @@ class Case:
     inputs: dict = dataclasses.field(default_factory=dict)  # name -> bytes
     in_folder: dict = dataclasses.field(default_factory=dict)  # more of the environment, with {d}
     keeps_outputs: bool = False  # the outputs stand there at the start, complete
+    draws_pictures: bool = False
     expected: dict = dataclasses.field(default_factory=dict)  # name -> bytes, of an undisturbed run
     usual_lines: tuple = ()  # of standard error of an undisturbed run
 
@@ -292,7 +293,7 @@ def peptides_case():
 
 def limits_case():
     return Case("limits --plot", "limits {d}/t.txt --method walk --threads 1 -o {d}/l.tsv --plot {d}/pictures",
-                ("l.tsv", "pictures/0001_one.svg", "pictures/0002_two.svg"), {"t.txt": chromatograms()})
+                ("l.tsv", "pictures/0001_one.svg", "pictures/0002_two.svg"), {"t.txt": chromatograms()}, draws_pictures=True)
 
 
 # The report names its input as the command line does: by a path that is the same in every run.
