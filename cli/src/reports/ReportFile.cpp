@@ -52,10 +52,7 @@ Error ReportFile::endBlock()
         return {};
     m_digest.add(m_rows);
     m_digest.add(m_bytes);
-    const QByteArray points = bytesElement("points", m_bytes);
-    if (points.isEmpty())
-        return Error(Failure, QStringLiteral("Out of memory"));
-    const QByteArray block = jsonElement("rows", "[\n" + m_rows + "\n]") + points;
+    const QByteArray block = jsonElement("rows", "[\n" + m_rows + "\n]") + bytesElement("points", m_bytes);
     m_rows.clear();
     m_bytes.clear();
     return m_file.write(block);

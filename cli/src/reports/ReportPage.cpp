@@ -4,6 +4,7 @@
 #include <QtCore/QCryptographicHash>
 #include <QtCore/QList>
 
+#include <new>
 #include <string_view>
 
 namespace zav {
@@ -88,8 +89,9 @@ QByteArray jsonElement(const char *name, const QByteArray &json)
 QByteArray bytesElement(const char *name, const QByteArray &bytes)
 {
     const QByteArray deflated = qCompress(bytes, COMPRESSION_LEVEL);
-    return deflated.isEmpty() ? QByteArray()
-                              : element(name, "application/octet-stream", deflated.mid(LENGTH_SIZE).toBase64());
+    if (deflated.isEmpty())
+        throw std::bad_alloc();
+    return element(name, "application/octet-stream", deflated.mid(LENGTH_SIZE).toBase64());
 }
 
 } // namespace zav

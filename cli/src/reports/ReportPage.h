@@ -24,7 +24,7 @@ struct ReportPage
 /// a meaning, are written as escapes of JSON. They stand in its strings only, so that its value stays the same.
 QByteArray jsonElement(const char *name, const QByteArray &json);
 
-/// The same for bytes: deflated (RFC 1950), in Base64. Empty when there is not enough memory.
+/// The same for bytes: deflated (RFC 1950), in Base64. std::bad_alloc when there is not enough memory.
 QByteArray bytesElement(const char *name, const QByteArray &bytes);
 
 } // namespace zav

@@ -61,9 +61,9 @@ public:
     /// An empty optional of `source` ends the stream. Its error does too: the pieces before it are worked on and
     /// consumed first, then that error is returned. An error of `sink` is returned as soon as the pieces being worked
     /// on are done; nothing more is read or consumed, and what came after it is dropped. An interrupt is the same, with
-    /// a `Failure` "interrupted", and when memory runs out, with a `Failure` "out of memory". A `source` that waits for
-    /// its input holds up the return in all these cases. Where the system gives fewer threads than wanted, those that
-    /// there are do the work; `Failure` when there is none.
+    /// a `Failure` "interrupted". A `source` that waits for its input holds up the return in all these cases. Where the
+    /// system gives fewer threads than wanted, those that there are do the work; `Failure` when there is none. Memory
+    /// that runs out in any of the threads is std::bad_alloc here, once the others have ended.
     Error run(Source source, Work work, Sink sink)
     {
         m_source = std::move(source);
@@ -76,6 +76,8 @@ public:
         stopReading();
         for (std::thread &worker : workers)
             worker.join();
+        if (m_isOutOfMemory)
+            throw std::bad_alloc();
         return error.hasError() ? error : m_sourceError;
     }
 
@@ -86,15 +88,13 @@ private:
         Piece piece;
     };
 
-    static Error outOfMemory() { return {Failure, QStringLiteral("out of memory")}; }
-
     Error start(std::vector<std::thread> *workers)
     {
         try {
             for (int worker = 0; worker < m_threads; ++worker)
                 workers->emplace_back([this, worker] { workOn(worker); });
         } catch (const std::bad_alloc &) {
-            return outOfMemory();
+            noteOutOfMemory();
         } catch (const std::system_error &error) {
             if (workers->empty())
                 return {Failure, QStringLiteral("cannot start a thread: %1").arg(QString::fromUtf8(error.what()))};
@@ -108,11 +108,17 @@ private:
             while (std::optional<Numbered> taken = take())
                 deliver(taken->number, m_work(worker, std::move(taken->piece)));
         } catch (const std::bad_alloc &) {
+            noteOutOfMemory();
+        }
+    }
+
+    void noteOutOfMemory()
+    {
+        {
             const std::lock_guard lock(m_mutex);
             m_isOutOfMemory = true;
-            m_isAllTaken = true;
-            m_changed.notify_all();
         }
+        stopReading();
     }
 
     /// The next piece of the stream, or nothing when there is none to be worked on any more.
@@ -165,11 +171,12 @@ private:
                 m_changed.notify_all();
             }
         } catch (const std::bad_alloc &) {
-            return outOfMemory();
+            noteOutOfMemory();
+            return {};
         }
     }
 
-    /// The next outcome in order; an empty optional after the last.
+    /// The next outcome in order; an empty optional after the last, and when memory has run out.
     Result<std::optional<Outcome>> awaitNext()
     {
         std::unique_lock lock(m_mutex);
@@ -182,7 +189,7 @@ private:
                 return Error(Failure, QStringLiteral("interrupted"));
         } while (!m_changed.wait_for(lock, std::chrono::milliseconds(100), isReady));
         if (m_isOutOfMemory)
-            return outOfMemory();
+            return std::optional<Outcome>();
         return std::exchange(slot(m_consumedCount), std::nullopt);
     }
 
