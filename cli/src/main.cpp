@@ -11,6 +11,7 @@
 #include "RuntimeInstallCommand.h"
 #include "SpectrumCommand.h"
 #include "SplitCommand.h"
+#include "Terminal.h"
 
 #include <QtCore/QLoggingCategory>
 
@@ -88,6 +89,7 @@ int run(const RuntimeInstallOptions &options)
 /// lock.
 [[noreturn]] void endWithoutMemory()
 {
+    QuietStandardError::end();
     std::fputs("zav: out of memory\n", stderr);
     std::fflush(stdout);
     std::_Exit(SomeFailed);

@@ -2,6 +2,7 @@
 #include "Terminal.h"
 
 #include <cstdio>
+#include <utility>
 
 #ifdef _WIN32
 #include <io.h>
@@ -37,8 +38,15 @@ bool isStandardOutput(const QString &path)
 
 QuietStandardError::QuietStandardError(bool) {}
 QuietStandardError::~QuietStandardError() = default;
+void QuietStandardError::end() {}
 
 #else
+
+namespace {
+
+int trueStandardError = -1; // a copy of the descriptor while it is quiet
+
+} // namespace
 
 QuietStandardError::QuietStandardError(bool isQuiet)
 {
@@ -46,19 +54,24 @@ QuietStandardError::QuietStandardError(bool isQuiet)
     if (nowhere < 0)
         return;
     std::fflush(stderr);
-    m_original = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
-    if (m_original >= 0)
+    trueStandardError = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+    if (trueStandardError >= 0)
         dup2(nowhere, STDERR_FILENO);
     close(nowhere);
 }
 
 QuietStandardError::~QuietStandardError()
 {
-    if (m_original < 0)
+    end();
+}
+
+void QuietStandardError::end()
+{
+    if (trueStandardError < 0)
         return;
     std::fflush(stderr);
-    dup2(m_original, STDERR_FILENO);
-    close(m_original);
+    dup2(trueStandardError, STDERR_FILENO);
+    close(std::exchange(trueStandardError, -1));
 }
 
 #endif

@@ -29,8 +29,8 @@ public:
     QuietStandardError(const QuietStandardError &) = delete;
     QuietStandardError &operator=(const QuietStandardError &) = delete;
 
-private:
-    int m_original = -1; ///< a copy of the true descriptor; -1 when nothing was changed
+    /// Ends the quiet of the object that lives, if there is one: for the last words of a process that is about to end.
+    static void end();
 };
 
 } // namespace zav
