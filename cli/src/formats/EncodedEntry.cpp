@@ -3,6 +3,8 @@
 
 #include <QtCore/QtEndian>
 
+#include <new>
+
 #include <zlib.h>
 
 namespace zav {
@@ -81,11 +83,8 @@ QByteArray compressed(const QByteArray &bytes)
 {
     z_stream stream{};
     QByteArray packedBytes;
-    // Nothing is left that could go wrong but memory, of which Qt makes no error either.
-    const int status =
-        deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, WINDOW_BITS, MEMORY_LEVEL, Z_DEFAULT_STRATEGY);
-    Q_ASSERT(status == Z_OK);
-    Q_UNUSED(status)
+    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, WINDOW_BITS, MEMORY_LEVEL, Z_DEFAULT_STRATEGY) != Z_OK)
+        throw std::bad_alloc(); // nothing else can go wrong
     packedBytes.resize(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(bytes.size()))));
     stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(bytes.constData()));
     stream.avail_in = static_cast<uInt>(bytes.size());
