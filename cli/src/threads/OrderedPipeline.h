@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <new>
@@ -25,6 +26,7 @@ struct PipelineLimits
 {
     int threads = 1;  ///< workers; 1 or more
     int inFlight = 0; ///< pieces between being read and having been consumed, at most; 0: four a worker
+    std::chrono::seconds patience{60}; ///< with workers at a piece when memory has run out
 };
 
 /// Works on a stream of pieces with several threads and hands the results on in the order of the stream.
@@ -53,7 +55,7 @@ public:
     explicit OrderedPipeline(const PipelineLimits &limits, Interrupt isInterrupted = {})
         : m_threads(std::max(limits.threads, 1)),
           m_slots(static_cast<size_t>(limits.inFlight > 0 ? limits.inFlight : 4 * m_threads)),
-          m_isInterrupted(std::move(isInterrupted))
+          m_patience(limits.patience), m_isInterrupted(std::move(isInterrupted))
     {}
 
     /// Runs the stream to its end, once an object. On return no thread of the pipeline is left.
@@ -61,9 +63,13 @@ public:
     /// An empty optional of `source` ends the stream. Its error does too: the pieces before it are worked on and
     /// consumed first, then that error is returned. An error of `sink` is returned as soon as the pieces being worked
     /// on are done; nothing more is read or consumed, and what came after it is dropped. An interrupt is the same, with
-    /// a `Failure` "interrupted". A `source` that waits for its input holds up the return in all these cases. Where the
-    /// system gives fewer threads than wanted, those that there are do the work; `Failure` when there is none. Memory
-    /// that runs out in any of the threads is std::bad_alloc here, once the others have ended.
+    /// a `Failure` "interrupted". Memory that runs out in any of the threads ends it too, and is std::bad_alloc here,
+    /// whatever else has failed. A `source` that waits for its input holds up the return in all these cases. Where the
+    /// system gives fewer threads than wanted, those that there are do the work; `Failure` when there is none.
+    ///
+    /// A library may keep what it locked when std::bad_alloc passes through it (Qt Gui does, with its fonts), and the
+    /// other workers may wait for that. So std::terminate, with std::bad_alloc as its exception, ends the process when
+    /// memory has run out and not all workers end within `patience`.
     Error run(Source source, Work work, Sink sink)
     {
         m_source = std::move(source);
@@ -74,6 +80,7 @@ public:
         if (!error.hasError())
             error = consumeAll(sink);
         stopReading();
+        awaitEnds(workers.size());
         for (std::thread &worker : workers)
             worker.join();
         if (m_isOutOfMemory)
@@ -109,6 +116,22 @@ private:
                 deliver(taken->number, m_work(worker, std::move(taken->piece)));
         } catch (const std::bad_alloc &) {
             noteOutOfMemory();
+        }
+        const std::lock_guard lock(m_mutex);
+        ++m_endedCount;
+        m_changed.notify_all();
+    }
+
+    void awaitEnds(size_t workerCount)
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [&] { return m_isOutOfMemory || m_endedCount == workerCount; });
+        if (m_changed.wait_for(lock, m_patience, [&] { return m_endedCount == workerCount; }))
+            return;
+        try {
+            throw std::bad_alloc();
+        } catch (const std::bad_alloc &) {
+            std::terminate();
         }
     }
 
@@ -205,6 +228,7 @@ private:
 
     const int m_threads;
     std::vector<std::optional<Outcome>> m_slots;
+    const std::chrono::seconds m_patience;
     Interrupt m_isInterrupted;
     Source m_source;
     Work m_work;
@@ -214,6 +238,7 @@ private:
     std::condition_variable m_changed;
     size_t m_takenCount = 0;
     size_t m_consumedCount = 0;
+    size_t m_endedCount = 0; ///< of the workers
     bool m_isAllTaken = false;
     bool m_isOutOfMemory = false;
     Error m_sourceError;

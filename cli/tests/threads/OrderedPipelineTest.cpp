@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
+#include <exception>
 #include <memory>
+#include <new>
 #include <numeric>
 #include <set>
 
@@ -177,7 +180,8 @@ TEST_P(OrderedPipelineThreads, SinkRunsInTheCallingThread)
 TEST_P(OrderedPipelineThreads, RunEndsWhereAWorkerGetsNoMemory)
 {
     Numbers consumed;
-    EXPECT_THROW(Pipeline({GetParam()}).run(counting(1000), withoutMemory, appendTo(&consumed)), std::bad_alloc);
+    EXPECT_THROW(static_cast<void>(Pipeline({GetParam()}).run(counting(1000), withoutMemory, appendTo(&consumed))),
+                 std::bad_alloc);
     EXPECT_LE(consumed.size(), 5U);
 }
 
@@ -185,10 +189,41 @@ TEST_P(OrderedPipelineThreads, RunEndsWhereTheSourceOrTheSinkGetsNoMemory)
 {
     const auto source = []() -> Result<std::optional<int>> { throw std::bad_alloc(); };
     Numbers consumed;
-    EXPECT_THROW(Pipeline({GetParam()}).run(source, same, appendTo(&consumed)), std::bad_alloc);
+    EXPECT_THROW(static_cast<void>(Pipeline({GetParam()}).run(source, same, appendTo(&consumed))), std::bad_alloc);
     EXPECT_TRUE(consumed.empty());
     const auto sink = [](int) -> Error { throw std::bad_alloc(); };
-    EXPECT_THROW(Pipeline({GetParam()}).run(counting(1000), same, sink), std::bad_alloc);
+    EXPECT_THROW(static_cast<void>(Pipeline({GetParam()}).run(counting(1000), same, sink)), std::bad_alloc);
+}
+
+// As drawing does in Qt Gui, which another thread has left locked.
+int stuckOrWithoutMemory(int, int number)
+{
+    if (number > 0)
+        throw std::bad_alloc();
+    sleepMilliseconds(60'000);
+    return number;
+}
+
+void exitWithoutMemory()
+{
+    try {
+        std::rethrow_exception(std::current_exception());
+    } catch (const std::bad_alloc &) {
+        std::_Exit(7);
+    }
+}
+
+TEST(OrderedPipelineDeathTest, ProcessEndsWhereAWorkerIsStuckWhenMemoryHasRunOut)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto run = [] {
+        std::set_terminate(exitWithoutMemory);
+        PipelineLimits limits{2};
+        limits.patience = std::chrono::seconds(0);
+        Numbers consumed;
+        static_cast<void>(Pipeline(limits).run(counting(2), stuckOrWithoutMemory, appendTo(&consumed)));
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(7), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(OrderedPipeline, OrderedPipelineThreads, ::testing::Values(1, 2, 5));
