@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Terminal.h"
 
+#include <atomic>
 #include <cstdio>
-#include <utility>
 
 #ifdef _WIN32
 #include <io.h>
@@ -44,7 +44,7 @@ void QuietStandardError::end() {}
 
 namespace {
 
-int trueStandardError = -1; // a copy of the descriptor while it is quiet
+std::atomic<int> trueStandardError = -1; // a copy of the descriptor while it is quiet
 
 } // namespace
 
@@ -55,23 +55,26 @@ QuietStandardError::QuietStandardError(bool isQuiet)
         return;
     std::fflush(stderr);
     trueStandardError = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
-    if (trueStandardError >= 0)
+    m_isQuiet = trueStandardError >= 0;
+    if (m_isQuiet)
         dup2(nowhere, STDERR_FILENO);
     close(nowhere);
 }
 
 QuietStandardError::~QuietStandardError()
 {
-    end();
+    if (m_isQuiet)
+        end();
 }
 
 void QuietStandardError::end()
 {
-    if (trueStandardError < 0)
+    const int original = trueStandardError.exchange(-1);
+    if (original < 0)
         return;
     std::fflush(stderr);
-    dup2(trueStandardError, STDERR_FILENO);
-    close(std::exchange(trueStandardError, -1));
+    dup2(original, STDERR_FILENO);
+    close(original);
 }
 
 #endif

@@ -30,7 +30,11 @@ public:
     QuietStandardError &operator=(const QuietStandardError &) = delete;
 
     /// Ends the quiet of the object that lives, if there is one: for the last words of a process that is about to end.
+    /// Any thread may call it.
     static void end();
+
+private:
+    bool m_isQuiet = false;
 };
 
 } // namespace zav

@@ -52,5 +52,17 @@ TEST(QuietStandardErrorTest, ThatIsNotQuietLetsEverythingThrough)
     EXPECT_EQ(seen, "seen\ntoo\n");
 }
 
+TEST(QuietStandardErrorTest, ThatIsNotQuietLeavesTheQuietOfAnotherAlone)
+{
+    const std::string seen = seenOf([] {
+        const QuietStandardError quiet(true);
+        {
+            const QuietStandardError other(false);
+        }
+        std::fputs("lost\n", stderr);
+    });
+    EXPECT_EQ(seen, "");
+}
+
 } // namespace
 } // namespace zav
