@@ -85,13 +85,12 @@ int run(const RuntimeInstallOptions &options)
     return RuntimeInstallCommand(options).run();
 }
 
-/// Leaves at once. Qt Gui unlocks nothing when std::bad_alloc passes through it: destroyed, it would wait for its own
-/// lock.
+/// Leaves without destroying the application: Qt Gui stays locked where std::bad_alloc passes through it, and its
+/// destructor would wait for that lock.
 [[noreturn]] void endWithoutMemory()
 {
     QuietStandardError::end();
     std::fputs("zav: out of memory\n", stderr);
-    std::fflush(stdout);
     std::_Exit(SomeFailed);
 }
 
@@ -108,6 +107,7 @@ int runCommand(const Options &options, char **argv)
     try {
         return run(options);
     } catch (const std::bad_alloc &) { // all that the run began has been removed
+        std::fflush(stdout);
         endWithoutMemory();
     }
 }
@@ -120,7 +120,7 @@ int runCommand(const EarlyExit &exit, char ** /*argv*/)
 std::terminate_handler otherTermination = nullptr;
 
 /// Some libraries cannot pass std::bad_alloc on: they take memory in destructors, or in functions that must not throw.
-[[noreturn]] void terminate()
+[[noreturn]] void onTerminate()
 {
     try {
         if (const std::exception_ptr thrown = std::current_exception())
@@ -140,7 +140,7 @@ std::terminate_handler otherTermination = nullptr;
 // NOLINTNEXTLINE(bugprone-exception-escape): what else is thrown is a fault, and ends the process
 int main(int argc, char **argv)
 try {
-    zav::otherTermination = std::set_terminate(zav::terminate);
+    zav::otherTermination = std::set_terminate(zav::onTerminate);
     return std::visit([&](const auto &asked) { return zav::runCommand(asked, argv); },
                       zav::parseCommandLine(argc, argv));
 } catch (const std::bad_alloc &) {
