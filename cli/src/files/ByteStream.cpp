@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 #include <utility>
 
 namespace zav {
@@ -44,16 +45,15 @@ Error hasChanged(const QString &name)
 struct ByteStream::Gzip
 {
     z_stream stream{};
-    bool isInitialised = inflateInit2(&stream, GZIP_WINDOW_BITS) == Z_OK;
     bool isWithinMember = false;
     QByteArray encoded; // what `stream` reads from
 
-    Gzip() = default;
-    ~Gzip()
+    Gzip()
     {
-        if (isInitialised)
-            inflateEnd(&stream);
+        if (inflateInit2(&stream, GZIP_WINDOW_BITS) != Z_OK) // it fails for want of memory only
+            throw std::bad_alloc();
     }
+    ~Gzip() { inflateEnd(&stream); }
     Q_DISABLE_COPY_MOVE(Gzip)
 
     void take(QByteArray bytes)
@@ -74,8 +74,6 @@ struct ByteStream::Gzip
     // Why the bytes cannot be inflated, an empty text when all went well.
     QString inflateInto(QByteArray *decoded)
     {
-        if (!isInitialised)
-            return QStringLiteral("zlib cannot be started");
         decoded->resize(PIECE_BYTES);
         stream.next_out = reinterpret_cast<Bytef *>(decoded->data());
         stream.avail_out = static_cast<uInt>(decoded->size());
@@ -83,6 +81,8 @@ struct ByteStream::Gzip
             const int status = inflate(&stream, Z_NO_FLUSH);
             if (status == Z_BUF_ERROR) // wants more input
                 break;
+            if (status == Z_MEM_ERROR)
+                throw std::bad_alloc();
             if (status == Z_STREAM_END) {
                 isWithinMember = false;
                 inflateReset(&stream);

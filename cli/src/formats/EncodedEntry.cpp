@@ -84,7 +84,7 @@ QByteArray compressed(const QByteArray &bytes)
     z_stream stream{};
     QByteArray packedBytes;
     if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, WINDOW_BITS, MEMORY_LEVEL, Z_DEFAULT_STRATEGY) != Z_OK)
-        throw std::bad_alloc(); // nothing else can go wrong
+        throw std::bad_alloc(); // it fails for want of memory only
     packedBytes.resize(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(bytes.size()))));
     stream.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(bytes.constData()));
     stream.avail_in = static_cast<uInt>(bytes.size());

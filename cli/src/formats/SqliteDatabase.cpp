@@ -6,6 +6,7 @@
 #include <sqlite3.h>
 
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace zav {
@@ -42,6 +43,8 @@ Error SqliteDatabase::close()
 
 Error SqliteDatabase::failure() const
 {
+    if (sqlite3_errcode(m_handle) == SQLITE_NOMEM) // also where there is no handle for want of memory
+        throw std::bad_alloc();
     return failure(QString::fromUtf8(sqlite3_errmsg(m_handle)));
 }
 

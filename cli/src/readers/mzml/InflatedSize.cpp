@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <string_view>
 
 namespace zav {
@@ -22,7 +23,7 @@ bool inflatesBeyond(QByteArray bytes, qsizetype limit)
 {
     z_stream stream = {};
     if (inflateInit(&stream) != Z_OK)
-        return true; // no memory for 50 KiB is none for the array
+        throw std::bad_alloc();
     stream.next_in = reinterpret_cast<Bytef *>(bytes.data());
     stream.avail_in = static_cast<uInt>(bytes.size());
     std::array<Bytef, 1U << 16U> piece = {};
@@ -35,6 +36,8 @@ bool inflatesBeyond(QByteArray bytes, qsizetype limit)
         inflated += static_cast<qsizetype>(piece.size() - stream.avail_out);
     }
     inflateEnd(&stream);
+    if (state == Z_MEM_ERROR)
+        throw std::bad_alloc();
     return inflated > limit;
 }
 
