@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <new>
 #include <random>
 #include <vector>
 
@@ -186,6 +187,16 @@ void limitMemory()
         setrlimit(RLIMIT_AS, &memory);
 }
 
+/// Memory that runs out in our own code refuses the graph, too; std::bad_alloc of TensorFlow's threads ends the child.
+bool isRefusedBy(const zav::NetworkContract &contract, const QString &graphPath)
+{
+    try {
+        return zav::tryNetwork(contract, graphPath).hasError();
+    } catch (const std::bad_alloc &) {
+        return true;
+    }
+}
+
 /// What the child does. Never returns.
 [[noreturn]] void tryChanges(const std::vector<Network> &networks, int end, const QString &graphPath,
                              const QByteArray &messages, Account *account)
@@ -201,7 +212,7 @@ void limitMemory()
             _exit(2);
         graph.close();
         alarm(LONGEST_TRIAL);
-        const bool isRefused = zav::tryNetwork(network.contract, graphPath).hasError();
+        const bool isRefused = isRefusedBy(network.contract, graphPath);
         alarm(0);
         ++(isRefused ? account->refused : account->predicted);
         ++account->next;
@@ -244,7 +255,7 @@ int main(int argc, char *argv[])
         mmap(nullptr, sizeof(Account), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     *account = {first, 0, 0};
     QMap<QString, QList<int>> ends;
-    int told = 0;
+    int nextLine = CHANGES_PER_LINE;
     while (account->next < end) {
         const int last = std::min(end, account->next + CHANGES_PER_CHILD);
         const pid_t child = fork();
@@ -256,9 +267,9 @@ int main(int argc, char *argv[])
             return 2;
         if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
             ends[placeOfEnd(status, messages)].append(account->next++);
-        if ((account->next - first) / CHANGES_PER_LINE > told) {
-            told = (account->next - first) / CHANGES_PER_LINE;
-            std::fprintf(stderr, "%d of %d\n", account->next - first, end - first);
+        if (const int done = account->next - first; done >= nextLine) {
+            std::fprintf(stderr, "%d of %d\n", done, end - first);
+            nextLine += CHANGES_PER_LINE;
         }
     }
     std::printf("%d changed graphs: %d predicted, %d refused\n", end - first, account->predicted, account->refused);

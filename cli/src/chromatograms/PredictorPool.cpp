@@ -53,7 +53,7 @@ QString thinningRemark(qsizetype pointCount, int size)
 
 Error runError(const Error &error, const QString &modelFilePath, int size)
 {
-    endRunIfOutOfMemory(error);
+    throwIfOutOfMemory(error);
     if (!error.message().isEmpty())
         return error;
     return explainedError(

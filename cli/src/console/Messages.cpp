@@ -4,6 +4,7 @@
 #include "Progress.h"
 
 #include <cstdio>
+#include <new>
 
 namespace zav {
 
@@ -35,6 +36,12 @@ void Messages::writeLine(const QString &line)
     if (m_progress)
         m_progress->clear();
     std::fputs(qUtf8Printable(line + QLatin1Char('\n')), stderr);
+}
+
+void throwIfOutOfMemory(const Error &error)
+{
+    if (error.equals(Failure) && error.message() == QLatin1String("Out of memory"))
+        throw std::bad_alloc();
 }
 
 Error explainedError(const Error &error, const QString &message)

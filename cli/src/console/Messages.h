@@ -33,6 +33,10 @@ private:
     Progress *m_progress = nullptr;
 };
 
+/// Throws std::bad_alloc for the error of a predictor that ran out of memory. The predictor could go on, but the
+/// program ends as it does elsewhere without memory.
+void throwIfOutOfMemory(const Error &error);
+
 /// The error with another message and the same code and trail: for a failure that has no message yet, or one that says
 /// nothing to the user.
 Error explainedError(const Error &error, const QString &message);

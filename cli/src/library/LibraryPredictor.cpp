@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LibraryPredictor.h"
 
+#include "Messages.h"
 #include "NetworkLoading.h"
 
 #include <QtCore/QMap>
@@ -111,6 +112,7 @@ Error LibraryPredictor::predictBlock(const QList<LibraryPrecursors> &precursors,
     block.resize(size.precursors, PeptidoformPrecursor(block.constLast()));
     QList<QList<FragmentPeak>> spectra;
     Error outcome = m_spectra.predict(block, &spectra);
+    throwIfOutOfMemory(outcome);
     if (outcome.hasError())
         return outcome;
     keepRemarks(outcome);
@@ -139,6 +141,7 @@ Error LibraryPredictor::predictWith(Error (RetentionTimePredictor::*predict)(con
     return inBlocks(precursors, LARGE_BLOCK, [&](const Indices &indices, qsizetype size) {
         QList<Value> found;
         Error outcome = (m_times.*predict)(peptidoformsOf(precursors, indices, size), &found);
+        throwIfOutOfMemory(outcome);
         if (outcome.hasError())
             return outcome;
         keepRemarks(outcome);

@@ -3,8 +3,6 @@
 
 #include <QtCore/QFileInfo>
 
-#include <new>
-
 namespace zav {
 
 namespace {
@@ -28,22 +26,16 @@ void noteTrust(const NetworkChoice &asked, Messages *messages)
         messages->note(QStringLiteral("the networks are loaded unchecked"));
 }
 
-void endRunIfOutOfMemory(const Error &error)
-{
-    if (error.equals(Failure) && error.message() == QLatin1String("Out of memory"))
-        throw std::bad_alloc();
-}
-
 Error loadingError(const Error &error, const QString &path)
 {
-    endRunIfOutOfMemory(error);
+    throwIfOutOfMemory(error);
     const QString reason = error.message().isEmpty() ? QStringLiteral("not a usable network") : error.message();
     return explainedError(error, QStringLiteral("cannot load %1: %2").arg(QFileInfo(path).fileName(), reason));
 }
 
 Error predictionError(const Error &error, int charge)
 {
-    endRunIfOutOfMemory(error);
+    throwIfOutOfMemory(error);
     if (!error.hasError() || !error.message().isEmpty())
         return error;
     return explainedError(error, QStringLiteral("msms_charge%1.pb is not a network for charge %1").arg(charge));

@@ -15,16 +15,13 @@ namespace zav {
 /// Says so when the networks are loaded unchecked.
 void noteTrust(const NetworkChoice &asked, Messages *messages);
 
-/// Throws std::bad_alloc for the error of a predictor in which memory ran out: the predictor could go on, the program
-/// ends as wherever else it gets no memory. `loadingError` and `predictionError` do so, too.
-void endRunIfOutOfMemory(const Error &error);
-
 /// The failure to load a network, in the user's terms: `cannot load msms_charge2.pb: REASON`. Code and trail are those
-/// of `error`.
+/// of `error`. Throws as `throwIfOutOfMemory` does.
 Error loadingError(const Error &error, const QString &path);
 
 /// The failure to predict with a fragmentation network. The library reports a network that does not fit its charge by
-/// code and trail alone; here it gets a message. Other errors, and no error, come back as they are.
+/// code and trail alone; here it gets a message. Other errors, and no error, come back as they are, but for what
+/// `throwIfOutOfMemory` throws.
 Error predictionError(const Error &error, int charge);
 
 /// Loads the networks of the charges into `predictor`: one charge at least, each within 1 to 5. Ends at the first that

@@ -20,6 +20,7 @@ namespace {
 /// Some errors of the library have a code and a trail, but no message.
 Error failedStep(const Error &error, const QString &step)
 {
+    throwIfOutOfMemory(error);
     return explainedError(error, error.message().isEmpty() ? step : step + QStringLiteral(": ") + error.message());
 }
 

@@ -52,6 +52,7 @@ Result<ObservedTimes> readObservedTimes(const QString &path)
 Result<FittedTimes> fitTimes(const ObservedTimes &observed, const QString &path, RetentionTimePredictor *predictor)
 {
     const Result<RetentionTimeCalibration> fitted = RetentionTimeCalibration::fit(predictor, observed.pairs);
+    throwIfOutOfMemory(fitted.error());
     if (fitted.hasError()) {
         // The library fails without a message where the network does not run.
         QString reason =

@@ -22,6 +22,7 @@ constexpr qsizetype BLOCK = 8192;
 /// The library names a network of another shape by a message of its own, and fails without one elsewhere.
 Error predictionFailure(const Error &error)
 {
+    throwIfOutOfMemory(error);
     return error.message().isEmpty() ? explainedError(error, QStringLiteral("cannot predict retention times")) : error;
 }
 

@@ -153,7 +153,7 @@ QList<Result<PredictedSpectrum>> SpectrumPredictor::predictPeptidoforms(const QL
     }
     QList<QList<FragmentPeak>> peaks;
     const Error error = m_peptidoforms.predict(asked, &peaks, m_isotopes);
-    endRunIfOutOfMemory(error);
+    throwIfOutOfMemory(error);
     if (error.hasError())
         return failures(error.message().isEmpty()
                             ? explainedError(error, QStringLiteral("peptidoform_spectrum.pb is not a network of "

@@ -89,12 +89,12 @@ TEST(NetworkLoading, PredictionThatFailsWithoutAMessageIsANetworkOfAnotherCharge
 TEST(NetworkLoading, MemoryThatRanOutInAPredictorEndsTheRun)
 {
     const Error outOfMemory(Failure, QStringLiteral("Out of memory"));
-    EXPECT_THROW(endRunIfOutOfMemory(outOfMemory), std::bad_alloc);
-    EXPECT_THROW(loadingError(outOfMemory, QStringLiteral("msms_charge1.pb")), std::bad_alloc);
-    EXPECT_THROW(predictionError(outOfMemory, 1), std::bad_alloc);
+    EXPECT_THROW(throwIfOutOfMemory(outOfMemory), std::bad_alloc);
+    EXPECT_THROW(static_cast<void>(loadingError(outOfMemory, QStringLiteral("msms_charge1.pb"))), std::bad_alloc);
+    EXPECT_THROW(static_cast<void>(predictionError(outOfMemory, 1)), std::bad_alloc);
     for (const Error &other : {Error(), Error(Failure), Error(Failure, QStringLiteral("no file")),
                                Error(InvalidInput, outOfMemory.message())})
-        EXPECT_NO_THROW(endRunIfOutOfMemory(other));
+        EXPECT_NO_THROW(throwIfOutOfMemory(other));
 }
 
 } // namespace
