@@ -118,6 +118,37 @@ def test_lists_the_highest_peaks_that_nothing_explains(browser, workplace, predi
     assert not any(abs(mz - each) < 2e-3 for mz, _ in peaks for each in explained)
 
 
+def test_tells_an_explained_peak_from_a_neighbour(browser, workplace, predicted):
+    """Neighbours closer than the page's m/z are taken to be exact: of half the intensity, and of the same."""
+
+    def neighbour(mz):  # one that the table, of three decimals, can tell from it
+        return mz + 5e-4 if round(mz + 5e-4, 3) != round(mz, 3) else mz - 5e-4
+
+    block = predicted.read_text(encoding="utf-8").split("BEGIN IONS")[1].split("END IONS")[0]
+    peaks = sorted(tuple(map(float, line.split()[:2])) for line in block.splitlines() if line[:1].isdigit())
+    first, second = sorted(peaks, key=lambda peak: -peak[1])[:2]
+    measured = sorted([*peaks, (neighbour(first[0]), first[1] / 2), (neighbour(second[0]), second[1])])
+    run = workplace.folder / "neighbours.mgf"
+    lines = [f"{mz:.5f} {intensity}\n" for mz, intensity in measured]
+    run.write_text("BEGIN IONS\nTITLE=one\n" + "".join(lines) + "END IONS\n", encoding="utf-8")
+    page = Page(browser, workplace.spectra_report("neighbours", [(*PEPTIDES[0], "one")], run))
+    page.wait_for_picture()
+
+    def column(table, place):
+        cells = page.script(
+            """return [...document.querySelectorAll(`[aria-label="${arguments[0]}"] tbody tr`)]
+                 .map((row) => row.cells[arguments[1]].textContent).filter(Boolean)""",
+            table,
+            place,
+        )
+        return [float(cell) for cell in cells]
+
+    explained = set(column("predicted peaks", 3))
+    others = [round(mz, 3) for mz, _ in measured if min(abs(mz - each) for each in explained) > 1e-4]
+    assert len(others) == 2
+    assert sorted(column("measured peaks, not explained", 0)) == others
+
+
 @pytest.mark.parametrize("scheme", ["light", "dark"])
 def test_mirror_of_a_real_spectrum(browser, workplace, scheme):
     run = DATA / f"{MEASURED}.mzML"

@@ -177,20 +177,21 @@ class SpectrumReport {
   }
 }
 
-/** The measured peaks, which ascend in m/z, that ions are paired with. Their m/z and intensities are rounded here, those
- * of the pairs are not: near the m/z of a pair, the peak of its intensity is the one. */
+/** The measured peaks, which ascend in m/z, that ions are paired with: of those of the pair's intensity the nearest in
+ * m/z. Here m/z and intensities are rounded, those of the pairs are not. */
 function explainedPeaks(observed, ions) {
   const slack = observed.length ? 1e-6 * (observed.at(-1).mz - observed[0].mz) : 0;
   const seen = ions.filter(({ observedMz }) => observedMz !== undefined).sort((a, b) => a.observedMz - b.observedMz);
   const explained = new Set();
   let first = 0;
   for (const { observedMz, observedIntensity } of seen) {
-    const distance = (peak) => Math.abs(peak.intensity - observedIntensity);
+    const distance = (peak) => Math.abs(peak.mz - observedMz);
+    const isOfPair = ({ intensity }) => Math.abs(intensity - observedIntensity) <= 1e-6 * observedIntensity;
     while (first < observed.length && observed[first].mz < observedMz - slack)
       ++first;
     let nearest = null;
     for (let i = first; i < observed.length && observed[i].mz <= observedMz + slack; ++i) {
-      if (!nearest || distance(observed[i]) < distance(nearest))
+      if (isOfPair(observed[i]) && (!nearest || distance(observed[i]) < distance(nearest)))
         nearest = observed[i];
     }
     if (nearest)
