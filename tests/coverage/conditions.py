@@ -41,7 +41,7 @@ def exported(build):
         run = subprocess.run(command, capture_output=True, text=True, check=False)
         if run.returncode == 0:
             yield from json.loads(run.stdout)["data"][0]["files"]
-        elif "no coverage data found" not in run.stderr:
+        elif "no coverage data found" not in run.stderr.lower():
             sys.exit(f"{program}: {run.stderr}")
 
 
