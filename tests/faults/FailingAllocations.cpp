@@ -36,7 +36,7 @@ struct Modules
 {
     std::array<Module, 512> list;
     std::atomic<size_t> count;
-    bool haveTensorFlow;
+    std::atomic<bool> haveTensorFlow;
 };
 
 std::atomic<bool> isArmed = false;
@@ -47,7 +47,7 @@ bool failsLaterToo = false;
 bool isForOneThread = false;
 thread_local bool isArmingThread = false;
 thread_local bool isLooking = false; // this code's own allocations succeed
-thread_local bool isLoading = false; // a library: the initialisers that the dynamic linker calls are TensorFlow's
+thread_local bool isLoading = false; // while dlopen runs: what a library allocates at its start does not count
 Modules modules;
 
 Owner ownerOf(const char *name)
@@ -67,16 +67,16 @@ Owner ownerOf(const char *name)
 
 int noteModule(dl_phdr_info *info, size_t /*size*/, void *data)
 {
-    auto *noted = static_cast<Modules *>(data);
+    auto *count = static_cast<size_t *>(data);
     const Owner owner = ownerOf(info->dlpi_name);
-    noted->haveTensorFlow = noted->haveTensorFlow || owner == Owner::TensorFlow;
-    for (int i = 0; i < info->dlpi_phnum && noted->count < noted->list.size(); ++i) {
+    if (owner == Owner::TensorFlow)
+        modules.haveTensorFlow = true;
+    for (int i = 0; i < info->dlpi_phnum && *count < modules.list.size(); ++i) {
         const auto &segment = info->dlpi_phdr[i];
         if (segment.p_type != PT_LOAD || (segment.p_flags & PF_X) == 0)
             continue;
         const uintptr_t begin = info->dlpi_addr + segment.p_vaddr;
-        noted->list[noted->count] = {begin, begin + segment.p_memsz, owner};
-        ++noted->count;
+        modules.list[(*count)++] = {begin, begin + segment.p_memsz, owner};
     }
     return 0;
 }
@@ -127,8 +127,8 @@ Owner ownerOfCaller(void *caller)
     return search.found;
 }
 
-/// Also where the code that allocates is ours: a template of the standard library that is compiled into several
-/// libraries runs in one of them for all.
+/// Whether TensorFlow is anywhere on the stack. An instance of a template that several libraries contain runs in one of
+/// them for all, so that an allocation of TensorFlow may come from code of ours.
 bool isWithinTensorFlow()
 {
     bool isFound = false;
@@ -171,8 +171,9 @@ namespace failingAllocations {
 void noteModules()
 {
     isLooking = true;
-    modules.count = 0; // what stands in the list comes again, in the same order
-    dl_iterate_phdr(noteModule, &modules);
+    size_t count = 0;
+    dl_iterate_phdr(noteModule, &count); // other threads go on with the list: the first ones come again, in their order
+    modules.count = count;
     isLooking = false;
 }
 
@@ -231,6 +232,7 @@ ZAV_REPLACED void free(void *block)
     __libc_free(block);
 }
 
+// The real one takes this library for its caller, whose search path then counts. The names here are whole paths.
 ZAV_REPLACED void *dlopen(const char *name, int mode)
 {
     static const auto open = reinterpret_cast<void *(*)(const char *, int)>(dlsym(RTLD_NEXT, "dlopen"));

@@ -5,9 +5,13 @@
 // ZAV_ALLOCATIONS_FILE when the program ends.
 #include "FailingAllocations.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
+#include <unistd.h>
+#include <unwind.h>
 
 namespace {
 
@@ -27,6 +31,29 @@ void tell()
     std::fclose(file);
 }
 
+constexpr int CRASH_OF_QT_GUI = 86;
+
+_Unwind_Reason_Code findQtGui(_Unwind_Context *context, void *isFound)
+{
+    Dl_info info;
+    if (dladdr(reinterpret_cast<void *>(_Unwind_GetIP(context)), &info) != 0 && info.dli_fname != nullptr &&
+        std::strstr(info.dli_fname, "libQt6Gui") != nullptr)
+        *static_cast<bool *>(isFound) = true;
+    return *static_cast<bool *>(isFound) ? _URC_END_OF_STACK : _URC_NO_REASON;
+}
+
+/// Tells a crash within Qt Gui, which survives no lack of memory, from one within the program.
+void onCrash(int signal)
+{
+    failingAllocations::disarm();
+    bool isOfQtGui = false;
+    _Unwind_Backtrace(findQtGui, &isOfQtGui);
+    if (isOfQtGui)
+        _exit(CRASH_OF_QT_GUI);
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
 /// Qt (6.4) crashes where it gets no memory for what it keeps of a thread, which this makes for the first one.
 void prepareQt()
 {
@@ -39,6 +66,7 @@ void prepareQt()
 int armedMain(int argc, char **argv, char **environment)
 {
     prepareQt();
+    std::signal(SIGSEGV, onCrash);
     const char *number = std::getenv("ZAV_FAIL_ALLOCATION");
     failingAllocations::arm(number != nullptr ? std::atol(number) : 0, std::getenv("ZAV_FAIL_LATER_TOO") != nullptr,
                             false);

@@ -291,9 +291,11 @@ def peptides_case():
                 {"list.txt": b"peptide\tcharge\nAAGGISSLEDAK\t2\nLLGWQK\t1\n"})
 
 
-def limits_case():
-    return Case("limits --plot", "limits {d}/t.txt --method walk --threads 1 -o {d}/l.tsv --plot {d}/pictures",
-                ("l.tsv", "pictures/0001_one.svg", "pictures/0002_two.svg"), {"t.txt": chromatograms()}, draws_pictures=True)
+def limits_case(threads=1):
+    return Case("limits --plot" if threads == 1 else f"limits --plot, {threads} threads",
+                f"limits {{d}}/t.txt --method walk --threads {threads} -o {{d}}/l.tsv --plot {{d}}/pictures",
+                ("l.tsv", "pictures/0001_one.svg", "pictures/0002_two.svg"), {"t.txt": chromatograms()},
+                draws_pictures=True)
 
 
 # The report names its input as the command line does: by a path that is the same in every run.
