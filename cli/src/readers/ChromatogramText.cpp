@@ -107,11 +107,11 @@ bool ChromatogramTable::moveToRow()
 Error ChromatogramTable::beginTrace()
 {
     m_id = m_heading.has(ID) ? m_heading.cell(m_lines.line(), ID).toByteArray() : QByteArray("1");
-    if (m_id.isEmpty())
+    const QString id = QString::fromUtf8(m_id);
+    if (id.isEmpty()) // also where the cell is a byte order mark only, which is no text
         return m_lines.errorHere(QStringLiteral("the row has no id"));
     if (m_ids.contains(m_id))
-        return m_lines.errorHere(
-            QStringLiteral("the rows of id '%1' are not together").arg(displayText(QString::fromUtf8(m_id))));
+        return m_lines.errorHere(QStringLiteral("the rows of id '%1' are not together").arg(displayText(id)));
     m_ids.insert(m_id);
     return {};
 }

@@ -95,6 +95,11 @@ TEST_F(ChromatogramText, TableThatIsNoneIsRefused)
               "a.tsv, line 2: the line is longer than 1048576 bytes");
 }
 
+TEST_F(ChromatogramText, ByteOrderMarkAloneIsNoId)
+{
+    EXPECT_EQ(read("a.tsv", "id\trt\tintensity\n\xEF\xBB\xBF\t1\t2\n").error, "a.tsv, line 2: the row has no id");
+}
+
 TEST_F(ChromatogramText, LongTableIsReadAcrossThePiecesOfItsFile)
 {
     constexpr int TRACES = 300;
