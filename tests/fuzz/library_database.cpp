@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Door: a shard of a DLIB, BLIB or PQP library (ZAV_LIBRARY_KIND) that `zav library merge` appends. The input says
-// which cells of a sound library get which values, and then which bytes of its file are others. Promises: a message, or
-// a library that can be appended itself.
+// which cells of a sound library get which values, and then which bytes of its file are others; or that a view with
+// rows without end takes the place of a table. Promises: a message, or a library that can be appended itself; a view is
+// refused.
 #include "FuzzSupport.h"
 #include "SqliteLibrary.h"
 
@@ -97,14 +98,19 @@ void changeCell(FuzzedDataProvider *data, const std::vector<Column> &columns, sq
     sqlite3_finalize(statement);
 }
 
+const std::vector<Column> &columns()
+{
+    static const std::vector<Column> all = columnsOf(pathOf("sound"));
+    return all;
+}
+
 void changeCells(FuzzedDataProvider *data, const QString &path)
 {
-    static const std::vector<Column> columns = columnsOf(path);
     sqlite3 *database = nullptr;
     require(sqlite3_open(path.toUtf8().constData(), &database) == SQLITE_OK, "a sound library opens");
     sqlite3_exec(database, "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; BEGIN", nullptr, nullptr, nullptr);
     for (int count = data->ConsumeIntegralInRange(0, 8); count > 0; --count)
-        changeCell(data, columns, database);
+        changeCell(data, columns(), database);
     sqlite3_exec(database, "COMMIT", nullptr, nullptr, nullptr);
     sqlite3_close(database);
 }
@@ -115,6 +121,21 @@ void changeBytes(FuzzedDataProvider *data, const QString &path)
     for (int count = data->ConsumeIntegralInRange(0, 8); count > 0 && !bytes.isEmpty(); --count)
         bytes[data->ConsumeIntegralInRange<qsizetype>(0, bytes.size() - 1)] = data->ConsumeIntegral<char>();
     fileWith("shard", bytes);
+}
+
+/// False for a table of SQLite's own, which cannot be replaced.
+bool replaceTable(FuzzedDataProvider *data, const QString &path)
+{
+    const std::string &table = columns()[data->ConsumeIntegralInRange<std::size_t>(0, columns().size() - 1)].first;
+    const std::string change = "PRAGMA journal_mode = OFF; ALTER TABLE " + table + " RENAME TO other; CREATE VIEW " +
+                               table +
+                               " AS WITH RECURSIVE n(number) AS (VALUES (1) UNION ALL SELECT number + 1 FROM n)"
+                               " SELECT * FROM other, n";
+    sqlite3 *database = nullptr;
+    sqlite3_open(path.toUtf8().constData(), &database);
+    const bool isReplaced = sqlite3_exec(database, change.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    sqlite3_close(database);
+    return isReplaced;
 }
 
 Error append(const QString &from, const QString &to)
@@ -137,8 +158,10 @@ void tryInput(const QByteArray &input)
     const QString path = fileWith("shard", sound);
     changeCells(&data, path);
     changeBytes(&data, path);
+    const bool isEndless = data.ConsumeBool() && replaceTable(&data, fileWith("shard", sound));
     const Error error = append(path, pathOf("merged"));
     require(error.hasError() == !error.message().isEmpty(), "a failure says why");
+    require(!isEndless || error.hasError(), "a view is refused");
     if (!error.hasError())
         require(!append(pathOf("merged"), pathOf("again")).hasError(), "what was merged can be merged");
 }

@@ -28,7 +28,7 @@ void tryInput(const QByteArray &input)
     const QString path = pathOf("merged");
     const std::unique_ptr<LibraryWriter> writer = makeLibraryWriter(kind, path, info);
     require(!writer->open().hasError(), "a library can be begun");
-    const Error error = writer->append(fileWith("shard", shard), facts);
+    const Error error = writer->append(fileWith("shard", shard), facts, [] { return Error(); });
     require(error.hasError() == !error.message().isEmpty(), "a failure says why");
     if (error.hasError())
         return;

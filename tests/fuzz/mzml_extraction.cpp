@@ -2,8 +2,7 @@
 //
 // Door: chromatograms extracted from the MS1 spectra of an mzML file.
 // Promises: a trace a target, or an error of the file; finite points within the target's range of time; plain and
-// gzipped content read the same; with and without keeping the traces too, unless gzip is damaged behind the document; a
-// cut file is an error.
+// gzipped content read the same; with and without keeping the traces too, unless gzip is damaged behind the document.
 #include "ByteStream.h"
 #include "ChromatogramSupport.h"
 

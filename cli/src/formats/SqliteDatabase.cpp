@@ -11,6 +11,19 @@
 
 namespace zav {
 
+namespace {
+
+constexpr int STEPS_AT_ONCE = 1000;
+
+int endsStatement(void *stepsLeft)
+{
+    qint64 &left = *static_cast<qint64 *>(stepsLeft);
+    left -= STEPS_AT_ONCE;
+    return left < 0 ? 1 : 0;
+}
+
+} // namespace
+
 SqliteDatabase::~SqliteDatabase()
 {
     sqlite3_close_v2(m_handle);
@@ -26,6 +39,12 @@ Error SqliteDatabase::open(const QString &path, bool isReadOnly)
     if (!isReadOnly && sqlite3_db_readonly(m_handle, "main") != 0)
         return failure(QString::fromUtf8(sqlite3_errstr(SQLITE_CANTOPEN)));
     return {};
+}
+
+void SqliteDatabase::limitSteps(qint64 most)
+{
+    m_stepsLeft = most;
+    sqlite3_progress_handler(m_handle, STEPS_AT_ONCE, endsStatement, &m_stepsLeft);
 }
 
 Error SqliteDatabase::run(const char *sql)
@@ -45,6 +64,8 @@ Error SqliteDatabase::failure() const
 {
     if (sqlite3_errcode(m_handle) == SQLITE_NOMEM) // also where there is no handle for want of memory
         throw std::bad_alloc();
+    if (sqlite3_errcode(m_handle) == SQLITE_INTERRUPT)
+        return failure(QStringLiteral("it is damaged: reading it does not end"));
     return failure(QString::fromUtf8(sqlite3_errmsg(m_handle)));
 }
 

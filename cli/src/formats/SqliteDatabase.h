@@ -27,6 +27,10 @@ public:
     /// An existing file, which may be empty.
     Error open(const QString &path, bool isReadOnly);
 
+    /// Statements may take so many steps of SQLite's machine in all, or a few thousand more. The one that needs more
+    /// fails: a damaged file can lead its reader in circles.
+    void limitSteps(qint64 most);
+
     /// One or more statements without results.
     Error run(const char *sql);
 
@@ -43,6 +47,7 @@ private:
     QString m_name;
     const char *m_what;
     sqlite3 *m_handle = nullptr;
+    qint64 m_stepsLeft = 0;
 };
 
 /// A value that is stored as bytes rather than as text.

@@ -3,6 +3,8 @@
 
 #include "SqliteDatabase.h"
 
+#include <QtCore/QFileInfo>
+
 #include <algorithm>
 
 namespace zav {
@@ -16,6 +18,42 @@ constexpr char SETTINGS[] = "PRAGMA page_size = 4096; PRAGMA encoding = 'UTF-8';
 
 // Four hundred times the ions that the longest peptide has.
 constexpr int MOST_PEAKS = 1 << 20;
+
+// Of SQLite's machine, to read a library. Those that zav wrote take less than one step a byte.
+constexpr qint64 MOST_STEPS = 1'000'000;
+constexpr qint64 MOST_STEPS_A_BYTE = 20;
+
+/// The definitions of all that a query can read from, in order. An index is no such thing, and comes last in a library.
+Result<QByteArray> tablesOf(SqliteDatabase *database)
+{
+    SqliteStatement definitions;
+    if (Error error = definitions.prepare(
+            database, "SELECT type, name, sql FROM sqlite_master WHERE type <> 'index' ORDER BY name");
+        error.hasError())
+        return error;
+    QByteArray tables;
+    for (;;) {
+        const Result<bool> hasRow = definitions.next();
+        if (hasRow.hasError())
+            return hasRow.error();
+        if (!hasRow.value())
+            return tables;
+        tables += definitions.bytes(0) + ' ' + definitions.bytes(1) + ' ' + definitions.bytes(2) + '\n';
+    }
+}
+
+/// That both have the same tables: a view, say, could give rows without end.
+Error checkTables(SqliteDatabase *own, SqliteDatabase *other)
+{
+    const Result<QByteArray> expected = tablesOf(own);
+    if (expected.hasError())
+        return expected.error();
+    const Result<QByteArray> tables = tablesOf(other);
+    if (tables.hasError())
+        return tables.error();
+    const bool areSame = tables.value() == expected.value();
+    return areSame ? Error() : other->failure(QStringLiteral("its tables are not those that zav writes"));
+}
 
 // Whether a library can have stored it; sizes that are multiples of the number of peaks fit an int.
 bool isSound(const EncodedEntry &entry)
@@ -47,12 +85,17 @@ Error SqliteLibrary::add(const EncodedEntry &entry)
     return entry.peakCount > 0 ? insert(entry) : Error();
 }
 
-Error SqliteLibrary::append(const QString &path)
+Error SqliteLibrary::append(const QString &path, const std::function<Error()> &check)
 {
     SqliteDatabase other(path, "cannot read");
     if (Error error = other.open(path, true); error.hasError())
         return error;
+    other.limitSteps(MOST_STEPS + MOST_STEPS_A_BYTE * QFileInfo(path).size());
+    if (Error error = checkTables(m_database.get(), &other); error.hasError())
+        return error;
     return read(&other, [&](const EncodedEntry &entry) {
+        if (Error error = check ? check() : Error(); error.hasError())
+            return error;
         return isSound(entry) ? add(entry) : other.failure(QStringLiteral("it holds an entry that is damaged"));
     });
 }

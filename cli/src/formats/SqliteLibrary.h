@@ -41,8 +41,10 @@ public:
     /// Appends an entry. The charges of a peptide follow each other.
     Error add(const EncodedEntry &entry);
 
-    /// Appends the entries of a finished library of the same kind. The error names that library when it is at fault.
-    Error append(const QString &path);
+    /// Appends the entries of a finished library of the same kind. The error names that library when it is at fault:
+    /// it has to have the tables that this one has, and the work is bounded by its size. `check` is asked before each
+    /// entry; its error ends the work.
+    Error append(const QString &path, const std::function<Error()> &check = {});
 
     /// Completes the file and gives it its name.
     Error finish();

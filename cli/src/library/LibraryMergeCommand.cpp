@@ -134,9 +134,8 @@ Error LibraryMergeCommand::writeAll(LibraryWriter *writer)
     if (Error error = writer->open(); error.hasError())
         return error;
     for (const Shard &shard : std::as_const(m_shards)) {
-        if (Error error = writer->append(shard.path, shard.manifest.file); error.hasError())
-            return error;
-        if (Error error = checkForInterrupt(); error.hasError())
+        const auto check = [this] { return checkForInterrupt(); };
+        if (Error error = writer->append(shard.path, shard.manifest.file, check); error.hasError())
             return error;
     }
     const Result<LibraryFileFacts> facts = writer->finish();

@@ -35,11 +35,11 @@ public:
     Error open() override;
     WrittenEntry encode(const LibraryEntry &entry, TextArena *arena) const override;
     Error add(const WrittenEntry &entry) override;
-    Error append(const QString &path, const LibraryFileFacts &facts) override;
+    Error append(const QString &path, const LibraryFileFacts &facts, const std::function<Error()> &check) override;
     Result<LibraryFileFacts> finish() override;
 
 private:
-    Error appendEntries(QFile *file, qint64 size);
+    Error appendEntries(QFile *file, qint64 size, const std::function<Error()> &check);
     Error write(const QByteArray &bytes);
 
     const LibraryFormat &m_format;
@@ -77,7 +77,7 @@ Error TextLibraryWriter::add(const WrittenEntry &entry)
     return write(m_format.firstLine(index) + entry.text.sliced(entry.text.indexOf('\n') + 1));
 }
 
-Error TextLibraryWriter::append(const QString &path, const LibraryFileFacts &facts)
+Error TextLibraryWriter::append(const QString &path, const LibraryFileFacts &facts, const std::function<Error()> &check)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || !file.seek(facts.openingSize))
@@ -85,23 +85,28 @@ Error TextLibraryWriter::append(const QString &path, const LibraryFileFacts &fac
     const qint64 size = file.size() - facts.openingSize;
     if (size < facts.closingSize)
         return cannotRead(displayText(path, 300), QStringLiteral("it is shorter than its manifest says"));
-    Error error = appendEntries(&file, size - facts.closingSize);
+    Error error = appendEntries(&file, size - facts.closingSize, check);
     m_facts.precursors += facts.precursors;
     return error;
 }
 
 // `size` bytes from where the file stands; line by line where entries are numbered anew.
-Error TextLibraryWriter::appendEntries(QFile *file, qint64 size)
+Error TextLibraryWriter::appendEntries(QFile *file, qint64 size, const std::function<Error()> &check)
 {
     const bool isNumbered = m_format.numbersEntries();
     qint64 index = m_facts.precursors;
+    bool isAtLine = true; // a line that is too long to be one of ours comes in pieces
     while (size > 0) {
-        const QByteArray bytes = isNumbered ? file->readLine() : file->read(std::min(size, COPIED_AT_ONCE));
+        QByteArray bytes = isNumbered ? file->readLine(COPIED_AT_ONCE) : file->read(COPIED_AT_ONCE);
         if (bytes.isEmpty())
             return readFailure(*file);
+        bytes.truncate(size); // what follows is the closing of the library
         size -= bytes.size();
-        Error error = write(isNumbered && m_format.isFirstLine(bytes) ? m_format.firstLine(index++) : bytes);
-        if (error.hasError())
+        const bool isFirst = isNumbered && isAtLine && m_format.isFirstLine(bytes);
+        isAtLine = bytes.endsWith('\n');
+        if (Error error = write(isFirst ? m_format.firstLine(index++) : bytes); error.hasError())
+            return error;
+        if (Error error = check(); error.hasError())
             return error;
     }
     return {};
@@ -135,7 +140,7 @@ public:
     Error open() override;
     WrittenEntry encode(const LibraryEntry &entry, TextArena *arena) const override;
     Error add(const WrittenEntry &entry) override;
-    Error append(const QString &path, const LibraryFileFacts &facts) override;
+    Error append(const QString &path, const LibraryFileFacts &facts, const std::function<Error()> &check) override;
     Result<LibraryFileFacts> finish() override;
 
 private:
@@ -166,10 +171,11 @@ Error SqliteLibraryWriter::add(const WrittenEntry &entry)
     return m_library->add(*entry.row);
 }
 
-Error SqliteLibraryWriter::append(const QString &path, const LibraryFileFacts &facts)
+Error SqliteLibraryWriter::append(const QString &path, const LibraryFileFacts &facts,
+                                  const std::function<Error()> &check)
 {
     m_facts.precursors += facts.precursors;
-    return m_library->append(path);
+    return m_library->append(path, check);
 }
 
 // A database is not written from front to back, so its digest is made of the file.

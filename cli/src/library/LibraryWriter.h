@@ -10,6 +10,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+#include <functional>
 #include <memory>
 
 namespace zav {
@@ -56,8 +57,9 @@ public:
     /// Appends an entry, in the order of the library.
     virtual Error add(const WrittenEntry &entry) = 0;
 
-    /// Appends the entries of a finished file of the same kind. The error names that file.
-    virtual Error append(const QString &path, const LibraryFileFacts &facts) = 0;
+    /// Appends the entries of a finished file of the same kind. The error names that file. `check` is asked many times
+    /// on the way; its error ends the work.
+    virtual Error append(const QString &path, const LibraryFileFacts &facts, const std::function<Error()> &check) = 0;
 
     /// Completes the file and gives it its name. Nothing may follow.
     virtual Result<LibraryFileFacts> finish() = 0;

@@ -150,6 +150,36 @@ TEST_P(SqliteLibraryTest, AppendedFileThatIsNoLibraryIsNamed)
               "cannot read absent: unable to open database file");
 }
 
+// A view could give rows without end.
+TEST_P(SqliteLibraryTest, AppendedLibraryWithOtherTablesIsRefused)
+{
+    write(QStringLiteral("part"), entries(3));
+    {
+        SqliteDatabase database(path(QStringLiteral("part")), "cannot write");
+        ASSERT_FALSE(database.open(path(QStringLiteral("part")), false).hasError());
+        ASSERT_EQ(database
+                      .run("CREATE VIEW numbers AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n)"
+                           " SELECT i FROM n")
+                      .message(),
+                  QString());
+    }
+    const auto merged = library();
+    ASSERT_FALSE(merged->open(path(QStringLiteral("merged")), info()).hasError());
+    EXPECT_EQ(m_files.withoutFolder(merged->append(path(QStringLiteral("part"))).message()),
+              "cannot read part: its tables are not those that zav writes");
+}
+
+TEST_P(SqliteLibraryTest, AppendingEndsWithTheErrorOfItsCheck)
+{
+    write(QStringLiteral("part"), entries(3));
+    const auto merged = library();
+    ASSERT_FALSE(merged->open(path(QStringLiteral("merged")), info()).hasError());
+    int asked = 0;
+    const auto check = [&] { return ++asked == 2 ? Error(Failure, QStringLiteral("stopped")) : Error(); };
+    EXPECT_EQ(merged->append(path(QStringLiteral("part")), check).message(), QStringLiteral("stopped"));
+    EXPECT_EQ(asked, 2);
+}
+
 #ifdef Q_OS_UNIX
 TEST_P(SqliteLibraryTest, FileThatCannotGrowIsSaidAndLeavesNothing)
 {
@@ -229,6 +259,26 @@ INSTANTIATE_TEST_SUITE_P(
                       Damage{LibraryFileKind::Blib, "UPDATE RefSpectra SET numPeaks = 4294967297"},
                       Damage{LibraryFileKind::Pqp, "UPDATE TRANSITION SET TYPE = NULL"},
                       Damage{LibraryFileKind::Pqp, "UPDATE TRANSITION SET TYPE = ''"}));
+
+TEST(SqliteDatabase, StatementThatTakesMoreStepsThanAllowedFails)
+{
+    const TemporaryFiles files;
+    const QString path = files.write(QStringLiteral("a"), "");
+    SqliteDatabase database(path, "cannot read");
+    ASSERT_FALSE(database.open(path, false).hasError());
+    database.limitSteps(100'000);
+    SqliteStatement numbers;
+    ASSERT_FALSE(numbers
+                     .prepare(&database, "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n)"
+                                         " SELECT i FROM n")
+                     .hasError());
+    int rows = 0;
+    Result<bool> hasRow = numbers.next();
+    for (; !hasRow.hasError() && rows < 1'000'000; ++rows)
+        hasRow = numbers.next();
+    EXPECT_EQ(files.withoutFolder(hasRow.error().message()), "cannot read a: it is damaged: reading it does not end");
+    EXPECT_GT(rows, 1000);
+}
 
 TEST(SqliteLibrary, TextKindsHaveNone)
 {

@@ -11,6 +11,11 @@ namespace {
 
 const LibraryInfo INFO{QStringLiteral("test"), QStringLiteral("1.0")};
 
+Error goOn()
+{
+    return {};
+}
+
 LibraryEntry entryOf(const char *peptide)
 {
     LibraryEntry entry;
@@ -69,9 +74,9 @@ TEST_P(LibraryWriterTest, AppendedFilesGiveWhatOneRunWrites)
     const LibraryFileFacts last = write("last", {"CCCCK", "DDDDK"});
     const auto writer = makeLibraryWriter(GetParam(), m_files.path("merged"), INFO);
     ASSERT_FALSE(writer->open().hasError());
-    ASSERT_FALSE(writer->append(m_files.path("first"), first).hasError());
-    ASSERT_FALSE(writer->append(m_files.path("none"), none).hasError());
-    ASSERT_FALSE(writer->append(m_files.path("last"), last).hasError());
+    ASSERT_FALSE(writer->append(m_files.path("first"), first, goOn).hasError());
+    ASSERT_FALSE(writer->append(m_files.path("none"), none, goOn).hasError());
+    ASSERT_FALSE(writer->append(m_files.path("last"), last, goOn).hasError());
     const Result<LibraryFileFacts> merged = writer->finish();
     ASSERT_FALSE(merged.hasError());
     EXPECT_EQ(merged.value().precursors, 3);
@@ -86,12 +91,21 @@ TEST_P(LibraryWriterTest, FileThatIsShorterThanItsManifestSaysIsNotAppended)
                                           LibraryFileFacts{1, size, 1, {}}}) {
         const auto writer = makeLibraryWriter(GetParam(), m_files.path("merged"), INFO);
         ASSERT_FALSE(writer->open().hasError());
-        EXPECT_EQ(m_files.withoutFolder(writer->append(m_files.path("a"), wrong).message()),
+        EXPECT_EQ(m_files.withoutFolder(writer->append(m_files.path("a"), wrong, goOn).message()),
                   "cannot read a: it is shorter than its manifest says");
     }
     const auto writer = makeLibraryWriter(GetParam(), m_files.path("merged"), INFO);
     ASSERT_FALSE(writer->open().hasError());
-    EXPECT_FALSE(writer->append(m_files.path("a"), facts).hasError());
+    EXPECT_FALSE(writer->append(m_files.path("a"), facts, goOn).hasError());
+}
+
+TEST_P(LibraryWriterTest, AppendingEndsWithTheErrorOfItsCheck)
+{
+    const LibraryFileFacts facts = write("a", {"AAAAK", "CCCCK"});
+    const auto writer = makeLibraryWriter(GetParam(), m_files.path("merged"), INFO);
+    ASSERT_FALSE(writer->open().hasError());
+    const auto stop = [] { return Error(Failure, QStringLiteral("stopped")); };
+    EXPECT_EQ(writer->append(m_files.path("a"), facts, stop).message(), QStringLiteral("stopped"));
 }
 
 TEST_P(LibraryWriterTest, EntryWithoutPeaksIsEmpty)
@@ -108,6 +122,22 @@ INSTANTIATE_TEST_SUITE_P(Formats, LibraryWriterTest,
                          [](const auto &tested) {
                              return libraryFileKindNames()[qsizetype(tested.param)].toStdString();
                          });
+
+// A shard that zav did not write: a line of megabytes is not held as a whole, and no piece of it is taken for a
+// heading.
+TEST(MzSpecLibWriter, LongLineIsAppendedInPieces)
+{
+    const TemporaryFiles files;
+    const QByteArray line = QByteArray(1 << 20, 'x') + "<Spectrum=7>" + QByteArray(3 << 20, 'y') + '\n';
+    files.write("shard", "<Spectrum=5>\n" + line + "<Spectrum=6>\n");
+    const auto writer = makeLibraryWriter(LibraryFileKind::MzSpecLib, files.path("merged"), INFO);
+    ASSERT_FALSE(writer->open().hasError());
+    ASSERT_FALSE(writer->append(files.path("shard"), {2, 0, 0, {}}, goOn).hasError());
+    const Result<LibraryFileFacts> facts = writer->finish();
+    ASSERT_FALSE(facts.hasError());
+    const QByteArray merged = files.read("merged").sliced(facts.value().openingSize).chopped(facts.value().closingSize);
+    EXPECT_TRUE(merged == "<Spectrum=1>\n" + line + "<Spectrum=2>\n");
+}
 
 } // namespace
 } // namespace zav
