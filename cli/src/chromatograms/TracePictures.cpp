@@ -9,6 +9,9 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 
+#include <filesystem>
+#include <system_error>
+
 namespace zav {
 
 namespace {
@@ -61,9 +64,14 @@ Error TracePictures::prepare() const
         return {};
     if (!canWritePictures())
         return Error(Failure, QStringLiteral("this build of zav cannot draw pictures"));
-    if (isOneFile() || QDir().mkpath(m_path))
+    if (isOneFile())
         return {};
-    return Error(Failure, QStringLiteral("cannot make the folder %1 for the pictures").arg(displayText(m_path, 300)));
+    std::error_code failure;
+    std::filesystem::create_directories(m_path.toStdU16String(), failure);
+    if (!failure)
+        return {};
+    return Error(Failure, QStringLiteral("cannot make the folder %1 for the pictures: %2")
+                              .arg(displayText(m_path, 300), QString::fromLocal8Bit(failure.message())));
 }
 
 QString TracePictures::pathOf(const TraceGroup &group) const

@@ -41,6 +41,18 @@ Error hasChanged(const QString &name)
     return cannotRead(name, QStringLiteral("it has changed since it was opened"));
 }
 
+Result<QByteArray> fileBytes(const QString &path, std::optional<qint64> most)
+{
+    QFile file(path);
+    const QString name = displayText(path, 300);
+    if (!file.open(QIODevice::ReadOnly))
+        return cannotRead(name, file.errorString());
+    QByteArray bytes = most ? file.read(*most) : file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return cannotRead(name, file.errorString());
+    return bytes;
+}
+
 /// The state of inflating.
 struct ByteStream::Gzip
 {

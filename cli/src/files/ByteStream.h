@@ -9,6 +9,7 @@
 #include <QtCore/QString>
 
 #include <memory>
+#include <optional>
 
 class QTemporaryFile;
 
@@ -20,6 +21,9 @@ Error cannotRead(const QString &name, const QString &reason);
 
 /// `cannotRead` of a file whose content is no longer what it was when the file was looked through.
 Error hasChanged(const QString &name);
+
+/// What a file holds; with `most`, its first bytes. Errors name the file.
+Result<QByteArray> fileBytes(const QString &path, std::optional<qint64> most = {});
 
 /// The bytes of a file or of standard input, piece by piece. Gzipped content (RFC 1952, also of several members, as
 /// bgzip writes them) is recognised by its first two bytes, whatever the file's name, and inflated on the way. Holds a

@@ -7,7 +7,6 @@
 #include "OutputFile.h"
 #include "PrintableText.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
 #include <nlohmann/json.hpp>
@@ -246,12 +245,12 @@ QString LibraryManifest::pathFor(const QString &libraryPath)
 Result<LibraryManifest> LibraryManifest::readFor(const QString &libraryPath)
 {
     const QString path = pathFor(libraryPath);
-    QFile source(path);
-    if (!source.open(QIODevice::ReadOnly))
-        return cannotRead(shown(path), source.errorString());
+    const Result<QByteArray> text = fileBytes(path, MAX_MANIFEST_BYTES);
+    if (text.hasError())
+        return text.error();
     try {
         bool isTooDeep = false;
-        const Json json = parsed(source.read(MAX_MANIFEST_BYTES), &isTooDeep);
+        const Json json = parsed(text.value(), &isTooDeep);
         LibraryManifest manifest = isTooDeep ? LibraryManifest() : fromJson(json);
         if (isInOrder(manifest))
             return manifest;

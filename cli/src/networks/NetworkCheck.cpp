@@ -8,7 +8,6 @@
 #include "PrintableText.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QStringList>
 
@@ -54,10 +53,10 @@ Error checkHash(const QString &graphPath, const NetworkContract &contract)
 
 Error checkOperations(const QString &graphPath)
 {
-    QFile file(graphPath);
-    if (!file.open(QIODevice::ReadOnly))
-        return cannotRead(displayText(graphPath, 300), file.errorString());
-    const Result<QList<QByteArray>> operations = graphOperations(file.readAll());
+    const Result<QByteArray> graph = fileBytes(graphPath);
+    if (graph.hasError())
+        return graph.error();
+    const Result<QList<QByteArray>> operations = graphOperations(graph.value());
     if (operations.hasError())
         return operations.error();
     QStringList others;

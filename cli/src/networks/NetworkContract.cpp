@@ -6,7 +6,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <QtCore/QFile>
 #include <QtCore/QStringList>
 
 #include <cmath>
@@ -86,16 +85,15 @@ QString figuresOf(const Json &object)
 
 Result<NetworkContract> readNetworkContract(const QString &path)
 {
-    const QString shown = displayText(path, 300);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return cannotRead(shown, file.errorString());
-    const Json object = Json::parse(file.read(MAX_CONTRACT_BYTES).toStdString(), nullptr, false);
+    const Result<QByteArray> text = fileBytes(path, MAX_CONTRACT_BYTES);
+    if (text.hasError())
+        return text.error();
+    const Json object = Json::parse(text.value().toStdString(), nullptr, false);
     NetworkContract contract;
     if (object.is_object())
         contract.kind = textField(object, "kind");
     if (contract.kind.isEmpty())
-        return Error(Failure, QStringLiteral("%1 is not the contract of a network").arg(shown));
+        return Error(Failure, QStringLiteral("%1 is not the contract of a network").arg(displayText(path, 300)));
     contract.charge = numberField(object, "charge");
     contract.maxPointCount = numberField(object, "maxPointCount");
     contract.inputShape = shapeField(object, "inputShape");

@@ -202,5 +202,15 @@ TEST_F(LineReading, SeekableStreamOfDamagedGzipIsAnError)
     EXPECT_EQ(files.withoutFolder(opened.error().message()), "cannot read a.txt.gz: it ends within its gzipped data");
 }
 
+#ifdef Q_OS_LINUX
+TEST(FileBytes, FileThatOpensAndCannotBeReadIsAFailureWithItsReason)
+{
+    const QString path = QStringLiteral("/proc/self/mem"); // it holds nothing at its start
+    for (const std::optional<qint64> most : {std::optional<qint64>(), std::optional<qint64>(10)})
+        EXPECT_EQ(fileBytes(path, most).error().message().toStdString(),
+                  "cannot read /proc/self/mem: Input/output error");
+}
+#endif
+
 } // namespace
 } // namespace zav

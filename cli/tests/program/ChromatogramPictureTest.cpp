@@ -74,7 +74,8 @@ TEST_P(ChromatogramPicture, FolderThatCannotBeMadeIsSaid)
     m_files.write("trace.tsv", tsvFile(TRACE));
     const ProgramRun refused = run({"trace.tsv", "--plot", "trace.tsv/pictures"});
     EXPECT_EQ(refused.exitCode, 1);
-    EXPECT_EQ(refused.standardError, "zav: cannot make the folder trace.tsv/pictures for the pictures\n");
+    EXPECT_EQ(refused.standardError,
+              "zav: cannot make the folder trace.tsv/pictures for the pictures: Not a directory\n");
 }
 
 TEST_P(ChromatogramPicture, TraceWithoutFindingsIsDrawnToo)
