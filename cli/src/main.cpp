@@ -5,6 +5,8 @@
 #include "LibraryCommand.h"
 #include "LibraryMergeCommand.h"
 #include "LimitsCommand.h"
+#include "Messages.h"
+#include "OutputFile.h"
 #include "RetentionCommand.h"
 #include "RuntimeCache.h"
 #include "RuntimeCommand.h"
@@ -35,9 +37,12 @@ void quietenLibraries()
 
 int finish(const EarlyExit &exit)
 {
-    std::fputs(qUtf8Printable(exit.standardOutput), stdout);
     std::fputs(qUtf8Printable(exit.standardError), stderr);
-    return exit.code;
+    const Error error = exit.standardOutput.isEmpty() ? Error() : writeToStandardOutput(exit.standardOutput);
+    if (!error.hasError())
+        return exit.code;
+    Messages(false).failure(error);
+    return SomeFailed;
 }
 
 int run(const SpectrumOptions &options)

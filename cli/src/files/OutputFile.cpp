@@ -122,6 +122,16 @@ bool OutputFile::isStandardOutput() const
     return m_path.isEmpty() || m_path == QLatin1String("-");
 }
 
+Error writeToStandardOutput(const QString &text)
+{
+    OutputFile output{QString()};
+    if (Error error = output.open(); error.hasError())
+        return error;
+    if (Error error = output.write(text.toUtf8()); error.hasError())
+        return error;
+    return output.commit();
+}
+
 UnfinishedFile::~UnfinishedFile()
 {
     if (m_temporaryPath.isEmpty())

@@ -49,6 +49,9 @@ private:
     std::unique_ptr<QFileDevice> m_file;
 };
 
+/// Writes a text to standard output.
+Error writeToStandardOutput(const QString &text);
+
 /// A file that others write, by its path, such as SQLite. They write it under a name of its own beside the final one,
 /// which it gets with `commit` only: until then an older file of that name stays, and an object that goes without
 /// `commit` removes the unfinished file. Errors name the final one.

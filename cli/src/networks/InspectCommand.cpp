@@ -5,6 +5,7 @@
 #include "NetworkContract.h"
 #include "NetworkLoading.h"
 #include "NetworkTrial.h"
+#include "OutputFile.h"
 #include "PrintableText.h"
 #include "Terminal.h"
 #include "TextTable.h"
@@ -12,8 +13,6 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QStringList>
-
-#include <cstdio>
 
 namespace zav {
 
@@ -123,8 +122,8 @@ Error InspectCommand::work()
                      QStringLiteral("SHA-256"), QStringLiteral("trial")});
     for (const NetworkInspection &inspection : inspections.value())
         table.addRow(tableRow(inspection));
-    std::fputs(qUtf8Printable(table.text()), stdout);
-    std::fflush(stdout);
+    if (Error error = writeToStandardOutput(table.text()); error.hasError())
+        return error;
     for (const NetworkInspection &inspection : inspections.value()) {
         for (const Error &error : {inspection.contractError, inspection.hashError, inspection.trialError}) {
             if (error.hasError())

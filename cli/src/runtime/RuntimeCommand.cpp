@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RuntimeCommand.h"
 
+#include "OutputFile.h"
 #include "Terminal.h"
 
 #include <zav/TensorFlowRuntime.h>
-
-#include <cstdio>
 
 namespace zav {
 
@@ -43,8 +42,7 @@ Error RuntimeCommand::work()
         return found.error();
     const RuntimeDescription &runtime = found.value();
     const QString text = QStringLiteral("TensorFlow  %1\nfile        %2\nfound by    %3\n");
-    std::fputs(qUtf8Printable(text.arg(runtime.version, runtime.file, originText(runtime.origin))), stdout);
-    return {};
+    return writeToStandardOutput(text.arg(runtime.version, runtime.file, originText(runtime.origin)));
 }
 
 } // namespace zav

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QByteArray>
+#include <QtCore/QFileInfo>
 #include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 
@@ -103,6 +104,22 @@ TEST(Terminal, LongWorkShowsItsProgressAndClearsIt)
     EXPECT_NE(shown.find(" of 6001 peptides, "), std::string::npos) << shown.substr(0, 400);
     const std::string last = "\r\033[Kzav: " + folder.filePath("list.tsv").toStdString() + ":6001: PEPTIDEX/2: ";
     EXPECT_NE(shown.find(last), std::string::npos) << shown.substr(shown.size() > 400 ? shown.size() - 400 : 0);
+}
+
+TEST(StandardOutput, DiskThatIsFullIsAFailureWhateverIsShown)
+{
+    if (!QFileInfo::exists(QStringLiteral("/dev/full")))
+        GTEST_SKIP() << "no such device on this system";
+    for (const char *words : {"--help", "--version", "spectrum --help", "runtime", "inspect"}) {
+        QProcess process;
+        process.setStandardOutputFile(QStringLiteral("/dev/full"));
+        process.start(ZAV_PROGRAM, QString::fromUtf8(words).split(QLatin1Char(' ')));
+        ASSERT_TRUE(process.waitForFinished(60'000)) << words;
+        EXPECT_EQ(process.exitCode(), 1) << words;
+        EXPECT_EQ(process.readAllStandardError().toStdString(),
+                  "zav: cannot finish writing standard output: No space left on device\n")
+            << words;
+    }
 }
 
 TEST(Terminal, ShortWorkShowsNoProgress)
