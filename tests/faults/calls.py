@@ -67,7 +67,7 @@ def failures(case, kind, action, is_forever, jobs):
         result = workbench.run(case, [*injection, "--nth", str(number)], with_old)
         return number, result, faults_of(case, kind, action, number, result, with_old)
 
-    count = workbench.run(case, ["--calls", kind, "--do", action, "--nth", "0"]).counted
+    count = workbench.calls_of(case, ["--calls", kind, "--do", action, "--nth", "0"])
     # One more than there are: the run that completes undisturbed.
     for number, result, faults in workbench.in_parallel(attempt, range(1, count + 2), jobs):
         call = next((line for line in result.calls if line.startswith(f"{number} ")), "")
@@ -116,5 +116,5 @@ def rows(is_short, jobs, only):
                     if is_left_out(case, kind, action, is_forever, is_short):
                         continue
                     row = failures(case, kind, action, is_forever, jobs)
-                    if row.runs > 1:
+                    if row.runs > 1 or row.faults:  # of one run only there is no such call
                         yield row

@@ -56,7 +56,7 @@ def killed_then_again(case, kill):
 
 def killed_at_each_call(case, jobs, at_most=None):
     row = Row("death", case.name, "KILL at each call")
-    count = workbench.run(case, ["--calls", CHANGING]).counted
+    count = workbench.calls_of(case, ["--calls", CHANGING])
     numbers = range(1, count + 1)
     if at_most and count > at_most:
         numbers = sorted({1 + i * (count - 1) // (at_most - 1) for i in range(at_most)})
@@ -118,15 +118,19 @@ def judge_signalled(case, result, code, cleans_up):
 def signalled(case, name, jobs, at_most=None, cleans_up=True):
     row = Row("death", case.name, f"SIG{name} at each call")
     kinds = CHANGING + ",read"
-    count = workbench.run(case, ["--calls", kinds]).counted
+    count = workbench.calls_of(case, ["--calls", kinds])
     step = max(1, count // at_most) if at_most else 1
 
     def attempt(number):
         result = workbench.run(case, ["--calls", kinds, "--do", name, "--nth", str(number)])
         return number, result, judge_signalled(case, result, SIGNALS[name], cleans_up)
 
+    ended = 0
     for number, result, faults in workbench.in_parallel(attempt, range(1, count + 1, step), jobs):
         row.add(result.code, faults, f"call {number}")
+        ended += result.code == SIGNALS[name]
+    if not ended:
+        row.faults.append("the signal ends no run")
     return row
 
 
@@ -164,7 +168,7 @@ def rows(is_short, jobs, only):
     cases = [(workbench.merge_case("blib"), True)]
     if not is_short:
         cases += [(workbench.library_case("tsv"), True), (workbench.library_case("pqp"), True),
-                  (workbench.limits_case(), True), (workbench.spectrum_case(), False)]
+                  (workbench.limits_case(), True), (workbench.split_case(), True), (workbench.spectrum_case(), False)]
     for case, cleans_up in cases:
         if only in case.name:
             workbench.learn(case)

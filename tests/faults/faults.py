@@ -25,7 +25,7 @@ def main():
             runs += row.runs
             faults += len(row.faults)
     print(f"{runs} runs, {faults} faults")
-    return 1 if faults else 0
+    return 1 if faults or not runs else 0
 
 
 if __name__ == "__main__":

@@ -113,25 +113,27 @@ def read_only_folder(base):
             yield name, told(zav(arguments, base), str(disk))
 
 
+def situation(what, faults, done):
+    return (what, faults) if done.returncode else (what, faults, True)
+
+
 def long_names(base):
     (base / "p.txt").write_text("LLGWQKK\n")
     (base / "t.txt").write_bytes(workbench.chromatograms())
     for length, ending in ((255, ".tsv"), (255, ".dlib"), (252, ".tsv"), (250, ".blib"), (256, ".tsv")):
         name = "n" * (length - len(ending)) + ending
         done = zav(["library", "--peptides", "p.txt", "-o", name], base)
-        if done.returncode == 0:
-            faults = only_these(base, ["p.txt", "t.txt", name, name + ".json"])
-        else:
-            # The library may stand there, complete, when its manifest finds no name.
-            faults = told(done, "nnn", "File name too long")
-            faults += only_these(base, ["p.txt", "t.txt"] + ([path.name for path in base.glob("nnn*")]))
+        is_done = done.returncode == 0
+        # The library may stand there, complete, when its manifest finds no name.
+        made = [name, name + ".json"] if is_done else [name] if len(name) < 256 and (base / name).exists() else []
+        faults = ([] if is_done else told(done, "nnn", "File name too long")) + only_these(base, ["p.txt", "t.txt", *made])
         for path in base.glob("nnn*"):
             path.unlink()
-        yield f"library, {length} bytes {ending}", faults
+        yield situation(f"library, {length} bytes {ending}", faults, done)
     name = "n" * 251 + ".tsv"
     done = zav(["limits", "t.txt", "--method", "walk", "-o", name], base)
     faults = told(done, "File name too long") if done.returncode else only_these(base, ["p.txt", "t.txt", name])
-    yield "limits, 255 bytes", faults
+    yield situation("limits, 255 bytes", faults, done)
 
 
 def folder_that_goes(base):
@@ -232,7 +234,7 @@ def broken_runtimes(base):
         if done.returncode != 0 and (base / "s.tsv").exists():
             faults.append("there is an output")
         (base / "s.tsv").unlink(missing_ok=True)
-        yield (what, faults) if done.returncode else (what, faults, True)
+        yield situation(what, faults, done)
 
 
 def runtime_that_is_replaced(base):
@@ -266,14 +268,17 @@ def home_that_cannot_be_written(base):
     home = base / "home"
     home.mkdir()
     (base / "t.txt").write_bytes(workbench.chromatograms())
-    with Mounted(home, "ro,size=1m"):
+    with Mounted(home, "ro,size=1m") as mounted:
+        homes = {"none": "/nonexistent", **({"read-only": str(home)} if mounted.is_there else {})}
         for name, arguments in (("spectrum --plot", ["spectrum", "LLGWQK", "1", "-o", "s.tsv", "--plot", "s.svg"]),
                                 ("limits --plot", ["limits", "t.txt", "-o", "l.tsv", "--plot", "p"])):
-            for value in (str(home), "/nonexistent"):
+            for which, value in homes.items():
                 done = zav(arguments, base, HOME=value, XDG_CACHE_HOME=value + "/.cache", XDG_CONFIG_HOME=value)
                 usual = [line for line in done.stderr.decode().splitlines() if not line.startswith("zav: ")]
-                yield f"{name}, HOME={'read-only' if value == str(home) else 'none'}", (
-                    [f"exit code {done.returncode}"] if done.returncode else []) + [f"it says {line}" for line in usual], True
+                faults = [f"it says {line}" for line in usual]
+                if done.returncode:
+                    faults.append(f"exit code {done.returncode}")
+                yield f"{name}, HOME={which}", faults, True
 
 
 SITUATIONS = (full_disk, device_that_is_full, read_only_folder, long_names, folder_that_goes, pipe_that_nobody_reads,
@@ -282,12 +287,12 @@ SITUATIONS = (full_disk, device_that_is_full, read_only_folder, long_names, fold
 
 def rows(is_short, jobs, only):
     del is_short, jobs
-    for situation in SITUATIONS:
-        row = Row("place", situation.__name__.replace("_", " "), "")
+    for situations in SITUATIONS:
+        row = Row("place", situations.__name__.replace("_", " "), "")
         if only not in row.command:
             continue
         with tempfile.TemporaryDirectory(prefix="zav-faults-") as base:
-            for what, faults, *completed in situation(pathlib.Path(base)):
+            for what, faults, *completed in situations(pathlib.Path(base)):
                 if faults is None:
                     row.call = what
                 else:

@@ -22,8 +22,7 @@ OLD = b"what stood here before\n"
 REASONS = (
     "Input/output error", "No space left on device", "Interrupted system call", "Too many open files",
     "Permission denied", "Read-only file system", "disk I/O error", "database or disk is full",
-    "unable to open database file", "No such file or directory", "File too large", "is not a zav library manifest",
-    "cannot make the folder", "File name too long", "database disk image is malformed",
+    "unable to open database file", "No such file or directory", "File too large", "File name too long", "database disk image is malformed",
     "is not writable",
     "it has changed while it was read",
 )
@@ -50,7 +49,7 @@ class Run:
     stdout: bytes
     lines: list  # of standard error
     files: dict  # name -> bytes, below the folder
-    counted: int
+    counted: int  # -1 where the injector did not come to its end
     done: int
     calls: list  # of the log
 
@@ -101,7 +100,7 @@ def run_in(case, folder, injection, working_folder):
     except subprocess.TimeoutExpired:
         code, stdout, stderr = "hangs", b"", b""
     logged = log.read_text(errors="replace").splitlines() if injection is not None and log.exists() else []
-    counted, done_count = 0, 0
+    counted, done_count = -1, 0
     if logged and (match := re.fullmatch(r"counted (\d+) done (\d+)", logged[-1])):
         counted, done_count = int(match[1]), int(match[2])
     lines = stderr.decode("utf-8", "replace").splitlines()
@@ -115,6 +114,14 @@ def run(case, injection=None, with_old=False):
         folder.mkdir()
         prepare(case, folder, with_old)
         return run_in(case, folder, injection, pathlib.Path(base))
+
+
+def calls_of(case, injection):
+    """How many such calls a run has."""
+    counted = run(case, injection).counted
+    if counted < 0:
+        raise SystemExit(f"{case.name}: the calls of a run cannot be counted")
+    return counted
 
 
 def without_folder(lines):
