@@ -9,10 +9,13 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
+#include <system_error>
 
 namespace zav::fuzz {
 
@@ -40,6 +43,14 @@ QString pathOf(const char *name)
 }
 
 // Without Qt's buffers: a target writes a file or two for every input.
+QByteArray numberText(double value)
+{
+    char text[32];
+    const auto [end, problem] = std::to_chars(std::begin(text), std::end(text), value);
+    require(problem == std::errc(), "a number has a short text");
+    return QByteArray(text, end - text);
+}
+
 QString fileWith(const char *name, const QByteArray &content)
 {
     const QString path = pathOf(name);

@@ -38,6 +38,9 @@ bool isGzip(const QByteArray &content);
 /// A place within the content, within 0 to its size, that depends on the content alone.
 qsizetype placeWithin(const QByteArray &content);
 
+/// The shortest text that reads as this number. Qt's own drops the sign of zero.
+QByteArray numberText(double value);
+
 template <typename Value>
 void put(QDataStream *stream, const Value &value)
 {

@@ -12,11 +12,6 @@ namespace {
 
 constexpr char NAME[] = "input.tsv";
 
-QByteArray number(double value)
-{
-    return QByteArray::number(value, 'g', 17);
-}
-
 /// Empty where the ids of two traces differ only in bytes that are not UTF-8.
 QByteArray written(const QList<TraceOutcome> &outcomes)
 {
@@ -28,8 +23,8 @@ QByteArray written(const QList<TraceOutcome> &outcomes)
             return {};
         ids.insert(trace.id);
         for (const QPointF &point : trace.points)
-            table += number(point.x()) + '\t' + trace.id.toUtf8() + '\t' + trace.origin.group.toUtf8() + '\t' +
-                     number(point.y()) + '\n';
+            table += numberText(point.x()) + '\t' + trace.id.toUtf8() + '\t' + trace.origin.group.toUtf8() + '\t' +
+                     numberText(point.y()) + '\n';
     }
     return ids.isEmpty() ? QByteArray() : table;
 }

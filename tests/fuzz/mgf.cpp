@@ -11,20 +11,15 @@ namespace {
 
 constexpr char NAME[] = "input.mgf";
 
-QByteArray number(double value)
-{
-    return QByteArray::number(value, 'g', 17);
-}
-
 QByteArray written(const SpectrumIdentity &identity, int msLevel, const ObservedSpectrum &spectrum)
 {
     QByteArray block = "BEGIN IONS\nTITLE=" + spectrum.title.toUtf8() + "\nMSLEVEL=" + QByteArray::number(msLevel) +
                        "\nCHARGE=" + QByteArray::number(spectrum.precursorCharge) +
-                       "+\nPEPMASS=" + number(spectrum.precursorMz) + '\n';
+                       "+\nPEPMASS=" + numberText(spectrum.precursorMz) + '\n';
     if (identity.scanNumber >= 0)
         block += "SCANS=" + QByteArray::number(identity.scanNumber) + '\n';
     for (const QPointF &peak : spectrum.peaks)
-        block += number(peak.x()) + ' ' + number(peak.y()) + '\n';
+        block += numberText(peak.x()) + ' ' + numberText(peak.y()) + '\n';
     return block + "END IONS\n";
 }
 

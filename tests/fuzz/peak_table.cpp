@@ -20,7 +20,7 @@ void tryInput(const QByteArray &input)
         return;
     QByteArray table;
     for (const QPointF &peak : spectrum.value().peaks)
-        table += QByteArray::number(peak.x(), 'g', 17) + '\t' + QByteArray::number(peak.y(), 'g', 17) + '\n';
+        table += numberText(peak.x()) + '\t' + numberText(peak.y()) + '\n';
     const Result<ObservedSpectrum> again = readObservedSpectrum(fileWith(NAME, table), {});
     require(!again.hasError() && bitsOf(again.value()) == bitsOf(spectrum.value()), "written peaks read the same");
 }

@@ -60,7 +60,7 @@ void tryInput(const QByteArray &input)
             continue;
         table += peptide.toUtf8() + '\t' + QByteArray::number(row.precursor.charge) + '\t';
         if (!std::isnan(row.precursor.collisionEnergy))
-            table += QByteArray::number(row.precursor.collisionEnergy, 'g', 17);
+            table += numberText(row.precursor.collisionEnergy);
         table += '\t' + row.scan.toUtf8() + '\n';
         expected.append(bitsOf(row.precursor) + bits(row.scan));
     }

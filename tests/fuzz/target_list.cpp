@@ -42,7 +42,7 @@ Reading read(const QString &path)
 
 QByteArray cell(double value)
 {
-    return std::isfinite(value) ? QByteArray::number(value, 'g', 17) : QByteArray();
+    return std::isfinite(value) ? numberText(value) : QByteArray();
 }
 
 } // namespace

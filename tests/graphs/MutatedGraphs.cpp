@@ -231,10 +231,6 @@ QString placeOfEnd(int status, const QString &messages)
         return match.captured(1) + QStringLiteral(": ") + match.captured(2);
     if (said.contains(QLatin1String("std::bad_alloc")))
         return QStringLiteral("out of memory (std::bad_alloc)");
-    static const QRegularExpression assertion(
-        QStringLiteral(R"(([\w/.]+\.(?:cc|h|hpp|cpp):\d+)[^\n]*Assertion[^\n]{0,100})"));
-    if (const auto match = assertion.match(said); match.hasMatch())
-        return match.captured(0);
     return WIFSIGNALED(status) ? QStringLiteral("signal %1").arg(WTERMSIG(status)) : QString();
 }
 
