@@ -96,11 +96,14 @@ Error TextLibraryWriter::appendEntries(QFile *file, qint64 size, const std::func
     const bool isNumbered = m_format.numbersEntries();
     qint64 index = m_facts.precursors;
     bool isAtLine = true; // a line that is too long to be one of ours comes in pieces
+    QByteArray piece(COPIED_AT_ONCE, Qt::Uninitialized);
     while (size > 0) {
-        QByteArray bytes = isNumbered ? file->readLine(COPIED_AT_ONCE) : file->read(COPIED_AT_ONCE);
-        if (bytes.isEmpty())
+        const qint64 count =
+            isNumbered ? file->readLine(piece.data(), piece.size()) : file->read(piece.data(), piece.size());
+        if (count <= 0)
             return readFailure(*file);
-        bytes.truncate(size); // what follows is the closing of the library
+        // Behind `size` the closing of the library follows.
+        const QByteArray bytes = QByteArray::fromRawData(piece.constData(), std::min(count, size));
         size -= bytes.size();
         const bool isFirst = isNumbered && isAtLine && m_format.isFirstLine(bytes);
         isAtLine = bytes.endsWith('\n');
