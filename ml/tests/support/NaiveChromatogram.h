@@ -14,12 +14,14 @@ namespace zav::naive {
 // The steps of the chromatogram predictors once more, as slowly and plainly as they can be written, on standard
 // containers: what the library is compared with on random traces.
 
-/// Takes the lowest point away, of equal ones the latest, never the first or the last, until `target` are left.
+/// Takes the lowest point away, of equal ones the latest, until `target` are left; the first and the last only where
+/// there is no other.
 inline QList<QPointF> thinned(QList<QPointF> points, int target)
 {
-    while (points.size() > std::max(target, 2)) {
-        qsizetype lowest = 1;
-        for (qsizetype i = 2; i + 1 < points.size(); ++i) {
+    while (points.size() > std::max(target, 0)) {
+        const bool hasInside = points.size() > 2;
+        qsizetype lowest = hasInside ? 1 : 0;
+        for (qsizetype i = lowest + 1; i < points.size() - (hasInside ? 1 : 0); ++i) {
             if (points[i].y() <= points[lowest].y())
                 lowest = i;
         }
