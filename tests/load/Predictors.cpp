@@ -25,6 +25,20 @@ QString peptide(Random *random)
     return sequence;
 }
 
+Peptidoform peptidoformOf(const QString &peptide)
+{
+    const Modification carbamidomethyl = modifications::findByName(QStringLiteral("Carbamidomethyl"))->modification;
+    const Modification oxidation = modifications::findByName(QStringLiteral("Oxidation"))->modification;
+    QList<PlacedModification> placed;
+    for (int i = 0; i < peptide.size(); ++i) {
+        if (peptide[i] == u'C')
+            placed.append({i + 1, carbamidomethyl});
+        if (peptide[i] == u'M')
+            placed.append({i + 1, oxidation});
+    }
+    return Peptidoform(peptide, placed);
+}
+
 QList<QPointF> trace(Random *random)
 {
     const auto uniform = [&] { return static_cast<double>((*random)() % 1'000'000) / 1e6; };
@@ -62,6 +76,16 @@ bool load(const QDir &models, MsMsFragmentationPredictomatic *predictor)
     return !predictor->init(path(1), path(2), path(3), path(4), path(5)).hasError();
 }
 
+bool load(const QDir &models, PeptidoformSpectrumPredictor *predictor)
+{
+    return !predictor->init(models.filePath(QStringLiteral("peptidoform_spectrum.pb"))).hasError();
+}
+
+bool load(const QDir &models, RetentionTimePredictor *predictor)
+{
+    return !predictor->init(models.filePath(QStringLiteral("retention_time.pb"))).hasError();
+}
+
 bool Result::operator==(const Result &other) const
 {
     return values.size() == other.values.size() && !values.empty() &&
@@ -70,7 +94,8 @@ bool Result::operator==(const Result &other) const
 
 bool Predictors::load(const QDir &models)
 {
-    return zav::load::load(models, &m_fragments) && !m_limits.init(limitsOptions(models)).hasError() &&
+    return zav::load::load(models, &m_fragments) && zav::load::load(models, &m_peptidoforms) &&
+           zav::load::load(models, &m_retentionTimes) && !m_limits.init(limitsOptions(models)).hasError() &&
            !m_splits.init(splitOptions(models)).hasError();
 }
 
@@ -79,13 +104,22 @@ Result Predictors::predict(const Input &input)
     Result result;
     QList<QPointF> spectrum;
     const Error error = m_fragments.predictMsMsFragmentation(input.peptide, input.charge, &spectrum);
+    const Peptidoform peptidoform = peptidoformOf(input.peptide);
+    QList<QList<FragmentPeak>> spectra;
+    const Error peptidoformError = m_peptidoforms.predict({{peptidoform, input.charge, 27.0}}, &spectra);
+    QList<double> times;
+    const Error timeError = m_retentionTimes.predict({peptidoform}, &times);
     const auto limits = m_limits.integrateXIC(input.trace, -1.0, 0);
     const auto walked = m_limits.integrateXIC(input.trace);
     const auto splits = m_splits.splitXIC(input.trace);
-    if (error.hasError() || limits.hasError() || walked.hasError() || splits.hasError())
+    if (error.hasError() || peptidoformError.hasError() || timeError.hasError() || limits.hasError() ||
+        walked.hasError() || splits.hasError())
         return result;
     for (const QPointF &peak : spectrum)
         result.values.insert(result.values.end(), {peak.x(), peak.y()});
+    for (const FragmentPeak &peak : spectra.first())
+        result.values.insert(result.values.end(), {peak.mz, peak.intensity});
+    result.values.push_back(times.first());
     append(limits.value(), &result.values);
     append(walked.value(), &result.values);
     for (const auto &[time, probability] : splits.value())

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <zav/MsMsFragmentationPredictomatic.h>
+#include <zav/PeptidoformSpectrumPredictor.h>
+#include <zav/RetentionTimePredictor.h>
 #include <zav/XicBaselineLimitsDetector.h>
 #include <zav/XicPeakSplitter.h>
 
@@ -24,12 +26,17 @@ using Random = std::mt19937_64;
 /// 7 to 26 residues.
 QString peptide(Random *random);
 
+/// The peptide with carbamidomethylated cysteines and oxidised methionines.
+Peptidoform peptidoformOf(const QString &peptide);
+
 /// Up to three peaks on noise, 16 to 511 points half a second apart.
 QList<QPointF> trace(Random *random);
 
 XicBaselineLimitsDetectorOptions limitsOptions(const QDir &models);
 XicPeakSplitterOptions splitOptions(const QDir &models);
 bool load(const QDir &models, MsMsFragmentationPredictomatic *predictor);
+bool load(const QDir &models, PeptidoformSpectrumPredictor *predictor);
+bool load(const QDir &models, RetentionTimePredictor *predictor);
 
 struct Input
 {
@@ -46,17 +53,20 @@ struct Result
     bool operator==(const Result &other) const;
 };
 
-/// One of each of the three classes, with the shipped networks.
+/// One of each of the five classes, with the shipped networks.
 class Predictors
 {
 public:
     bool load(const QDir &models);
 
-    /// Spectrum of the peptide, limits of the trace by network and walk, splits. A failed call gives no values.
+    /// Spectra of the peptide and of its peptidoform, its retention time, limits of the trace by network and walk,
+    /// splits. A failed call gives no values.
     Result predict(const Input &input);
 
 private:
     MsMsFragmentationPredictomatic m_fragments;
+    PeptidoformSpectrumPredictor m_peptidoforms;
+    RetentionTimePredictor m_retentionTimes;
     XicBaselineLimitsDetector m_limits;
     XicPeakSplitter m_splits;
 };

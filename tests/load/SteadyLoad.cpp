@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// steady_load MODELS SHARE: calls the predictors millions of times (SHARE of the full numbers) and fits a line to the
-// resident memory over the calls, from a tenth of them on. Prints one row of a table for each kind of call. Fails where
-// the line climbs by 4 MiB or more and by three times its error, or where a descriptor or a thread is left.
+// steady_load MODELS SHARE [PART]: calls the predictors millions of times (SHARE of the full numbers; PART: those of
+// fragments, peptidoforms, chromatograms or lives only) and fits a line to the resident memory over the calls, from a
+// tenth of them on. Prints one row of a table for each kind of call. Fails where the line climbs by 4 MiB or more and
+// by three times its error, or where a descriptor or a thread is left.
 #include "Predictors.h"
-
-#include <zav/PeptidoformSpectrumPredictor.h>
-#include <zav/RetentionTimePredictor.h>
 
 #include <QtCore/QStringList>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <iterator>
 
 #include <unistd.h>
 
@@ -28,6 +28,7 @@ constexpr int LIST_SIZE = 10'000; // peptides of a batch
 using zav::load::limitsOptions;
 using zav::load::load;
 using zav::load::peptide;
+using zav::load::peptidoformOf;
 using zav::load::Random;
 using zav::load::splitOptions;
 using zav::load::trace;
@@ -116,6 +117,18 @@ Calls each(const std::function<bool()> &once)
     };
 }
 
+/// Each call is a block of `LIST_SIZE` numbers at most.
+Calls inBlocks(const std::function<bool(int count)> &predict)
+{
+    return [predict](qint64 first, qint64 end) {
+        for (; first < end; first += LIST_SIZE) {
+            if (!predict(static_cast<int>(std::min<qint64>(LIST_SIZE, end - first))))
+                return false;
+        }
+        return true;
+    };
+}
+
 bool runPredictions(const QDir &models, double share)
 {
     zav::MsMsFragmentationPredictomatic predictor;
@@ -123,22 +136,54 @@ bool runPredictions(const QDir &models, double share)
         return false;
     Random random(1);
     const bool areBatchesSteady =
-        runSteadily("fragments, batches of 10,000", qint64(1e7 * share), [&](qint64 first, qint64 end) {
-            for (; first < end; first += LIST_SIZE) {
-                QStringList list;
-                for (qint64 i = first; i < std::min(first + LIST_SIZE, end); ++i)
-                    list.append(peptide(&random));
-                QList<QList<zav::FragmentPeak>> spectra;
-                if (predictor.predictFragments(list, 2, &spectra).hasError())
-                    return false;
-            }
-            return true;
-        });
+        runSteadily("fragments, batches of 10,000", qint64(1e7 * share), inBlocks([&](int count) {
+                        QStringList list;
+                        for (; count > 0; --count)
+                            list.append(peptide(&random));
+                        QList<QList<zav::FragmentPeak>> spectra;
+                        return !predictor.predictFragments(list, 2, &spectra).hasError();
+                    }));
     return runSteadily("spectra, one a call", qint64(1e6 * share), each([&] {
                            QList<QPointF> spectrum;
                            return !predictor.predictMsMsFragmentation(peptide(&random), 2, &spectrum).hasError();
                        })) &&
            areBatchesSteady;
+}
+
+bool runPeptidoforms(const QDir &models, double share)
+{
+    zav::PeptidoformSpectrumPredictor predictor;
+    zav::RetentionTimePredictor retentionTimes;
+    if (!load(models, &predictor) || !load(models, &retentionTimes))
+        return false;
+    Random random(4);
+    const bool areSpectra =
+        runSteadily("spectra of peptidoforms, batches of 10,000", qint64(1e6 * share), inBlocks([&](int count) {
+                        QList<zav::PeptidoformPrecursor> list;
+                        for (; count > 0; --count)
+                            list.append({peptidoformOf(peptide(&random)), 1 + count % 5, 27.0});
+                        QList<QList<zav::FragmentPeak>> spectra;
+                        return !predictor.predict(list, &spectra).hasError();
+                    }));
+    const bool areTimes =
+        runSteadily("retention times, batches of 10,000", qint64(1e6 * share), inBlocks([&](int count) {
+                        QList<zav::Peptidoform> list;
+                        for (; count > 0; --count)
+                            list.append(peptidoformOf(peptide(&random)));
+                        QList<double> times;
+                        return !retentionTimes.predict(list, &times).hasError();
+                    }));
+    const bool areSingleSpectra =
+        runSteadily("spectra of peptidoforms, one a call", qint64(1e5 * share), each([&] {
+                        QList<QList<zav::FragmentPeak>> spectra;
+                        return !predictor.predict({{peptidoformOf(peptide(&random)), 2, 27.0}}, &spectra).hasError();
+                    }));
+    const bool areSingleTimes =
+        runSteadily("retention times, one a call", qint64(1e5 * share), each([&] {
+                        QList<double> times;
+                        return !retentionTimes.predict({peptidoformOf(peptide(&random))}, &times).hasError();
+                    }));
+    return areSpectra && areTimes && areSingleSpectra && areSingleTimes;
 }
 
 bool runChromatograms(const QDir &models, double share)
@@ -173,32 +218,46 @@ bool runLives(const QDir &models, double share)
                                 zav::XicPeakSplitter splitter;
                                 return !splitter.init(splitOptions(models)).hasError();
                             }));
-    isSteady &=
-        runSteadily("init of the predictor of peptidoforms", count, each([&] {
-                        zav::PeptidoformSpectrumPredictor predictor;
-                        return !predictor.init(models.filePath(QStringLiteral("peptidoform_spectrum.pb"))).hasError();
-                    }));
+    isSteady &= runSteadily("init of the predictor of peptidoforms", count, each([&] {
+                                zav::PeptidoformSpectrumPredictor predictor;
+                                return load(models, &predictor);
+                            }));
     isSteady &= runSteadily("init of the predictor of retention times", count, each([&] {
                                 zav::RetentionTimePredictor predictor;
-                                return !predictor.init(models.filePath(QStringLiteral("retention_time.pb"))).hasError();
+                                return load(models, &predictor);
                             }));
     return isSteady;
 }
+
+constexpr struct Part
+{
+    const char *name;
+    bool (*run)(const QDir &models, double share);
+} PARTS[] = {{"fragments", runPredictions},
+             {"peptidoforms", runPeptidoforms},
+             {"chromatograms", runChromatograms},
+             {"lives", runLives}};
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    const double share = argc == 3 ? std::atof(argv[2]) : 0;
-    if (!(share >= 0.01 && share <= 1)) {
-        std::fputs("usage: steady_load MODELS SHARE    (0.01 to 1)\n", stderr);
+    const double share = argc >= 3 ? std::atof(argv[2]) : 0;
+    const char *const only = argc == 4 ? argv[3] : nullptr;
+    const bool isPart = !only || std::any_of(std::begin(PARTS), std::end(PARTS),
+                                             [only](const Part &part) { return qstrcmp(part.name, only) == 0; });
+    if (!(share >= 0.01 && share <= 1) || argc > 4 || !isPart) {
+        std::fputs("usage: steady_load MODELS SHARE [fragments|peptidoforms|chromatograms|lives]    (0.01 to 1)\n",
+                   stderr);
         return 2;
     }
     const QDir models(QFile::decodeName(argv[1]));
     std::puts("| call | calls | s | MiB at the end | bytes a call | MiB over all calls | descriptors | threads |");
     std::puts("| --- | --- | --- | --- | --- | --- | --- | --- |");
-    const bool arePredictions = runPredictions(models, share);
-    const bool areChromatograms = runChromatograms(models, share);
-    const bool areLives = runLives(models, share);
-    return arePredictions && areChromatograms && areLives ? 0 : 1;
+    bool isSteady = true;
+    for (const Part &part : PARTS) {
+        if (!only || qstrcmp(part.name, only) == 0)
+            isSteady &= part.run(models, share);
+    }
+    return isSteady ? 0 : 1;
 }
