@@ -5,6 +5,7 @@
 
 #include <sqlite3.h>
 
+#include <cerrno>
 #include <limits>
 #include <new>
 #include <utility>
@@ -20,6 +21,26 @@ int endsStatement(void *stepsLeft)
     qint64 &left = *static_cast<qint64 *>(stepsLeft);
     left -= STEPS_AT_ONCE;
     return left < 0 ? 1 : 0;
+}
+
+/// Whether SQLite takes this error of a read for a damaged file.
+bool isTakenForDamage(int systemError)
+{
+    return systemError == EIO || systemError == ENXIO || systemError == ERANGE;
+}
+
+/// Why the system refused what SQLite asked it for last, in its words; empty where SQLite's own say more.
+QString systemReason(sqlite3 *handle)
+{
+    const int code = sqlite3_errcode(handle);
+    int ofFile = 0;
+    if (code == SQLITE_IOERR || code == SQLITE_CORRUPT)
+        sqlite3_file_control(handle, "main", SQLITE_FCNTL_LAST_ERRNO, &ofFile);
+    if (code == SQLITE_CORRUPT && !isTakenForDamage(ofFile))
+        return {};
+    const bool isOpening = code == SQLITE_CANTOPEN;
+    const int number = isOpening ? sqlite3_system_errno(handle) : ofFile;
+    return number == 0 ? QString() : qt_error_string(number);
 }
 
 } // namespace
@@ -66,7 +87,8 @@ Error SqliteDatabase::failure() const
         throw std::bad_alloc();
     if (sqlite3_errcode(m_handle) == SQLITE_INTERRUPT)
         return failure(QStringLiteral("it is damaged: reading it does not end"));
-    return failure(QString::fromUtf8(sqlite3_errmsg(m_handle)));
+    const QString reason = systemReason(m_handle);
+    return failure(reason.isEmpty() ? QString::fromUtf8(sqlite3_errmsg(m_handle)) : reason);
 }
 
 Error SqliteDatabase::failure(const QString &reason) const

@@ -15,7 +15,7 @@ struct sqlite3_stmt;
 
 namespace zav {
 
-/// An open SQLite database. Its errors name the file: `what` ("cannot write"), the file's name, SQLite's words.
+/// An open SQLite database. Its errors name the file: `what` ("cannot write"), the file's name, the reason.
 class SqliteDatabase
 {
 public:
@@ -37,7 +37,8 @@ public:
     /// Every statement has to be gone.
     Error close();
 
-    /// That the file cannot be read or written: in the words of SQLite for its last failure, or in our own.
+    /// That the file cannot be read or written: why, in the words of the system or else of SQLite for its last failure,
+    /// or in our own.
     Error failure() const;
     Error failure(const QString &reason) const;
 
