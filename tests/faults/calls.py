@@ -45,14 +45,25 @@ def must_fail(kind, action, failed_calls):
     return any("fdatasync" not in line or "(deleted)" not in line for line in failed_calls)
 
 
+def told(case, kind, action, failed_calls):
+    """The files whose calls have failed, and the error. Qt does not keep the reason why it could not look at a file."""
+    names = set()
+    for line in failed_calls:
+        names |= workbench.names_of(case, line.split(" ", 3)[3])
+    if kind == "stat":
+        return workbench.Told(names, ())
+    reasons = workbench.REASONS_OF.get(action, ())
+    return workbench.Told(names, (*reasons, workbench.OPENED_FOR_READING) if kind == "open" else reasons)
+
+
 def faults_of(case, kind, action, number, result, with_old):
+    failed_calls = result.calls[number - 1:][:result.done]
     # With one call failed, what cannot be removed stays, under a name that nobody takes for a result.
-    # Qt does not keep the reason why it could not look at a file.
     faults = workbench.judge(case, result, with_old, may_leave=kind in ("unlink", "rename", "close"),
-                             needs_reason=kind != "stat")
+                             told=told(case, kind, action, failed_calls))
     if result.code != 0 and must_complete(kind, action):
         faults.append(f"{action} ends the run: {result.lines[-1:]}")
-    if result.code == 0 and must_fail(kind, action, result.calls[number - 1:][:result.done]):
+    if result.code == 0 and must_fail(kind, action, failed_calls):
         faults.append(f"{action} of {kind} is passed over")
     return faults
 

@@ -18,14 +18,17 @@ TIMEOUT = 120  # seconds; a run takes one or two
 
 OLD = b"what stood here before\n"
 
-# Beside the system's own words for the errors that are injected, those of SQLite and of Qt, where the reason is theirs.
-REASONS = (
-    "Input/output error", "No space left on device", "Interrupted system call", "Too many open files",
-    "Permission denied", "Read-only file system", "disk I/O error", "database or disk is full",
-    "unable to open database file", "No such file or directory", "File too large", "File name too long", "database disk image is malformed",
-    "is not writable",
-    "it has changed while it was read",
-)
+# What a line may say of an error that was injected: the system's words, or SQLite's for the same.
+REASONS_OF = {
+    "EIO": ("Input/output error", "disk I/O error"),
+    "ENOSPC": ("No space left on device", "database or disk is full"),
+    "EINTR": ("Interrupted system call",),
+    "EMFILE": ("Too many open files",),
+}
+# SQLite opens a file for reading where it cannot open it for writing, and does not keep the reason.
+OPENED_FOR_READING = "unable to open database file"
+REASONS = (*itertools.chain(*REASONS_OF.values()), OPENED_FOR_READING, "Permission denied", "Read-only file system",
+           "No such file or directory", "File too large", "File name too long", "is not writable")
 
 
 @dataclasses.dataclass
@@ -171,7 +174,35 @@ def wrong_files(case, result, with_old):
     return wrong
 
 
-def wrong_message(case, result, needs_reason):
+def all_names(case):
+    """What a failed run may name. A temporary file has no name."""
+    names = [name.split("/")[-1] for name in (*case.inputs, *case.outputs)]
+    return {*names, "standard output", "zav-faults-", "pictures", "a temporary file in tmp"}
+
+
+def names_of(case, path):
+    """What a run may name where a call on this path has failed: a file by the name that it is to have; for the folder,
+    each file in it; for a file that has no name yet any output."""
+    place = re.search(r"zav-faults-[^/]*/d(?:/(.*))?$", path)
+    inside = place[1] if place and place[1] else ""
+    is_nameless = re.search(r"#\d+( \(deleted\))?$", inside) is not None
+    if inside.startswith("tmp") and not is_nameless:
+        return {"a temporary file in tmp"}
+    if not inside or is_nameless:
+        return all_names(case)
+    name = re.sub(r"(-journal)?$", "", inside.split("/")[-1])
+    return {name, re.sub(r"\.[0-9A-Za-z]{6}$", "", name)}
+
+
+@dataclasses.dataclass
+class Told:
+    """What the line about a failure has to hold: one of the names and, where there are any, one of the reasons."""
+
+    names: set
+    reasons: tuple = REASONS
+
+
+def wrong_message(case, result, told):
     """A failed run tells one line more than usual, with a file and the reason."""
     lines = without_folder(result.lines)
     own = [line for line in lines if line not in case.usual_lines and not line.startswith("zav: left out")]
@@ -180,18 +211,15 @@ def wrong_message(case, result, needs_reason):
         return [f"line that is not the program's own: {foreign[0]!r}"]
     if len(own) != 1:
         return [f"{len(own)} lines about the failure: {own}"]
-    names = [name.split("/")[-1] for name in (*case.inputs, *case.outputs)]
-    # A temporary file has no name.
-    names += ["standard output", "zav-faults-", "pictures", "a temporary file in tmp"]
     wrong = []
-    if not any(name in own[0] for name in names):
-        wrong.append(f"no file is named: {own[0]!r}")
-    if needs_reason and not any(reason in own[0] for reason in REASONS):
-        wrong.append(f"no reason is told: {own[0]!r}")
+    if not any(name in own[0] for name in told.names):
+        wrong.append(f"none of {sorted(told.names)} is named: {own[0]!r}")
+    if told.reasons and not any(reason in own[0] for reason in told.reasons):
+        wrong.append(f"none of the reasons {told.reasons} is told: {own[0]!r}")
     return wrong
 
 
-def judge(case, result, with_old, may_leave=False, needs_reason=True):
+def judge(case, result, with_old, may_leave=False, told=None):
     """The faults of a run that one of its calls has failed in; empty if all is well."""
     if result.code not in (0, 1):
         return [f"exit code {result.code}: {result.lines[-2:]}"]
@@ -200,7 +228,7 @@ def judge(case, result, with_old, may_leave=False, needs_reason=True):
         faults += [f"exit code 0 without {name}" for name in case.outputs
                    if result.files.get(name) != case.expected[name]]
     else:
-        faults += wrong_message(case, result, needs_reason)
+        faults += wrong_message(case, result, told or Told(all_names(case)))
     for name in leftovers(case, result.files):
         if not may_leave or not is_named_as_unfinished(case, name):
             faults.append(f"{name} is left over")
