@@ -107,10 +107,12 @@ std::optional<Ions> naiveIons(const PeptidoformPrecursor &precursor, const std::
     Ions ions;
     const Peptidoform &whole = precursor.peptidoform;
     for (int bond = 1; bond < whole.length(); ++bond) {
+        const Peptidoform nTerminal = partOf(whole, false, bond);
+        const Peptidoform cTerminal = partOf(whole, true, whole.length() - bond);
         for (std::size_t column = 0; column < peptidoformIons::SERIES_COUNT; ++column) {
             const peptidoformIons::Series &series = peptidoformIons::series()[column];
-            const int number = series.ionType == u'y' ? whole.length() - bond : bond;
-            const Peptidoform part = partOf(whole, series.ionType == u'y', number);
+            const Peptidoform &part = series.ionType == u'y' ? cTerminal : nTerminal;
+            const int number = part.length();
             const double intensity =
                 values[static_cast<std::size_t>(bond - 1) * peptidoformIons::SERIES_COUNT + column];
             if (!(intensity > 0.0) || series.charge > precursor.charge || number > series.maximumNumber ||
