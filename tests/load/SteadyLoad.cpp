@@ -166,7 +166,7 @@ bool runPeptidoforms(const QDir &models, double share)
                         return !predictor.predict(list, &spectra).hasError();
                     }));
     const bool areTimes =
-        runSteadily("retention times, batches of 10,000", qint64(1e6 * share), inBlocks([&](int count) {
+        runSteadily("retention times, batches of 10,000", qint64(1e7 * share), inBlocks([&](int count) {
                         QList<zav::Peptidoform> list;
                         for (; count > 0; --count)
                             list.append(peptidoformOf(peptide(&random)));
