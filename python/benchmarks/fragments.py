@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """Compares the package's prediction of many peptides with the C++ batch, and with ms2pip where that is installed.
 
-    taskset -c 0 python fragments.py [number of peptides]
+    taskset -c 0 python fragments.py [number of peptides [rounds]]
 
 All run in turn on the same peptides, C++ and Python in one process. Times are processor time; the ratios count. The C++
 batch is compiled here, against the libraries of the installed package: this needs g++, the sources' headers and Qt's.
@@ -22,7 +22,6 @@ from pathlib import Path
 
 import zav
 
-ROUNDS = 3
 CHARGE = 2
 MS2PIP_PEPTIDES = 2000  # it takes about ten times as long
 ROOT = Path(__file__).resolve().parents[2]
@@ -82,6 +81,7 @@ def ms2pip_batch(peptides: list[str]) -> tuple[float, int, int]:
 def main() -> None:
     """Print the medians of the rounds and their ratios."""
     peptides = random_peptides(int(sys.argv[1]) if len(sys.argv) > 1 else 100_000)
+    rounds = int(sys.argv[2]) if len(sys.argv) > 2 else 3
     predictor = zav.FragmentPredictor()
     with tempfile.TemporaryDirectory() as folder:
         library = compiled_batch(Path(folder))
@@ -95,12 +95,12 @@ def main() -> None:
         calls["ms2pip"] = lambda: ms2pip_batch(peptides[:: len(peptides) // MS2PIP_PEPTIDES or 1])
 
     print(
-        f"{len(peptides)} peptides, charge {CHARGE}, {ROUNDS} rounds; Python {platform.python_version()}, load", end=" "
+        f"{len(peptides)} peptides, charge {CHARGE}, {rounds} rounds; Python {platform.python_version()}, load", end=" "
     )
     print(*(f"{load:.1f}" for load in os.getloadavg()))
     each: dict[str, list[float]] = {name: [] for name in calls}  # seconds per peptide
     peaks: dict[str, int] = {}
-    for _ in range(ROUNDS):
+    for _ in range(rounds):
         for name, call in calls.items():
             seconds, peaks[name], count = call()
             each[name].append(seconds / count)
