@@ -59,8 +59,8 @@ def told(case, kind, action, failed_calls):
 def faults_of(case, kind, action, number, result, with_old):
     failed_calls = result.calls[number - 1:][:result.done]
     # With one call failed, what cannot be removed stays, under a name that nobody takes for a result.
-    faults = workbench.judge(case, result, with_old, may_leave=kind in ("unlink", "rename", "close"),
-                             told=told(case, kind, action, failed_calls))
+    faults = workbench.judge(case, result, with_old, told(case, kind, action, failed_calls),
+                             may_leave=kind in ("unlink", "rename", "close"))
     if result.code != 0 and must_complete(kind, action):
         faults.append(f"{action} ends the run: {result.lines[-1:]}")
     if result.code == 0 and must_fail(kind, action, failed_calls):
