@@ -23,24 +23,30 @@ int endsStatement(void *stepsLeft)
     return left < 0 ? 1 : 0;
 }
 
-/// Whether SQLite takes this error of a read for a damaged file.
-bool isTakenForDamage(int systemError)
+/// The system's number for the last call on the file that failed; 0 where none has.
+int lastErrorOfFile(sqlite3 *handle)
 {
-    return systemError == EIO || systemError == ENXIO || systemError == ERANGE;
+    int number = 0;
+    sqlite3_file_control(handle, "main", SQLITE_FCNTL_LAST_ERRNO, &number);
+    return number;
 }
 
-/// Why the system refused what SQLite asked it for last, in its words; empty where SQLite's own say more.
-QString systemReason(sqlite3 *handle)
+/// The system's number for the last failure of SQLite; 0 where the system was not its cause.
+int systemError(sqlite3 *handle)
 {
-    const int code = sqlite3_errcode(handle);
-    int ofFile = 0;
-    if (code == SQLITE_IOERR || code == SQLITE_CORRUPT)
-        sqlite3_file_control(handle, "main", SQLITE_FCNTL_LAST_ERRNO, &ofFile);
-    if (code == SQLITE_CORRUPT && !isTakenForDamage(ofFile))
-        return {};
-    const bool isOpening = code == SQLITE_CANTOPEN;
-    const int number = isOpening ? sqlite3_system_errno(handle) : ofFile;
-    return number == 0 ? QString() : qt_error_string(number);
+    switch (sqlite3_errcode(handle)) {
+    case SQLITE_CANTOPEN:
+        return sqlite3_system_errno(handle);
+    case SQLITE_IOERR:
+        return lastErrorOfFile(handle);
+    case SQLITE_CORRUPT: {
+        // SQLite calls a file damaged where a read fails with one of these (SQLITE_IOERR_CORRUPTFS).
+        const int number = lastErrorOfFile(handle);
+        return number == EIO || number == ENXIO || number == ERANGE ? number : 0;
+    }
+    default:
+        return 0;
+    }
 }
 
 } // namespace
@@ -87,8 +93,8 @@ Error SqliteDatabase::failure() const
         throw std::bad_alloc();
     if (sqlite3_errcode(m_handle) == SQLITE_INTERRUPT)
         return failure(QStringLiteral("it is damaged: reading it does not end"));
-    const QString reason = systemReason(m_handle);
-    return failure(reason.isEmpty() ? QString::fromUtf8(sqlite3_errmsg(m_handle)) : reason);
+    const int number = systemError(m_handle);
+    return failure(number != 0 ? qt_error_string(number) : QString::fromUtf8(sqlite3_errmsg(m_handle)));
 }
 
 Error SqliteDatabase::failure(const QString &reason) const
