@@ -42,7 +42,6 @@ QString pathOf(const char *name)
     return folder().filePath(QString::fromUtf8(name));
 }
 
-// Without Qt's buffers: a target writes a file or two for every input.
 QByteArray numberText(double value)
 {
     char text[32];
@@ -51,6 +50,7 @@ QByteArray numberText(double value)
     return QByteArray(text, end - text);
 }
 
+// Without Qt's buffers: a target writes a file or two for every input.
 QString fileWith(const char *name, const QByteArray &content)
 {
     const QString path = pathOf(name);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Door: peptidoforms, charges and energies for the spectra of modified peptides, with the outputs of the network from
-// the fuzzer. Promises: the peaks are those that naive code finds, each ion weighed as a peptide of its own; they
-// ascend within 0 to 2000 m/z; what cannot be read has no peaks and a warning; a failure leaves the output as it was;
-// two precursors have the peaks that each has alone; nothing leaks.
+// the fuzzer. Promises: the monoisotopic peaks are those that naive code finds, each ion weighed as a peptide of its
+// own; they ascend within 0 to 2000 m/z; what cannot be read has no peaks and a warning; a failure leaves the output as
+// it was; two precursors have the peaks that each has alone; nothing leaks.
 #include "PeptidoformIons.h"
 #include "PeptidoformRows.h"
 #include "PeptidoformSupport.h"

@@ -15,20 +15,28 @@ struct Pairs
     QList<ObservedRetentionTime> observed;
     std::vector<float> values;
     std::size_t headCount = 1;
-    bool isModerate = false; // without numbers that overflow where they are squared
+    bool isRun = false; // as of a chromatography, not any numbers
 };
 
+/// Any numbers; or outputs that rise from pair to pair, with noise, and times that rise or fall in stretches.
 Pairs takePairs(FuzzedDataProvider *data)
 {
     Pairs pairs;
     pairs.headCount = data->ConsumeIntegralInRange<std::size_t>(1, 4);
-    pairs.isModerate = data->ConsumeBool();
-    const auto take = [&] { return pairs.isModerate ? data->ConsumeIntegral<qint16>() / 64.0 : takeNumber(data); };
-    for (int left = data->ConsumeIntegralInRange(9, 34); left > 0; --left) {
+    pairs.isRun = data->ConsumeBool();
+    const int count = data->ConsumeIntegralInRange(9, 50);
+    double time = 0.0;
+    double step = 0.0;
+    for (int i = 0; i < count; ++i) {
+        if (i % 8 == 0)
+            step = data->ConsumeIntegral<qint8>() / 4.0;
+        time += step;
         // Of one length, so that the network sees them in their order.
-        pairs.observed.append({Peptidoform(QStringLiteral("PEPTIDEK")), take()});
-        for (std::size_t i = 0; i < pairs.headCount; ++i)
-            pairs.values.push_back(static_cast<float>(take()));
+        pairs.observed.append({Peptidoform(QStringLiteral("PEPTIDEK")), pairs.isRun ? time : takeNumber(data)});
+        for (std::size_t head = 0; head < pairs.headCount; ++head) {
+            const double value = pairs.isRun ? 4.0 * i + data->ConsumeIntegral<qint8>() / 16.0 : takeNumber(data);
+            pairs.values.push_back(static_cast<float>(value));
+        }
     }
     return pairs;
 }
@@ -65,7 +73,7 @@ void requireCalibration(RetentionTimePredictor *predictor, const RetentionTimeCa
             "outliers are pairs");
     require(!(calibration.width95() < 0), "a width is not negative");
     const QList<double> curve = timesOf(calibration);
-    require(!pairs.isModerate || std::is_sorted(curve.cbegin(), curve.cend()), "a calibrated time never falls");
+    require(!pairs.isRun || std::is_sorted(curve.cbegin(), curve.cend()), "a calibrated time never falls");
 
     QList<Peptidoform> peptidoforms;
     for (const ObservedRetentionTime &pair : pairs.observed)
@@ -89,7 +97,7 @@ void tryCalibration(RetentionTimePredictor *predictor, FuzzedDataProvider *data)
             "pairs that do not fit are the caller's");
     if (!calibration.hasError())
         requireCalibration(predictor, calibration.value(), pairs);
-    if (!pairs.isModerate)
+    if (!pairs.isRun)
         return;
     const Result<RetentionTimeCalibration> other = fit(predictor, reversed(pairs));
     require(other.hasError() == calibration.hasError(), "pairs fit in any order");
