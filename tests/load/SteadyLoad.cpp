@@ -117,8 +117,8 @@ Calls each(const std::function<bool()> &once)
     };
 }
 
-/// Each call is a block of `LIST_SIZE` numbers at most.
-Calls inBlocks(const std::function<bool(int count)> &predict)
+/// Up to `LIST_SIZE` calls are one batch, which `predict` is given the size of.
+Calls inBatches(const std::function<bool(int count)> &predict)
 {
     return [predict](qint64 first, qint64 end) {
         for (; first < end; first += LIST_SIZE) {
@@ -136,7 +136,7 @@ bool runPredictions(const QDir &models, double share)
         return false;
     Random random(1);
     const bool areBatchesSteady =
-        runSteadily("fragments, batches of 10,000", qint64(1e7 * share), inBlocks([&](int count) {
+        runSteadily("fragments, batches of 10,000", qint64(1e7 * share), inBatches([&](int count) {
                         QStringList list;
                         for (; count > 0; --count)
                             list.append(peptide(&random));
@@ -157,33 +157,27 @@ bool runPeptidoforms(const QDir &models, double share)
     if (!load(models, &predictor) || !load(models, &retentionTimes))
         return false;
     Random random(4);
-    const bool areSpectra =
-        runSteadily("spectra of peptidoforms, batches of 10,000", qint64(1e6 * share), inBlocks([&](int count) {
-                        QList<zav::PeptidoformPrecursor> list;
-                        for (; count > 0; --count)
-                            list.append({peptidoformOf(peptide(&random)), 1 + count % 5, 27.0});
-                        QList<QList<zav::FragmentPeak>> spectra;
-                        return !predictor.predict(list, &spectra).hasError();
-                    }));
-    const bool areTimes =
-        runSteadily("retention times, batches of 10,000", qint64(1e7 * share), inBlocks([&](int count) {
-                        QList<zav::Peptidoform> list;
-                        for (; count > 0; --count)
-                            list.append(peptidoformOf(peptide(&random)));
-                        QList<double> times;
-                        return !retentionTimes.predict(list, &times).hasError();
-                    }));
-    const bool areSingleSpectra =
-        runSteadily("spectra of peptidoforms, one a call", qint64(1e5 * share), each([&] {
-                        QList<QList<zav::FragmentPeak>> spectra;
-                        return !predictor.predict({{peptidoformOf(peptide(&random)), 2, 27.0}}, &spectra).hasError();
-                    }));
-    const bool areSingleTimes =
-        runSteadily("retention times, one a call", qint64(1e5 * share), each([&] {
-                        QList<double> times;
-                        return !retentionTimes.predict({peptidoformOf(peptide(&random))}, &times).hasError();
-                    }));
-    return areSpectra && areTimes && areSingleSpectra && areSingleTimes;
+    const auto predictSpectra = [&](int count) {
+        QList<zav::PeptidoformPrecursor> list;
+        for (; count > 0; --count)
+            list.append({peptidoformOf(peptide(&random)), 1 + count % 5, 27.0});
+        QList<QList<zav::FragmentPeak>> spectra;
+        return !predictor.predict(list, &spectra).hasError();
+    };
+    const auto predictTimes = [&](int count) {
+        QList<zav::Peptidoform> list;
+        for (; count > 0; --count)
+            list.append(peptidoformOf(peptide(&random)));
+        QList<double> times;
+        return !retentionTimes.predict(list, &times).hasError();
+    };
+    bool isSteady =
+        runSteadily("spectra of peptidoforms, batches of 10,000", qint64(1e6 * share), inBatches(predictSpectra));
+    isSteady &= runSteadily("retention times, batches of 10,000", qint64(1e7 * share), inBatches(predictTimes));
+    isSteady &= runSteadily("spectra of peptidoforms, one a call", qint64(1e5 * share),
+                            each([&] { return predictSpectra(1); }));
+    isSteady &= runSteadily("retention times, one a call", qint64(1e5 * share), each([&] { return predictTimes(1); }));
+    return isSteady;
 }
 
 bool runChromatograms(const QDir &models, double share)
@@ -244,8 +238,8 @@ int main(int argc, char *argv[])
 {
     const double share = argc >= 3 ? std::atof(argv[2]) : 0;
     const char *const only = argc == 4 ? argv[3] : nullptr;
-    const bool isPart = !only || std::any_of(std::begin(PARTS), std::end(PARTS),
-                                             [only](const Part &part) { return qstrcmp(part.name, only) == 0; });
+    const auto isChosen = [only](const Part &part) { return !only || qstrcmp(part.name, only) == 0; };
+    const bool isPart = std::any_of(std::begin(PARTS), std::end(PARTS), isChosen);
     if (!(share >= 0.01 && share <= 1) || argc > 4 || !isPart) {
         std::fputs("usage: steady_load MODELS SHARE [fragments|peptidoforms|chromatograms|lives]    (0.01 to 1)\n",
                    stderr);
@@ -256,7 +250,7 @@ int main(int argc, char *argv[])
     std::puts("| --- | --- | --- | --- | --- | --- | --- | --- |");
     bool isSteady = true;
     for (const Part &part : PARTS) {
-        if (!only || qstrcmp(part.name, only) == 0)
+        if (isChosen(part))
             isSteady &= part.run(models, share);
     }
     return isSteady ? 0 : 1;
