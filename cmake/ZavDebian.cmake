@@ -15,7 +15,7 @@ endif()
 
 # The system's search finds the libraries, and TfApi looks for the folder `zav` beside libzav_ml itself.
 set(CMAKE_SKIP_INSTALL_RPATH ON)
-# The linker's digest of a file, its build ID, covers the search path of the build.
+# The build ID of a file covers the search path of the build, which therefore must not name the folder of the build.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 set(ZAV_DEBIAN_MAINTAINER "The zav project <zav@example.org>" CACHE STRING "Maintainer that the Debian packages name")
